@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+/**
+ * @file
+ * Everything that a host uses. The header of the logger's working object comes with it where log4qt's
+ * headers are in reach; a host that only logs needs none of them.
+ */
+
+#pragma once
+
+#include "base/LoggerObject.h"
+
+#if __has_include(<log4qt/logger.h>)
+#include "base/LoggerObjectPrivate.h"
+#endif

@@ -1,0 +1,52 @@
+# SPDX-License-Identifier: LGPL-2.1-or-later
+#
+# What every target of this tree is compiled and linked with.
+
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+    set(CMAKE_BUILD_TYPE RelWithDebInfo)
+endif()
+
+# Every shared object of the tree in one folder, as hosts ship them, so that each finds the
+# other beside itself in the build tree too.
+set(ZYBASE_LIBRARY_DIR "${CMAKE_CURRENT_BINARY_DIR}/lib")
+
+# C++17, our warnings and the Qt strictness of a library: for our own sources only, nothing
+# of it reaches a host.
+function(zybase_compile target)
+    target_compile_features(${target} PRIVATE cxx_std_17)
+    set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+        # Qt's own macros are called without their last arguments.
+        $<$<CXX_COMPILER_ID:Clang>:-Wno-gnu-zero-variadic-macro-arguments>
+        $<$<BOOL:${ZYBASE_WARNINGS_AS_ERRORS}>:-Werror>)
+    target_compile_definitions(${target} PRIVATE
+        QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY QT_NO_URL_CAST_FROM_STRING
+        QT_NO_KEYWORDS QT_NO_FOREACH QT_DEPRECATED_WARNINGS)
+    if(ZYBASE_SANITIZE)
+        target_compile_options(${target} PRIVATE -fsanitize=${ZYBASE_SANITIZE} -fno-omit-frame-pointer)
+        target_link_options(${target} PRIVATE -fsanitize=${ZYBASE_SANITIZE})
+    endif()
+    if(ZYBASE_COVERAGE)
+        target_compile_options(${target} PRIVATE --coverage)
+        target_link_options(${target} PRIVATE --coverage)
+    endif()
+endfunction()
+
+# A shared object that hosts ship beside themselves: the SONAME is the plain file name, the
+# calls inside it are bound at link time, and it looks for its siblings where it lies.
+function(zybase_shared_object target)
+    zybase_compile(${target})
+    target_compile_options(${target} PRIVATE -fno-semantic-interposition)
+    target_link_options(${target} PRIVATE -Wl,-Bsymbolic-functions -Wl,-z,defs)
+    if(ZYBASE_SANITIZE)
+        # The sanitizers' own symbols come with the program.
+        target_link_options(${target} PRIVATE -Wl,-z,undefs)
+    endif()
+    set_target_properties(${target} PROPERTIES
+        LIBRARY_OUTPUT_DIRECTORY "${ZYBASE_LIBRARY_DIR}"
+        BUILD_RPATH_USE_ORIGIN ON
+        INSTALL_RPATH "$ORIGIN")
+endfunction()

@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include <log4qt/writerappender.h>
+
+#include "errorstream.h"
+
+#include <log4qt/loggingevent.h>
+
+#include <QIODevice>
+
+namespace Log4Qt {
+inline namespace zy {
+
+WriterAppender::WriterAppender(QObject *parent)
+    : AppenderSkeleton(parent)
+{
+}
+
+WriterAppender::~WriterAppender() = default;
+
+QTextCodec *WriterAppender::encoding() const
+{
+    const Lock lock(m_mutex);
+    return m_encoding;
+}
+
+bool WriterAppender::immediateFlush() const
+{
+    const Lock lock(m_mutex);
+    return m_immediateFlush;
+}
+
+bool WriterAppender::requiresLayout() const
+{
+    return true;
+}
+
+void WriterAppender::setEncoding(QTextCodec *encoding)
+{
+    const Lock lock(m_mutex);
+    m_encoding = encoding;
+}
+
+void WriterAppender::setImmediateFlush(bool immediateFlush)
+{
+    const Lock lock(m_mutex);
+    m_immediateFlush = immediateFlush;
+}
+
+void WriterAppender::close()
+{
+    const Lock lock(m_mutex);
+    setDevice(nullptr);
+    AppenderSkeleton::close();
+}
+
+void WriterAppender::append(const LoggingEvent &event)
+{
+    write(layout()->format(event));
+}
+
+bool WriterAppender::checkEntryConditions() const
+{
+    if (!AppenderSkeleton::checkEntryConditions())
+        return false;
+    if (!m_device) {
+        reportError(QStringLiteral("appender '%1' has no open file: the event is dropped").arg(name()));
+        return false;
+    }
+    return true;
+}
+
+void WriterAppender::setDevice(QIODevice *device)
+{
+    const Lock lock(m_mutex);
+    if (m_device && layout())
+        write(layout()->footer());
+    m_device = device;
+    m_lineIsCut = false;
+    m_codec = m_encoding ? m_encoding : QTextCodec::codecForLocale();
+    if (m_device && layout())
+        write(layout()->header());
+}
+
+void WriterAppender::write(const QString &text)
+{
+    if (text.isEmpty())
+        return;
+    QTextCodec::ConverterState noByteOrderMark(QTextCodec::IgnoreHeader);
+    QByteArray bytes = m_codec->fromUnicode(text.constData(), text.size(), &noByteOrderMark);
+    // A full disk may have taken half a line; the next whole one starts on a line of its own.
+    if (m_lineIsCut)
+        bytes.prepend('\n');
+    const qint64 written = m_device->write(bytes);
+    const bool isWhole = written == bytes.size() && (!m_immediateFlush || flushDevice());
+    if (isWhole) {
+        m_lineIsCut = false;
+        return;
+    }
+    m_lineIsCut = m_lineIsCut || written > 0;
+    reportError(QStringLiteral("appender '%1' can't write: %2").arg(name(), m_device->errorString()));
+}
+
+} // namespace zy
+} // namespace Log4Qt

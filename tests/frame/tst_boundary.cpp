@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include <ZyBase/ZyBase.h>
+
+#include "Files.h"
+
+#include <QFileInfo>
+#include <QLibrary>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+const QString library = QStringLiteral(ZYBASE_LIBRARY);
+constexpr bool isInstrumented = ZYBASE_INSTRUMENTED != 0;
+
+QString output(const QString &program, const QStringList &arguments)
+{
+    QProcess process;
+    process.start(program, arguments);
+    process.waitForFinished();
+    return QString::fromUtf8(process.readAllStandardOutput());
+}
+
+QStringList captured(const QString &text, const QString &pattern)
+{
+    QStringList found;
+    QRegularExpressionMatchIterator match =
+        QRegularExpression(pattern, QRegularExpression::MultilineOption).globalMatch(text);
+    while (match.hasNext())
+        found << match.next().captured(1);
+    return found;
+}
+
+} // namespace
+
+// The library as a loader and a linker see it.
+class TestBoundary : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        if (output(QStringLiteral("nm"), {QStringLiteral("--version")}).isEmpty())
+            QSKIP("binutils are not installed");
+    }
+
+    void exportedIsTheListAndNothingElse()
+    {
+        if (isInstrumented)
+            QSKIP("instrumented libraries export what their instruments need");
+        const QString symbols =
+            output(QStringLiteral("nm"), {QStringLiteral("-DC"), QStringLiteral("--defined-only"), library});
+        QStringList names = captured(symbols, QStringLiteral("^[0-9a-f]+ . (.*)$"));
+        names.removeDuplicates(); // a constructor stands in two forms
+        names.sort();
+        QStringList expected = readLines(QStringLiteral(ZYBASE_EXPORTS));
+        expected.sort();
+        QCOMPARE(names, expected);
+    }
+
+    void fileAndSonameAreTheSamePlainName()
+    {
+        QCOMPARE(QFileInfo(library).fileName(), QStringLiteral("libZyBase.so"));
+        QVERIFY(!QFileInfo(library).isSymLink());
+        const QString dynamic = output(QStringLiteral("readelf"), {QStringLiteral("-dW"), library});
+        QCOMPARE(captured(dynamic, QStringLiteral(R"(\(SONAME\).*\[(.*)\])")),
+                 QStringList {QStringLiteral("libZyBase.so")});
+    }
+
+    void siblingsAreLookedForBesideTheLibrary()
+    {
+        const QString dynamic = output(QStringLiteral("readelf"), {QStringLiteral("-dW"), library});
+        const QStringList paths = captured(dynamic, QStringLiteral(R"(\((?:RUNPATH|RPATH)\).*\[(.*)\])"));
+        QCOMPARE(paths.size(), 1);
+        QCOMPARE(paths.first().split(QLatin1Char(':')).first(), QStringLiteral("$ORIGIN"));
+    }
+
+    void nothingButTheUsedIsLinked()
+    {
+        if (isInstrumented)
+            QSKIP("instrumented libraries link what their instruments need");
+        const QString dynamic = output(QStringLiteral("readelf"), {QStringLiteral("-dW"), library});
+        QStringList needed = captured(dynamic, QStringLiteral(R"(\(NEEDED\).*\[(.*)\])"));
+        needed = needed.filter(
+            QRegularExpression(QStringLiteral("^lib(?!stdc\\+\\+|gcc_s|c\\.|m\\.|.*[Ll]og4[Qq]t)")));
+        QCOMPARE(needed, QStringList {QStringLiteral("libQt5Core.so.5")});
+    }
+
+    void noWorkIsDoneAtLoadTime()
+    {
+        if (isInstrumented)
+            QSKIP("instruments start at load time");
+        const QString dynamic = output(QStringLiteral("readelf"), {QStringLiteral("-dW"), library});
+        // The one entry is the compiler's own start file.
+        QCOMPARE(captured(dynamic, QStringLiteral(R"(\(INIT_ARRAYSZ\)\s+(\d+))")),
+                 QStringList {QString::number(sizeof(void *))});
+    }
+
+    void callsInsideTheLibraryAreBoundThere()
+    {
+        const QString relocations =
+            output(QStringLiteral("sh"),
+                   {QStringLiteral("-c"), QStringLiteral("readelf -rW '%1' | c++filt").arg(library)});
+        QVERIFY(relocations.contains(QStringLiteral("JUMP_SLO")));
+        const QStringList slots =
+            captured(relocations, QStringLiteral("^.*JUMP_SLO.*? ((?:ZyBase::|LoggerObjectPrivate::).*)$"));
+        QCOMPARE(slots, QStringList());
+    }
+
+    void libraryLoadsIntoAHostThatDoesNotLinkIt()
+    {
+        if (isInstrumented)
+            QSKIP("the instruments take a second copy of the library for a mistake");
+        // Moved away from where it was built, with its sibling, as hosts ship it.
+        const QTemporaryDir host;
+        const QFileInfo original(library);
+        const QFileInfoList siblings = original.dir().entryInfoList({QStringLiteral("lib*.so")}, QDir::Files);
+        for (const QFileInfo &sibling : siblings)
+            QVERIFY(QFile::copy(sibling.filePath(), host.filePath(sibling.fileName())));
+        QLibrary loaded(host.filePath(original.fileName()));
+        QVERIFY2(loaded.load(), qPrintable(loaded.errorString()));
+        QVERIFY(loaded.resolve("_ZN6ZyBase12LoggerObject4infoEPKc"));
+    }
+
+    void oneHeaderBringsAllClasses()
+    {
+        ZyBase::LoggerObject::debug("off");
+        QVERIFY(LoggerObjectPrivate::getInstance() != nullptr);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestBoundary)
+
+#include "tst_boundary.moc"

@@ -1,0 +1,254 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include <log4qt/logger.h>
+#include <log4qt/loggingevent.h>
+#include <log4qt/ndc.h>
+#include <log4qt/ttcclayout.h>
+
+#include <QDateTime>
+#include <QRandomGenerator>
+#include <QRegularExpression>
+#include <QTest>
+#include <QThread>
+
+#include <thread>
+#include <vector>
+
+using namespace Log4Qt;
+
+namespace {
+
+// 2026-11-20 07:37:57.106 in UTC.
+constexpr qint64 moment = 1795160277106;
+
+LoggingEvent eventOf(qint64 timeStamp = moment, const QString &message = QStringLiteral("hello"))
+{
+    return LoggingEvent(Logger::logger(QStringLiteral("app::net")), Level(Level::INFO_INT), message,
+                        timeStamp);
+}
+
+void setZone(const QByteArray &zone)
+{
+    qputenv("TZ", zone);
+}
+
+} // namespace
+
+class TestLog4QtLayout : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { QThread::currentThread()->setObjectName(QStringLiteral("main")); }
+    void init() { setZone("UTC0"); }
+    void cleanup() { NDC::clear(); }
+
+    void fieldsStandInTheirOrder_data()
+    {
+        QTest::addColumn<bool>("thread");
+        QTest::addColumn<bool>("category");
+        QTest::addColumn<bool>("context");
+        QTest::addColumn<QString>("line");
+        QTest::newRow("all") << true << true << true << " [main] INFO  app::net ctx - hello\n";
+        QTest::newRow("no thread") << false << true << true << " INFO  app::net ctx - hello\n";
+        QTest::newRow("no category") << true << false << true << " [main] INFO  ctx - hello\n";
+        QTest::newRow("no context") << true << true << false << " [main] INFO  app::net - hello\n";
+        QTest::newRow("none") << false << false << false << " INFO  - hello\n";
+    }
+    void fieldsStandInTheirOrder()
+    {
+        QFETCH(bool, thread);
+        QFETCH(bool, category);
+        QFETCH(bool, context);
+        QFETCH(QString, line);
+        NDC::push(QStringLiteral("ctx"));
+        TTCCLayout layout;
+        QVERIFY(layout.threadPrinting() && layout.categoryPrefixing() && layout.contextPrinting());
+        layout.setDateFormat(TTCCLayout::NONE);
+        layout.setThreadPrinting(thread);
+        layout.setCategoryPrefixing(category);
+        layout.setContextPrinting(context);
+        QCOMPARE(layout.format(eventOf()), line);
+    }
+
+    void levelIsPaddedToFive_data()
+    {
+        QTest::addColumn<int>("level");
+        QTest::addColumn<QString>("line");
+        QTest::newRow("info") << int(Level::INFO_INT) << " INFO   - x\n";
+        QTest::newRow("error") << int(Level::ERROR_INT) << " ERROR  - x\n";
+        QTest::newRow("off") << int(Level::OFF_INT) << " OFF    - x\n";
+    }
+    void levelIsPaddedToFive()
+    {
+        QFETCH(int, level);
+        QFETCH(QString, line);
+        TTCCLayout layout;
+        layout.setDateFormat(TTCCLayout::NONE);
+        layout.setThreadPrinting(false);
+        layout.setCategoryPrefixing(false);
+        QCOMPARE(layout.format(
+                     LoggingEvent(nullptr, Level(static_cast<Level::Value>(level)), QStringLiteral("x"))),
+                 line);
+    }
+
+    void emptyContextAndMessageLeaveTheirBlanks()
+    {
+        TTCCLayout layout;
+        layout.setDateFormat(TTCCLayout::ISO8601);
+        layout.setThreadPrinting(false);
+        layout.setCategoryPrefixing(false);
+        QCOMPARE(layout.format(eventOf(moment, QString())),
+                 QStringLiteral("2026-11-20 07:37:57.106 INFO   - \n"));
+    }
+
+    void dateFormatsAreKnownByWordAndNumber_data()
+    {
+        QTest::addColumn<int>("number");
+        QTest::addColumn<QString>("word");
+        QTest::addColumn<QString>("time");
+        QTest::newRow("NONE") << int(TTCCLayout::NONE) << "NONE"
+                              << "";
+        QTest::newRow("ISO8601") << int(TTCCLayout::ISO8601) << "ISO8601"
+                                 << "2026-11-20 07:37:57.106";
+        QTest::newRow("ABSOLUTE") << int(TTCCLayout::ABSOLUTE) << "ABSOLUTE"
+                                  << "07:37:57.106";
+        QTest::newRow("DATE") << int(TTCCLayout::DATE) << "DATE"
+                              << "20 Nov 2026 07:37:57.106";
+    }
+    void dateFormatsAreKnownByWordAndNumber()
+    {
+        QFETCH(int, number);
+        QFETCH(QString, word);
+        QFETCH(QString, time);
+        TTCCLayout layout;
+        layout.setDateFormat(static_cast<TTCCLayout::DateFormat>(number));
+        QCOMPARE(layout.dateFormat(), word);
+        const QString byNumber = layout.format(eventOf());
+        layout.setDateFormat(word);
+        QCOMPARE(layout.format(eventOf()), byNumber);
+        QVERIFY2(byNumber.startsWith(time + QStringLiteral(" [")), qPrintable(byNumber));
+    }
+
+    void relativeTimeCountsFromTheStart()
+    {
+        TTCCLayout layout;
+        QCOMPARE(layout.dateFormat(), QStringLiteral("RELATIVE"));
+        QVERIFY(
+            layout.format(eventOf(LoggingEvent::startTime() + 1234)).startsWith(QStringLiteral("1234 [")));
+        layout.setDateFormat(TTCCLayout::ISO8601);
+        layout.setDateFormat(TTCCLayout::RELATIVE);
+        QVERIFY(layout.format(eventOf(LoggingEvent::startTime())).startsWith(QStringLiteral("0 [")));
+    }
+
+    void otherDateFormatsArePatterns_data()
+    {
+        QTest::addColumn<QString>("pattern");
+        QTest::newRow("no milliseconds") << "yyyy/MM/dd hh:mm";
+        QTest::newRow("milliseconds in the middle") << "hh:mm:ss.zzz yyyy";
+        QTest::newRow("milliseconds alone") << "zzz";
+        QTest::newRow("milliseconds without leading zeros") << "ss.z";
+        QTest::newRow("milliseconds twice") << "zzz ss.zzz";
+        QTest::newRow("quoted letters") << "hh 'zzz'";
+        QTest::newRow("unfinished quote") << "hh 'zzz";
+        QTest::newRow("half of the day") << "hh:mm AP ss.zzz";
+        QTest::newRow("zone") << "hh:mm:ss t";
+    }
+    void otherDateFormatsArePatterns()
+    {
+        QFETCH(QString, pattern);
+        TTCCLayout layout;
+        layout.setDateFormat(pattern);
+        for (const qint64 time :
+             {moment, moment + 1, moment - 100, moment + 999, moment + 12 * 3600 * 1000}) {
+            const QString expected = QDateTime::fromMSecsSinceEpoch(time).toString(pattern);
+            QVERIFY2(layout.format(eventOf(time)).startsWith(expected + QStringLiteral(" [")),
+                     qPrintable(expected));
+        }
+    }
+
+    // One question to the C library a second has to give what one for each line would.
+    void timeIsThatOfQtAtAnyMomentInAnyZone_data()
+    {
+        QTest::addColumn<QByteArray>("zone");
+        QTest::newRow("UTC") << QByteArray("UTC0");
+        QTest::newRow("with summer time") << QByteArray("CET-1CEST,M3.5.0,M10.5.0/3");
+        QTest::newRow("southern") << QByteArray("AEST-10AEDT,M10.1.0,M4.1.0/3");
+        QTest::newRow("half hours") << QByteArray("IST-5:30");
+        QTest::newRow("west") << QByteArray("PST8PDT,M3.2.0,M11.1.0");
+    }
+    void timeIsThatOfQtAtAnyMomentInAnyZone()
+    {
+        QFETCH(QByteArray, zone);
+        setZone(zone);
+        TTCCLayout layout;
+        layout.setDateFormat(TTCCLayout::ISO8601);
+        QRandomGenerator random(20261120);
+        constexpr qint64 years = qint64(20) * 366 * 24 * 3600 * 1000;
+        for (int i = 0; i < 2000; ++i) {
+            const qint64 start = moment + qint64(random.bounded(double(years))) - years / 2;
+            // Forth and back over the end of a second.
+            for (const qint64 time : {start, start + 1, start + 999, start}) {
+                const QString expected =
+                    QDateTime::fromMSecsSinceEpoch(time).toString(QStringLiteral("yyyy-MM-dd hh:mm:ss.zzz"));
+                QCOMPARE(layout.format(eventOf(time)).left(expected.size()), expected);
+            }
+        }
+    }
+
+    void timeIsRightOverEveryChangeOfTheOffset()
+    {
+        setZone("CET-1CEST,M3.5.0,M10.5.0/3");
+        TTCCLayout layout;
+        layout.setDateFormat(TTCCLayout::ISO8601);
+        const qint64 toWinter = QDateTime(QDate(2026, 10, 25), QTime(1, 0), Qt::UTC).toMSecsSinceEpoch();
+        QVERIFY(layout.format(eventOf(toWinter - 1)).startsWith(QStringLiteral("2026-10-25 02:59:59.999 ")));
+        QVERIFY(layout.format(eventOf(toWinter)).startsWith(QStringLiteral("2026-10-25 02:00:00.000 ")));
+        const qint64 toSummer = QDateTime(QDate(2026, 3, 29), QTime(1, 0), Qt::UTC).toMSecsSinceEpoch();
+        QVERIFY(layout.format(eventOf(toSummer - 1)).startsWith(QStringLiteral("2026-03-29 01:59:59.999 ")));
+        QVERIFY(layout.format(eventOf(toSummer)).startsWith(QStringLiteral("2026-03-29 03:00:00.000 ")));
+    }
+
+    void changeOfTzHoldsAtOnce()
+    {
+        TTCCLayout layout;
+        layout.setDateFormat(TTCCLayout::ABSOLUTE);
+        QVERIFY(layout.format(eventOf()).startsWith(QStringLiteral("07:37:57.106 ")));
+        setZone("JST-9");
+        QVERIFY(layout.format(eventOf()).startsWith(QStringLiteral("16:37:57.106 ")));
+        setZone("");
+        QVERIFY(layout.format(eventOf()).startsWith(QStringLiteral("07:37:57.106 ")));
+    }
+
+    void oneLayoutServesManyThreads()
+    {
+        TTCCLayout layout;
+        layout.setDateFormat(TTCCLayout::ISO8601);
+        std::atomic<int> wrong {0};
+        std::vector<std::thread> threads;
+        for (int thread = 0; thread < 4; ++thread) {
+            threads.emplace_back([&layout, &wrong, thread] {
+                for (int i = 0; i < 2000; ++i) {
+                    const qint64 time = moment + thread * 60000 + i * 7;
+                    const QString expected = QDateTime::fromMSecsSinceEpoch(time, Qt::UTC)
+                                                 .toString(QStringLiteral("yyyy-MM-dd hh:mm:ss.zzz"));
+                    wrong += !layout.format(eventOf(time)).startsWith(expected);
+                }
+            });
+        }
+        for (std::thread &thread : threads)
+            thread.join();
+        QCOMPARE(wrong.load(), 0);
+    }
+
+    void headerAndFooterAreEmpty()
+    {
+        const TTCCLayout layout;
+        QVERIFY(layout.header().isEmpty());
+        QVERIFY(layout.footer().isEmpty());
+    }
+};
+
+QTEST_GUILESS_MAIN(TestLog4QtLayout)
+
+#include "tst_log4qt_layout.moc"

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include "HostProcess.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace {
+
+// A child that answers later than this hangs.
+constexpr int patience = 60000;
+
+} // namespace
+
+HostProcess::HostProcess()
+    : m_environment(QProcessEnvironment::systemEnvironment())
+{
+}
+
+HostProcess::~HostProcess()
+{
+    kill();
+}
+
+void HostProcess::setEnvironment(const QString &variable, const QString &value)
+{
+    if (value.isNull())
+        m_environment.remove(variable);
+    else
+        m_environment.insert(variable, value);
+}
+
+bool HostProcess::start(const Sandbox &sandbox)
+{
+    QStringList command = sandbox.commandLine({QStringLiteral(ZYBASE_TEST_HOST)});
+    const QString program = command.takeFirst();
+    m_process.setProcessEnvironment(m_environment);
+    m_process.start(program, command);
+    return m_process.waitForStarted(patience);
+}
+
+QJsonValue HostProcess::call(const QString &command, const QJsonArray &arguments)
+{
+    QJsonArray request = arguments;
+    request.prepend(command);
+    m_process.write(QJsonDocument(request).toJson(QJsonDocument::Compact) + '\n');
+    while (!m_process.canReadLine()) {
+        if (!m_process.waitForReadyRead(patience))
+            return QJsonValue(QJsonValue::Undefined);
+    }
+    const QJsonArray answer = QJsonDocument::fromJson(m_process.readLine()).array();
+    return answer.isEmpty() ? QJsonValue(QJsonValue::Undefined) : answer.first();
+}
+
+int HostProcess::quit()
+{
+    m_process.closeWriteChannel();
+    if (!m_process.waitForFinished(patience))
+        return -1;
+    return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
+}
+
+void HostProcess::kill()
+{
+    m_process.kill();
+    m_process.waitForFinished(patience);
+}
+
+QString HostProcess::standardError()
+{
+    m_standardError += m_process.readAllStandardError();
+    return QString::fromUtf8(m_standardError);
+}

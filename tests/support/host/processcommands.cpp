@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include "commands.h"
+
+#include <QFile>
+#include <QLibrary>
+
+#include <csignal>
+
+namespace {
+
+QJsonValue setVariable(const QJsonArray &arguments)
+{
+    const QByteArray name = arguments.at(0).toString().toUtf8();
+    if (arguments.at(1).isNull())
+        return qunsetenv(name.constData());
+    return qputenv(name.constData(), arguments.at(1).toString().toUtf8());
+}
+
+// Dies in the middle of its work, as by the kernel's or the user's "kill -9".
+QJsonValue die(const QJsonArray &)
+{
+    return raise(SIGKILL);
+}
+
+QJsonValue readFile(const QJsonArray &arguments)
+{
+    QFile file(arguments.at(0).toString());
+    return file.open(QIODevice::ReadOnly) ? QJsonValue(QString::fromUtf8(file.readAll())) : QJsonValue();
+}
+
+QJsonValue resizeFile(const QJsonArray &arguments)
+{
+    return QFile::resize(arguments.at(0).toString(), arguments.at(1).toInt());
+}
+
+QJsonValue loadLibrary(const QJsonArray &arguments)
+{
+    QLibrary library(arguments.at(0).toString());
+    library.setLoadHints(QLibrary::ExportExternalSymbolsHint);
+    return library.load() ? QJsonValue(true) : QJsonValue(library.errorString());
+}
+
+} // namespace
+
+Commands processCommands()
+{
+    return {{QStringLiteral("process.setVariable"), setVariable},
+            {QStringLiteral("process.die"), die},
+            {QStringLiteral("process.readFile"), readFile},
+            {QStringLiteral("process.resizeFile"), resizeFile},
+            {QStringLiteral("process.loadLibrary"), loadLibrary}};
+}
