@@ -9,6 +9,7 @@
 #pragma once
 
 #include "base/LoggerObject.h"
+#include "files/CJsonReader.h"
 
 #if __has_include(<log4qt/logger.h>)
 #include "base/LoggerObjectPrivate.h"

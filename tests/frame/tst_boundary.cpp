@@ -130,6 +130,7 @@ private Q_SLOTS:
     {
         ZyBase::LoggerObject::debug("off");
         QVERIFY(LoggerObjectPrivate::getInstance() != nullptr);
+        QVERIFY(ZyBase::CJsonReader::ParseJsonFileToArray(QString()).isEmpty());
     }
 };
 
