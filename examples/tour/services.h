@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#pragma once
+
+#include <QDir>
+
+class Report;
+
+// One function a service, in the order of the tour. Each works inside the given directory.
+
+void showLog(Report &report, const QDir &directory);
+void showJson(Report &report, const QDir &directory);

@@ -1,0 +1,11 @@
+# SPDX-License-Identifier: LGPL-2.1-or-later
+#
+# What is missing is named together with the package that brings it.
+
+include(${CMAKE_CURRENT_LIST_DIR}/support.cmake)
+
+configure(${SOURCE_DIR} ${WORK_DIR}/qt -DCMAKE_DISABLE_FIND_PACKAGE_Qt5=ON)
+expect_failure_with("Missing: Qt5 5.11 or later with Core. Install the Debian package qtbase5-dev.")
+
+configure(${SOURCE_DIR} ${WORK_DIR}/log4qt -DZYBASE_LOG4QT=system -DCMAKE_DISABLE_FIND_PACKAGE_Log4Qt=ON)
+expect_failure_with("Missing: log4qt 1.5 or later.")
