@@ -9,3 +9,6 @@ expect_failure_with("Missing: Qt5 5.11 or later with Core. Install the Debian pa
 
 configure(${SOURCE_DIR} ${WORK_DIR}/log4qt -DZYBASE_LOG4QT=system -DCMAKE_DISABLE_FIND_PACKAGE_Log4Qt=ON)
 expect_failure_with("Missing: log4qt 1.5 or later.")
+
+configure(${SOURCE_DIR} ${WORK_DIR}/benchmark -DZYBASE_BUILD_BENCHMARKS=ON -DCMAKE_DISABLE_FIND_PACKAGE_benchmark=ON)
+expect_failure_with("Missing: benchmark 1.5 or later. Install the Debian package libbenchmark-dev.")
