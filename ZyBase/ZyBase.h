@@ -10,6 +10,9 @@
 
 #include "base/LoggerObject.h"
 #include "files/CJsonReader.h"
+#include "http/CHttpPostRequest.h"
+#include "http/DownloadManager.h"
+#include "platform/CSystemUtils.h"
 
 #if __has_include(<log4qt/logger.h>)
 #include "base/LoggerObjectPrivate.h"

@@ -44,12 +44,17 @@ QJsonValue HostProcess::call(const QString &command, const QJsonArray &arguments
     QJsonArray request = arguments;
     request.prepend(command);
     m_process.write(QJsonDocument(request).toJson(QJsonDocument::Compact) + '\n');
-    while (!m_process.canReadLine()) {
-        if (!m_process.waitForReadyRead(patience))
-            return QJsonValue(QJsonValue::Undefined);
+    while (true) {
+        while (!m_process.canReadLine()) {
+            if (!m_process.waitForReadyRead(patience))
+                return QJsonValue(QJsonValue::Undefined);
+        }
+        const QByteArray line = m_process.readLine();
+        const QJsonArray answer = QJsonDocument::fromJson(line).array();
+        if (!answer.isEmpty())
+            return answer.first();
+        m_standardOutput += line;
     }
-    const QJsonArray answer = QJsonDocument::fromJson(m_process.readLine()).array();
-    return answer.isEmpty() ? QJsonValue(QJsonValue::Undefined) : answer.first();
 }
 
 int HostProcess::quit()

@@ -41,6 +41,9 @@ public:
     /** All that the host wrote to its standard error stream so far. */
     QString standardError();
 
+    /** What the host wrote to its standard output stream beside its answers, until the last of them. */
+    QString standardOutput() const { return QString::fromUtf8(m_standardOutput); }
+
     qint64 processId() const { return m_process.processId(); }
 
 private:
@@ -49,4 +52,5 @@ private:
     QProcess m_process;
     QProcessEnvironment m_environment;
     QByteArray m_standardError;
+    QByteArray m_standardOutput;
 };

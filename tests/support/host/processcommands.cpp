@@ -29,6 +29,11 @@ QJsonValue readFile(const QJsonArray &arguments)
     return file.open(QIODevice::ReadOnly) ? QJsonValue(QString::fromUtf8(file.readAll())) : QJsonValue();
 }
 
+QJsonValue fileSize(const QJsonArray &arguments)
+{
+    return QFile(arguments.at(0).toString()).size();
+}
+
 QJsonValue resizeFile(const QJsonArray &arguments)
 {
     return QFile::resize(arguments.at(0).toString(), arguments.at(1).toInt());
@@ -48,6 +53,7 @@ Commands processCommands()
     return {{QStringLiteral("process.setVariable"), setVariable},
             {QStringLiteral("process.die"), die},
             {QStringLiteral("process.readFile"), readFile},
+            {QStringLiteral("process.fileSize"), fileSize},
             {QStringLiteral("process.resizeFile"), resizeFile},
             {QStringLiteral("process.loadLibrary"), loadLibrary}};
 }

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#pragma once
+
+#include <ZyBase/http/DownloadManager.h>
+
+#include <QStringList>
+#include <QTest>
+
+/** A download manager whose signals are collected. */
+class WatchedDownload : public QObject
+{
+public:
+    struct Progress
+    {
+        qint64 received;
+        qint64 total;
+        QString speed;
+    };
+    struct Outcome
+    {
+        bool success;
+        QString path;
+    };
+
+    WatchedDownload()
+    {
+        using ZyBase::DownloadManager;
+        connect(&m_manager, &DownloadManager::signalDownloadProgress, this,
+                [this](qint64 received, qint64 total, const QString &speed) {
+                    m_progress.append({received, total, speed});
+                });
+        connect(&m_manager, &DownloadManager::signalDownloadFinished, this,
+                [this](bool success, const QString &path) {
+                    m_outcomes.append({success, path});
+                });
+        connect(&m_manager, &DownloadManager::finished, this, [this] { ++m_neverEmitted; });
+    }
+
+    ZyBase::DownloadManager *manager() { return &m_manager; }
+    const QList<Progress> &progress() const { return m_progress; }
+    const QList<Outcome> &outcomes() const { return m_outcomes; }
+    int neverEmitted() const { return m_neverEmitted; }
+
+    bool waitForOutcomes(int count = 1)
+    {
+        return QTest::qWaitFor([this, count] { return m_outcomes.size() >= count; }, 60000);
+    }
+
+    /** Starts a download and waits for its end; @return the path of the file, null for a failure. */
+    QString fetch(const QUrl &url, const QString &directory)
+    {
+        const int before = m_outcomes.size();
+        if (!m_manager.StartDownload(url, directory) || !waitForOutcomes(before + 1))
+            return QString();
+        return m_outcomes.last().success ? m_outcomes.last().path : QString();
+    }
+
+private:
+    ZyBase::DownloadManager m_manager;
+    QList<Progress> m_progress;
+    QList<Outcome> m_outcomes;
+    int m_neverEmitted = 0;
+};

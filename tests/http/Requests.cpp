@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include "Requests.h"
+
+#include <QTest>
+
+using ZyBase::CHttpPostRequest;
+
+const char *nameOf(Form form)
+{
+    switch (form) {
+    case Form::PostSync:
+        return "StartRequestSync";
+    case Form::PostAsync:
+        return "StartRequestAsync";
+    case Form::Get:
+        return "StartGetRequest";
+    case Form::GetSync:
+        return "StartGetRequestSync";
+    case Form::GetStatus:
+        return "StartGetRequestAndStatusCode";
+    }
+    return "";
+}
+
+bool isSync(Form form)
+{
+    return syncForms.contains(form);
+}
+
+void addForms(const QList<Form> &forms)
+{
+    QTest::addColumn<Form>("form");
+    for (const Form form : forms)
+        QTest::newRow(nameOf(form)) << form;
+}
+
+void start(Form form, CHttpPostRequest *request, const QUrl &url, const QString &session,
+           const QJsonObject &object)
+{
+    if (form == Form::PostAsync)
+        request->StartRequestAsync(url, object, session);
+    else if (form == Form::Get)
+        request->StartGetRequest(url, session);
+    else
+        request->StartGetRequestAndStatusCode(url, session);
+}
+
+bool call(Form form, const QUrl &url, QByteArray &result, const QJsonObject &object)
+{
+    CHttpPostRequest request;
+    return form == Form::PostSync ? request.StartRequestSync(url, object, result)
+                                  : request.StartGetRequestSync(url, result);
+}
+
+namespace QTest {
+template <> char *toString(const Outcome &outcome)
+{
+    return qstrdup(QStringLiteral("%1(%2, %3)")
+                       .arg(outcome.signal, QString::fromLatin1(outcome.data.left(200)))
+                       .arg(outcome.status)
+                       .toUtf8()
+                       .constData());
+}
+} // namespace QTest
+
+Outcome result(Form form, const QByteArray &data, int status)
+{
+    if (form == Form::GetStatus)
+        return {QStringLiteral("SignalRequestResultAndStatusCode"), data, status};
+    return {QStringLiteral("SignalRequestResult"), data, -1};
+}
+
+WatchedRequest::WatchedRequest()
+{
+    connect(&m_request, &CHttpPostRequest::SignalRequestTimeout, this, [this] { m_outcomes << timedOut; });
+    connect(&m_request, &CHttpPostRequest::SignalRequestCancel, this, [this] { m_outcomes << cancelled; });
+    connect(&m_request, &CHttpPostRequest::SignalRequestResult, this,
+            [this](const QByteArray &data) { m_outcomes << result(Form::Get, data, -1); });
+    connect(
+        &m_request, &CHttpPostRequest::SignalRequestResultAndStatusCode, this,
+        [this](const QByteArray &data, int status) { m_outcomes << result(Form::GetStatus, data, status); });
+}
+
+WatchedRequest::~WatchedRequest()
+{
+    if (!areAllOver())
+        stopAll();
+}
+
+void WatchedRequest::start(Form form, const QUrl &url, const QString &session, const QJsonObject &object)
+{
+    ++m_started;
+    ::start(form, &m_request, url, session, object);
+}
+
+bool WatchedRequest::waitForAll(int milliseconds)
+{
+    return QTest::qWaitFor([this] { return areAllOver(); }, milliseconds);
+}
+
+bool WatchedRequest::stopAll()
+{
+    return QTest::qWaitFor(
+        [this] {
+            if (areAllOver())
+                return true;
+            Q_EMIT m_request.SignalStopRequest();
+            return false;
+        },
+        30000);
+}
+
+Outcome carryOut(Form form, const QUrl &url, const QString &session, const QJsonObject &object)
+{
+    if (isSync(form)) {
+        QByteArray data("before");
+        return call(form, url, data, object) ? result(form, data, -1) : timedOut;
+    }
+    WatchedRequest watched;
+    watched.start(form, url, session, object);
+    watched.waitForAll();
+    return watched.outcomes().value(0);
+}

@@ -1,0 +1,733 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include "Downloads.h"
+
+#include "Files.h"
+
+#include <localservices/HttpServer.h>
+#include <localservices/RawServer.h>
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QMetaMethod>
+#include <QRegularExpression>
+#include <QSet>
+#include <QSslCertificate>
+#include <QSslConfiguration>
+#include <QTemporaryDir>
+#include <QThread>
+
+using LocalServices::Authority;
+using LocalServices::Certificate;
+using LocalServices::Connection;
+using LocalServices::HttpServer;
+using LocalServices::RawServer;
+using ZyBase::DownloadManager;
+
+namespace {
+
+const QString localHost = QStringLiteral("127.0.0.1");
+
+QString text(const char *utf8)
+{
+    return QString::fromUtf8(utf8);
+}
+
+QString speedText(double bytesPerSecond)
+{
+    if (bytesPerSecond < 1024.0)
+        return QString::number(bytesPerSecond, 'f', 1) + text(" bytes/sec");
+    if (bytesPerSecond < 1048576.0)
+        return QString::number(bytesPerSecond / 1024.0, 'f', 1) + text(" kB/s");
+    return QString::number(bytesPerSecond / 1048576.0, 'f', 1) + text(" MB/s");
+}
+
+// What the manager says to a progress report of its reply.
+QString reportedSpeed(WatchedDownload *watched, qint64 bytesReceived)
+{
+    QMetaObject::invokeMethod(watched->manager(), "downloadProgress", Qt::DirectConnection,
+                              Q_ARG(qint64, bytesReceived), Q_ARG(qint64, 1));
+    return watched->progress().last().speed;
+}
+
+} // namespace
+
+class TestDownload : public QObject
+{
+    Q_OBJECT
+
+private:
+    QUrl url(const QByteArray &path) const { return m_server->url(QString::fromUtf8(path)); }
+    QString folder() const { return m_directory->path(); }
+    QString file(const char *name) const { return m_directory->filePath(text(name)); }
+    QStringList filesLeft() const
+    {
+        return QDir(folder()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden);
+    }
+
+    std::unique_ptr<HttpServer> m_server;
+    std::unique_ptr<QTemporaryDir> m_directory;
+
+private Q_SLOTS:
+    void init()
+    {
+        m_server = std::make_unique<HttpServer>();
+        m_directory = std::make_unique<QTemporaryDir>();
+    }
+    void cleanup() { m_server.reset(); }
+
+    void signalsAndSlotsAreInTheirOrder()
+    {
+        const QMetaObject &meta = DownloadManager::staticMetaObject;
+        QList<QByteArray> signatures;
+        for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
+            const QMetaMethod method = meta.method(i);
+            const bool isSignal = method.methodType() == QMetaMethod::Signal;
+            QVERIFY(isSignal || method.access() == QMetaMethod::Private);
+            signatures << (isSignal ? "signal " : "slot ") + method.methodSignature();
+        }
+        QCOMPARE(signatures,
+                 QList<QByteArray>(
+                     {"signal finished()", "signal signalDownloadProgress(qlonglong,qlonglong,QString)",
+                      "signal signalDownloadFinished(bool,QString)", "signal SignalStopDownload()",
+                      "slot downloadProgress(qlonglong,qlonglong)", "slot downloadFinished()",
+                      "slot downloadReadyRead()"}));
+    }
+
+    void parentIsTaken()
+    {
+        QObject parent;
+        const auto *const manager = new DownloadManager(&parent);
+        QCOMPARE(manager->parent(), &parent);
+    }
+
+    // --- The name of the file ----------------------------------------------------------------
+
+    void fileNameIsTheLastComponent_data()
+    {
+        QTest::addColumn<QString>("address");
+        QTest::addColumn<QString>("directory");
+        QTest::addColumn<QString>("expected");
+        const QString x = text("/nowhere/x");
+        QTest::newRow("directory without slash") << text("http://h/a/b.zip") << x << text("/nowhere/x/b.zip");
+        QTest::newRow("directory with slash")
+            << text("http://h/a/b.zip") << x + text("/") << text("/nowhere/x/b.zip");
+        QTest::newRow("directory with slashes")
+            << text("http://h/b.zip") << x + text("//") << text("/nowhere/x//b.zip");
+        QTest::newRow("relative directory")
+            << text("http://h/b.zip") << text("nowhere") << text("nowhere/b.zip");
+        QTest::newRow("empty directory")
+            << text("http://h/no-such-file") << text("") << text("/no-such-file");
+        QTest::newRow("null directory")
+            << text("http://h/no-such-file") << QString() << text("/no-such-file");
+        QTest::newRow("query and fragment")
+            << text("http://h/b.zip?name=c.zip&x=/d#e/f") << x << text("/nowhere/x/b.zip");
+        QTest::newRow("encoded blank") << text("http://h/a%20b.zip") << x << text("/nowhere/x/a b.zip");
+        QTest::newRow("encoded letters")
+            << text("http://h/%E6%96%87%C3%A4.zip") << x << text("/nowhere/x/文ä.zip");
+        QTest::newRow("encoded slash") << text("http://h/a%2Fb.zip") << x << text("/nowhere/x/b.zip");
+        QTest::newRow("encoded question mark") << text("http://h/a%3Fb") << x << text("/nowhere/x/a?b");
+        QTest::newRow("encoded percent") << text("http://h/a%2541") << x << text("/nowhere/x/a%41");
+        QTest::newRow("plus") << text("http://h/a+b") << x << text("/nowhere/x/a+b");
+        QTest::newRow("path ends in a slash") << text("http://h/a/") << x << text("/nowhere/x/");
+        QTest::newRow("root path") << text("http://h/") << x << text("/nowhere/x/");
+        QTest::newRow("no path") << text("http://h") << x << text("/nowhere/x/");
+        QTest::newRow("empty address") << text("") << x << text("/nowhere/x/");
+        QTest::newRow("nothing at all") << text("") << text("") << text("/");
+    }
+    void fileNameIsTheLastComponent()
+    {
+        QFETCH(QString, address);
+        QFETCH(QString, directory);
+        QFETCH(QString, expected);
+        QCOMPARE(DownloadManager::saveFileName(QUrl(address), directory), expected);
+    }
+
+    void askingForTheNameDeletesTheFile()
+    {
+        QVERIFY(writeFile(file("b.zip"), "old"));
+        QVERIFY(writeFile(file("other"), "kept"));
+        DownloadManager::saveFileName(QUrl(text("http://h/b.zip")), folder());
+        QCOMPARE(filesLeft(), QStringList {text("other")});
+    }
+
+    void askingForTheNameOfADirectoryLeavesIt()
+    {
+        QVERIFY(QDir(folder()).mkdir(text("b.zip")));
+        QCOMPARE(DownloadManager::saveFileName(QUrl(text("http://h/b.zip")), folder()), file("b.zip"));
+        QCOMPARE(filesLeft(), QStringList {text("b.zip")});
+    }
+
+    // --- Success -------------------------------------------------------------------------------
+
+    void contentIsWhole_data()
+    {
+        QTest::addColumn<QByteArray>("path");
+        QTest::addColumn<int>("size");
+        constexpr int mebi = 1024 * 1024;
+        for (const char *kind : {"bytes", "chunked", "gzip"}) {
+            for (const int size :
+                 {0, 1, 16383, 16384, 65537, mebi - 1, mebi, mebi + 1, 2 * mebi, 5 * mebi + 7}) {
+                const QByteArray path = '/' + QByteArray(kind) + '/' + QByteArray::number(size);
+                QTest::newRow(path.constData()) << path + "/file" << size;
+            }
+        }
+    }
+    void contentIsWhole()
+    {
+        QFETCH(QByteArray, path);
+        QFETCH(int, size);
+        WatchedDownload watched;
+        QCOMPARE(watched.fetch(url(path), folder()), file("file"));
+        QVERIFY(readFile(file("file")) == HttpServer::content(size));
+        QCOMPARE(watched.outcomes().size(), 1);
+        QCOMPARE(watched.neverEmitted(), 0);
+    }
+
+    void busyOwnerLosesNothing_data()
+    {
+        QTest::addColumn<QByteArray>("path");
+        QTest::addColumn<int>("size");
+        QTest::newRow("length") << QByteArray("/bytes/5000000/file") << 5000000;
+        QTest::newRow("chunks") << QByteArray("/chunked/5000000/file") << 5000000;
+        QTest::newRow("compressed") << QByteArray("/gzip/5000000/file") << 5000000;
+        QTest::newRow("less than is read ahead") << QByteArray("/bytes/500000/file") << 500000;
+    }
+    void busyOwnerLosesNothing()
+    {
+        QFETCH(QByteArray, path);
+        QFETCH(int, size);
+        WatchedDownload watched;
+        connect(watched.manager(), &DownloadManager::signalDownloadProgress, this,
+                [] { QThread::msleep(30); });
+        QVERIFY(watched.manager()->StartDownload(url(path), folder()));
+        QThread::msleep(200); // all that is read ahead is there before the first event
+        QVERIFY(watched.waitForOutcomes());
+        QVERIFY(readFile(file("file")) == HttpServer::content(size));
+    }
+
+    void trailingSlashMakesNoDifference()
+    {
+        WatchedDownload watched;
+        QCOMPARE(watched.fetch(url("/bytes/10/file"), folder() + QLatin1Char('/')), file("file"));
+    }
+
+    void blanksAndLettersOfTheNameStandInTheFileName()
+    {
+        WatchedDownload watched;
+        QCOMPARE(watched.fetch(url("/bytes/10/%E6%96%87 a%20b ä.zip"), folder()), file("文 a b ä.zip"));
+        QCOMPARE(readFile(file("文 a b ä.zip")), HttpServer::content(10));
+    }
+
+    void requestCarriesNothingOfItsOwn()
+    {
+        WatchedDownload watched;
+        watched.fetch(url("/bytes/10/file?x=1"), folder());
+        QCOMPARE(m_server->requests().size(), 1);
+        const HttpServer::Request request = m_server->requests().first();
+        QCOMPARE(request.method, QByteArray("GET"));
+        QCOMPARE(request.target, QByteArray("/bytes/10/file?x=1"));
+        QSet<QByteArray> names;
+        for (const QPair<QByteArray, QByteArray> &header : request.headers)
+            names << header.first;
+        QCOMPARE(names, QSet<QByteArray>(
+                            {"Host", "User-Agent", "Connection", "Accept-Encoding", "Accept-Language"}));
+        QCOMPARE(request.header("User-Agent"), QByteArray("Mozilla/5.0"));
+    }
+
+    void dataIsOnDiskBeforeTheEnd()
+    {
+        WatchedDownload watched;
+        QVERIFY(watched.manager()->StartDownload(url("/bytes/4000000/file?rate=1000000"), folder()));
+        QTRY_VERIFY(QFileInfo(file("file")).size() > 100000);
+        QVERIFY(watched.outcomes().isEmpty());
+        watched.manager()->StopDownload();
+    }
+
+    // --- Progress ------------------------------------------------------------------------------
+
+    void progressGrowsToTheTotal()
+    {
+        WatchedDownload watched;
+        watched.fetch(url("/bytes/1000000/file?rate=2000000"), folder());
+        QVERIFY(watched.progress().size() > 2);
+        qint64 before = 0;
+        for (const WatchedDownload::Progress &progress : watched.progress()) {
+            QVERIFY(progress.received >= before);
+            QCOMPARE(progress.total, qint64(1000000));
+            before = progress.received;
+        }
+        QCOMPARE(before, qint64(1000000));
+    }
+
+    void totalIsMinusOneWithoutALength()
+    {
+        const RawServer server([](Connection &client) {
+            client.write("HTTP/1.1 200 OK\r\nConnection: close\r\n\r\nsome");
+            client.sleep(300);
+            client.write("more");
+        });
+        WatchedDownload watched;
+        QCOMPARE(watched.fetch(server.url(text("/file")), folder()), file("file"));
+        QCOMPARE(readFile(file("file")), QByteArray("somemore"));
+        QVERIFY(!watched.progress().isEmpty());
+        QCOMPARE(watched.progress().first().total, qint64(-1));
+    }
+
+    void speedIsTheMeanSinceTheStart_data()
+    {
+        QTest::addColumn<qint64>("bytes");
+        for (const qint64 bytes : {0LL, 1LL, 50LL, 150LL, 1000LL, 50000LL, 123456LL, 300000LL, 3000000LL,
+                                   1234567890LL, 1234567890123LL})
+            QTest::addRow("%lld", bytes) << qint64(bytes);
+    }
+    void speedIsTheMeanSinceTheStart()
+    {
+        QFETCH(qint64, bytes);
+        WatchedDownload watched;
+        QElapsedTimer outer;
+        outer.start();
+        QVERIFY(watched.manager()->StartDownload(url("/never/file"), folder()));
+        QElapsedTimer inner;
+        inner.start();
+        QTest::qWait(150);
+        const qint64 least = inner.elapsed();
+        const QString speed = reportedSpeed(&watched, bytes);
+        QStringList possible;
+        for (qint64 elapsed = least; elapsed <= outer.elapsed() + 1; ++elapsed)
+            possible << speedText(double(bytes) * 1000.0 / double(elapsed));
+        QVERIFY2(possible.contains(speed),
+                 qPrintable(speed + text(" is not ") + possible.join(text(" or "))));
+        watched.manager()->StopDownload();
+    }
+
+    void speedIsTimedAnewForEachDownload()
+    {
+        WatchedDownload watched;
+        watched.fetch(url("/bytes/10/first"), folder());
+        QTest::qWait(300);
+        QVERIFY(watched.manager()->StartDownload(url("/never/file"), folder()));
+        // Counted from the first start this would be less than 4000.
+        const QString speed = reportedSpeed(&watched, 1000);
+        QVERIFY2(!speed.endsWith(text("bytes/sec")), qPrintable(speed));
+        watched.manager()->StopDownload();
+    }
+
+    // A report at each moment around the one where the mean is exactly the limit of the unit.
+    void unitChangesExactlyAtItsLimit_data()
+    {
+        QTest::addColumn<qint64>("bytes");
+        QTest::addColumn<QString>("atLeast");
+        QTest::addColumn<QString>("below");
+        QTest::addColumn<QString>("never");
+        QTest::newRow("kB/s") << qint64(1024) << text("1.0 kB/s") << text("1023.0 bytes/sec")
+                              << text("1024.0 bytes/sec");
+        QTest::newRow("MB/s") << qint64(1048576) << text("1.0 MB/s") << text("1023.0 kB/s")
+                              << text("1024.0 kB/s");
+    }
+    void unitChangesExactlyAtItsLimit()
+    {
+        QFETCH(qint64, bytes);
+        QFETCH(QString, atLeast);
+        QFETCH(QString, below);
+        QFETCH(QString, never);
+        QStringList texts;
+        for (int attempt = 0; attempt < 5 && !(texts.contains(atLeast) && texts.contains(below)); ++attempt) {
+            WatchedDownload watched;
+            QVERIFY(watched.manager()->StartDownload(url("/never/file"), folder()));
+            QElapsedTimer clock;
+            clock.start();
+            QTest::qWait(990);
+            while (clock.elapsed() < 1003)
+                texts << reportedSpeed(&watched, bytes);
+            watched.manager()->StopDownload();
+        }
+        QVERIFY(texts.contains(atLeast));
+        QVERIFY(texts.contains(below));
+        QVERIFY(!texts.contains(never));
+    }
+
+    void speedOfTheFirstMomentIsNoNumber_data()
+    {
+        QTest::addColumn<qint64>("bytes");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("nothing received") << qint64(0) << text("nan MB/s");
+        QTest::newRow("something received") << qint64(1) << text("inf MB/s");
+    }
+    void speedOfTheFirstMomentIsNoNumber()
+    {
+        QFETCH(qint64, bytes);
+        QFETCH(QString, expected);
+        QString speed;
+        // The millisecond may be over each time the machine is busy, but not always.
+        for (int attempt = 0; attempt < 50 && speed != expected; ++attempt) {
+            WatchedDownload watched;
+            QVERIFY(watched.manager()->StartDownload(url("/never/file"), folder()));
+            speed = reportedSpeed(&watched, bytes);
+            watched.manager()->StopDownload();
+        }
+        QCOMPARE(speed, expected);
+    }
+
+    void progressIsPassedOnAsItIs()
+    {
+        WatchedDownload watched;
+        QVERIFY(watched.manager()->StartDownload(url("/never/file"), folder()));
+        QMetaObject::invokeMethod(watched.manager(), "downloadProgress", Qt::DirectConnection,
+                                  Q_ARG(qint64, 5), Q_ARG(qint64, -1));
+        QCOMPARE(watched.progress().size(), 1);
+        QCOMPARE(watched.progress().first().received, qint64(5));
+        QCOMPARE(watched.progress().first().total, qint64(-1));
+        watched.manager()->StopDownload();
+    }
+
+    // --- Failure -------------------------------------------------------------------------------
+
+    void failureRemovesTheFileAndHasNoPath_data()
+    {
+        QTest::addColumn<QByteArray>("path");
+        for (const char *path : {"/status/400/file",
+                                 "/status/401/file",
+                                 "/status/403/file",
+                                 "/status/404/file",
+                                 "/status/418/file",
+                                 "/status/500/file",
+                                 "/status/503/file",
+                                 "/cut/3000000/file",
+                                 "/redirect/301/file?to=/bytes/10",
+                                 "/redirect/302/file?to=/bytes/10",
+                                 "/redirect/303/file?to=/bytes/10",
+                                 "/redirect/305/file?to=/bytes/10",
+                                 "/redirect/307/file?to=/bytes/10",
+                                 "/redirect/308/file?to=/bytes/10",
+                                 "/status/301/file",
+                                 "/status/302/file",
+                                 "/status/303/file",
+                                 "/status/305/file",
+                                 "/status/307/file",
+                                 "/status/308/file"})
+            QTest::newRow(path) << QByteArray(path);
+    }
+    void failureRemovesTheFileAndHasNoPath()
+    {
+        QFETCH(QByteArray, path);
+        QVERIFY(writeFile(file("file"), "old"));
+        WatchedDownload watched;
+        QVERIFY(watched.manager()->StartDownload(url(path), folder()));
+        QVERIFY(watched.waitForOutcomes());
+        QTest::qWait(20);
+        QCOMPARE(watched.outcomes().size(), 1);
+        QVERIFY(!watched.outcomes().first().success);
+        QVERIFY(watched.outcomes().first().path.isEmpty());
+        QVERIFY(!watched.outcomes().first().path.isNull());
+        QCOMPARE(filesLeft(), QStringList());
+        QCOMPARE(m_server->requests().size(), 1); // nothing is followed or tried again
+        QCOMPARE(watched.neverEmitted(), 0);
+    }
+
+    void otherStatusIsASuccess_data()
+    {
+        QTest::addColumn<int>("status");
+        for (const int status : {200, 201, 204, 206, 300, 304, 306})
+            QTest::addRow("%d", status) << status;
+    }
+    void otherStatusIsASuccess()
+    {
+        QFETCH(int, status);
+        WatchedDownload watched;
+        const QByteArray number = QByteArray::number(status);
+        QCOMPARE(watched.fetch(url("/status/" + number + "/file"), folder()), file("file"));
+        QCOMPARE(readFile(file("file")),
+                 status == 204 || status == 304 ? QByteArray("") : "status " + number);
+    }
+
+    void addressThatCannotBeReachedFails_data()
+    {
+        QTest::addColumn<QString>("address");
+        QTest::newRow("refused") << text("http://127.0.0.1:1/file");
+        QTest::newRow("unknown host") << text("http://no-such-host.invalid/file");
+        QTest::newRow("unsupported scheme") << text("gopher://127.0.0.1/file");
+        QTest::newRow("no scheme") << text("/file");
+        QTest::newRow("no host") << text("http:///file");
+    }
+    void addressThatCannotBeReachedFails()
+    {
+        QFETCH(QString, address);
+        WatchedDownload watched;
+        QVERIFY(watched.manager()->StartDownload(QUrl(address), folder()));
+        QVERIFY(watched.waitForOutcomes());
+        QVERIFY(!watched.outcomes().first().success);
+        QCOMPARE(filesLeft(), QStringList());
+    }
+
+    void olderFileIsGoneBeforeTheFirstByte()
+    {
+        QVERIFY(writeFile(file("file"), "old"));
+        WatchedDownload watched;
+        QVERIFY(watched.manager()->StartDownload(url("/never/file"), folder()));
+        QVERIFY(QFile::exists(file("file")));
+        QCOMPARE(readFile(file("file")), QByteArray(""));
+        watched.manager()->StopDownload();
+        QCOMPARE(filesLeft(), QStringList());
+    }
+
+    void unopenableFileIsToldByTheResultAlone_data()
+    {
+        QTest::addColumn<QByteArray>("path");
+        QTest::addColumn<QString>("directory");
+        QTest::newRow("path ends in a slash") << QByteArray("/bytes/10/") << QString();
+        QTest::newRow("root path") << QByteArray("/") << QString();
+        QTest::newRow("no path") << QByteArray("") << QString();
+        QTest::newRow("missing directory") << QByteArray("/bytes/10/file") << text("/missing");
+    }
+    void unopenableFileIsToldByTheResultAlone()
+    {
+        QFETCH(QByteArray, path);
+        QFETCH(QString, directory);
+        WatchedDownload watched;
+        QVERIFY(!watched.manager()->StartDownload(url(path), folder() + directory));
+        QTest::qWait(100);
+        QVERIFY(watched.outcomes().isEmpty());
+        QVERIFY(m_server->requests().isEmpty());
+        QCOMPARE(filesLeft(), QStringList()); // no directory is made
+        // The object is idle and can go on.
+        watched.manager()->StopDownload();
+        QCOMPARE(watched.fetch(url("/bytes/10/file"), folder()), file("file"));
+    }
+
+    void olderFileThatCannotBeReplacedIsLeft()
+    {
+        QVERIFY(QDir(folder()).mkdir(text("file")));
+        WatchedDownload watched;
+        QVERIFY(!watched.manager()->StartDownload(url("/bytes/10/file"), folder()));
+        QCOMPARE(filesLeft(), QStringList {text("file")});
+    }
+
+    // --- Redirects as the class sees them --------------------------------------------------------
+
+    void redirectStatusesAreKnown_data()
+    {
+        QTest::addColumn<int>("status");
+        QTest::addColumn<bool>("expected");
+        for (const int status : {301, 302, 303, 305, 307, 308})
+            QTest::addRow("%d", status) << status << true;
+        for (const int status : {200, 300, 304, 306, 309, 404})
+            QTest::addRow("%d", status) << status << false;
+    }
+    void redirectStatusesAreKnown()
+    {
+        QFETCH(int, status);
+        QFETCH(bool, expected);
+        const RawServer server([status](Connection &client) {
+            client.write("HTTP/1.1 " + QByteArray::number(status) + " X\r\nContent-Length: 1000\r\n\r\n");
+            while (client.sleep(20))
+                client.write("x");
+        });
+        WatchedDownload watched;
+        QVERIFY(watched.manager()->StartDownload(server.url(text("/file")), folder()));
+        QVERIFY(!watched.manager()->isHttpRedirect()); // there is no status yet
+        if (status != 304) {
+            QTRY_VERIFY(!watched.progress().isEmpty());
+            QCOMPARE(watched.manager()->isHttpRedirect(), expected);
+        }
+        watched.manager()->StopDownload();
+    }
+
+    // --- Stopping ------------------------------------------------------------------------------
+
+    void stopEndsTheDownloadAtOnce_data()
+    {
+        QTest::addColumn<QByteArray>("path");
+        QTest::addColumn<int>("stage");
+        QTest::newRow("right after the start") << QByteArray("/bytes/1000000/file") << 0;
+        QTest::newRow("before the answer") << QByteArray("/never/file") << 1;
+        QTest::newRow("in the middle") << QByteArray("/bytes/100000000/file?rate=1000000") << 2;
+        QTest::newRow("in the middle, at full speed") << QByteArray("/bytes/1000000000/file") << 2;
+        QTest::newRow("in chunks") << QByteArray("/drip/file") << 2;
+    }
+    void stopEndsTheDownloadAtOnce()
+    {
+        QFETCH(QByteArray, path);
+        QFETCH(int, stage);
+        WatchedDownload watched;
+        int stops = 0;
+        connect(watched.manager(), &DownloadManager::SignalStopDownload, [&stops] { ++stops; });
+        QVERIFY(watched.manager()->StartDownload(url(path), folder()));
+        if (stage == 1)
+            QTRY_COMPARE(m_server->requests().size(), 1);
+        if (stage == 2)
+            QTRY_VERIFY(!watched.progress().isEmpty());
+        QVERIFY(watched.outcomes().isEmpty());
+        watched.manager()->StopDownload();
+        QCOMPARE(stops, 1);
+        QCOMPARE(watched.outcomes().size(), 1);
+        QVERIFY(!watched.outcomes().first().success);
+        QVERIFY(watched.outcomes().first().path.isEmpty());
+        QCOMPARE(filesLeft(), QStringList());
+        // Nothing is left to stop.
+        watched.manager()->StopDownload();
+        QTest::qWait(50);
+        QCOMPARE(stops, 1);
+        QCOMPARE(watched.outcomes().size(), 1);
+        QCOMPARE(filesLeft(), QStringList());
+    }
+
+    void stopFromTheHandlingOfProgress()
+    {
+        WatchedDownload watched;
+        connect(watched.manager(), &DownloadManager::signalDownloadProgress, watched.manager(),
+                &DownloadManager::StopDownload);
+        QVERIFY(watched.manager()->StartDownload(url("/bytes/100000000/file"), folder()));
+        QVERIFY(watched.waitForOutcomes());
+        QTest::qWait(50);
+        QCOMPARE(watched.outcomes().size(), 1);
+        QVERIFY(!watched.outcomes().first().success);
+        QCOMPARE(filesLeft(), QStringList());
+    }
+
+    void stopFromTheHandlingOfTheEndDoesNothing()
+    {
+        WatchedDownload watched;
+        connect(watched.manager(), &DownloadManager::signalDownloadFinished, watched.manager(),
+                &DownloadManager::StopDownload);
+        QCOMPARE(watched.fetch(url("/bytes/10/file"), folder()), file("file"));
+        QTest::qWait(20);
+        QCOMPARE(watched.outcomes().size(), 1);
+    }
+
+    void stopWithNothingRunningEmitsNothing()
+    {
+        WatchedDownload watched;
+        int stops = 0;
+        connect(watched.manager(), &DownloadManager::SignalStopDownload, [&stops] { ++stops; });
+        watched.manager()->StopDownload();
+        watched.fetch(url("/bytes/10/file"), folder());
+        watched.manager()->StopDownload();
+        QVERIFY(!watched.manager()->StartDownload(url("/"), folder()));
+        watched.manager()->StopDownload();
+        QCOMPARE(stops, 0);
+        QCOMPARE(watched.outcomes().size(), 1);
+    }
+
+    void stopSignalOfTheHostStopsToo()
+    {
+        WatchedDownload watched;
+        QVERIFY(watched.manager()->StartDownload(url("/never/file"), folder()));
+        Q_EMIT watched.manager()->SignalStopDownload();
+        QCOMPARE(watched.outcomes().size(), 1);
+    }
+
+    // --- Reuse and life --------------------------------------------------------------------------
+
+    void objectIsUsedAgainAndAgain()
+    {
+        WatchedDownload watched;
+        for (int i = 0; i < 20; ++i) {
+            const QByteArray name = "file" + QByteArray::number(i);
+            const int size = 10000 * i;
+            QCOMPARE(watched.fetch(url("/bytes/" + QByteArray::number(size) + '/' + name), folder()),
+                     file(name.constData()));
+            QCOMPARE(readFile(file(name.constData())), HttpServer::content(size));
+            QCOMPARE(watched.fetch(url("/status/404/" + name + "x"), folder()), QString());
+        }
+        QCOMPARE(watched.outcomes().size(), 40);
+        QCOMPARE(filesLeft().size(), 20);
+    }
+
+    void sameFileIsFetchedAgain()
+    {
+        WatchedDownload watched;
+        watched.fetch(url("/bytes/5000/file"), folder());
+        watched.fetch(url("/bytes/10/file"), folder());
+        QCOMPARE(readFile(file("file")), HttpServer::content(10));
+    }
+
+    void nextDownloadMayStartFromTheHandlingOfTheLast()
+    {
+        WatchedDownload watched;
+        connect(watched.manager(), &DownloadManager::signalDownloadFinished, this, [&] {
+            if (watched.outcomes().size() < 5)
+                QVERIFY(watched.manager()->StartDownload(
+                    url("/bytes/100/file" + QByteArray::number(watched.outcomes().size())), folder()));
+        });
+        QVERIFY(watched.manager()->StartDownload(url("/bytes/100/file0"), folder()));
+        QVERIFY(watched.waitForOutcomes(5));
+        QCOMPARE(filesLeft().size(), 5);
+    }
+
+    void replyIsReleasedByTheEnd()
+    {
+        // Each reply that lives listens to the stop.
+        class Counting : public DownloadManager
+        {
+        public:
+            int replies() const { return receivers(SIGNAL(SignalStopDownload())); }
+        };
+        Counting manager;
+        bool isOver = false;
+        connect(&manager, &DownloadManager::signalDownloadFinished, [&isOver] { isOver = true; });
+        QVERIFY(manager.StartDownload(url("/bytes/10/file"), folder()));
+        QCOMPARE(manager.replies(), 1);
+        QTRY_VERIFY(isOver);
+        QTRY_COMPARE(manager.replies(), 0);
+    }
+
+    void destructionRemovesNothingAndTellsNothing()
+    {
+        int outcomes = 0;
+        {
+            DownloadManager manager;
+            connect(&manager, &DownloadManager::signalDownloadFinished, [&outcomes] { ++outcomes; });
+            QVERIFY(manager.StartDownload(url("/bytes/4000000/file?rate=1000000"), folder()));
+            QTRY_VERIFY(QFileInfo(file("file")).size() > 100000);
+        }
+        QTRY_COMPARE(m_server->openConnections(), 0);
+        QCOMPARE(outcomes, 0);
+        QCOMPARE(filesLeft(), QStringList {text("file")});
+        QVERIFY(QFileInfo(file("file")).size() > 100000);
+    }
+
+    void twoObjectsWorkSideBySide()
+    {
+        WatchedDownload first;
+        WatchedDownload second;
+        QVERIFY(first.manager()->StartDownload(url("/bytes/300000/first?rate=1000000"), folder()));
+        QVERIFY(second.manager()->StartDownload(url("/bytes/200000/second?rate=1000000"), folder()));
+        QVERIFY(first.waitForOutcomes());
+        QVERIFY(second.waitForOutcomes());
+        QCOMPARE(readFile(file("first")), HttpServer::content(300000));
+        QCOMPARE(readFile(file("second")), HttpServer::content(200000));
+    }
+
+    // --- Certificates ----------------------------------------------------------------------------
+
+    void certificateThatNobodyVouchesForFails()
+    {
+        const HttpServer server(Authority::selfSigned(localHost));
+        WatchedDownload watched;
+        QVERIFY(watched.manager()->StartDownload(server.url(text("/bytes/10/file")), folder()));
+        QVERIFY(watched.waitForOutcomes());
+        QVERIFY(!watched.outcomes().first().success);
+        QCOMPARE(filesLeft(), QStringList());
+        QVERIFY(server.requests().isEmpty());
+    }
+
+    void certificateThatQtTrustsIsAccepted()
+    {
+        const Authority authority;
+        const HttpServer server(authority.issue(localHost));
+        const QSslConfiguration before = QSslConfiguration::defaultConfiguration();
+        QSslConfiguration trusting = before;
+        trusting.setCaCertificates({QSslCertificate(authority.certificate())});
+        QSslConfiguration::setDefaultConfiguration(trusting);
+        WatchedDownload watched;
+        const QString path = watched.fetch(server.url(text("/bytes/3000000/file")), folder());
+        QSslConfiguration::setDefaultConfiguration(before);
+        QCOMPARE(path, file("file"));
+        QCOMPARE(readFile(path), HttpServer::content(3000000));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestDownload)
+
+#include "tst_download.moc"

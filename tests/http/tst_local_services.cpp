@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include <localservices/HttpServer.h>
+#include <localservices/RawServer.h>
+
+#include "ProcessFigures.h"
+
+#include <QElapsedTimer>
+#include <QTcpSocket>
+#include <QTest>
+
+using LocalServices::Connection;
+using LocalServices::HttpServer;
+using LocalServices::RawServer;
+
+namespace {
+
+constexpr int patience = 20000;
+
+// What the server sends until it closes.
+QByteArray exchange(const QUrl &url, const QByteArray &request)
+{
+    QTcpSocket socket;
+    socket.connectToHost(url.host(), quint16(url.port()));
+    socket.write(request);
+    while (socket.state() != QAbstractSocket::UnconnectedState && socket.waitForReadyRead(patience)) {}
+    return socket.readAll();
+}
+
+} // namespace
+
+// The stand-ins are what all other tests lean on.
+class TestLocalServices : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void requestIsRecordedWhole()
+    {
+        const HttpServer server;
+        const QByteArray answer = exchange(
+            server.url(QStringLiteral("/")),
+            "POST /echo/x?a=%20b HTTP/1.1\r\nHost: h\r\nx-Second: 2\r\nA-Third:  3 \r\nx-second: again\r\n"
+            "Content-Length: 4\r\n\r\nbody");
+        QVERIFY(answer.startsWith("HTTP/1.1 200 OK\r\n"));
+        QVERIFY(answer.endsWith("\r\n\r\nbody"));
+        QCOMPARE(server.requests().size(), 1);
+        const HttpServer::Request request = server.requests().first();
+        QCOMPARE(request.method, QByteArray("POST"));
+        QCOMPARE(request.target, QByteArray("/echo/x?a=%20b"));
+        using Headers = QList<QPair<QByteArray, QByteArray>>;
+        QCOMPARE(request.headers, Headers({{"Host", "h"},
+                                           {"x-Second", "2"},
+                                           {"A-Third", "3"},
+                                           {"x-second", "again"},
+                                           {"Content-Length", "4"}}));
+        QCOMPARE(request.header("a-third"), QByteArray("3"));
+        QCOMPARE(request.body, QByteArray("body"));
+    }
+
+    void rawRequestIsRecordedAsItStood()
+    {
+        const RawServer server([](Connection &client) { client.write("anything"); });
+        const QByteArray request = "POST / HTTP/1.1\r\ncontent-length: 3\r\n\r\nabc";
+        QCOMPARE(exchange(server.url(), request), QByteArray("anything"));
+        QCOMPARE(server.requests(), QList<QByteArray> {request});
+    }
+
+    void hangingRequestsDoNotHoldTheServerUp()
+    {
+        const int threads = ProcessFigures::threadCount();
+        const int files = ProcessFigures::openFileCount();
+        {
+            auto server = std::make_unique<HttpServer>();
+            std::vector<std::unique_ptr<QTcpSocket>> clients;
+            for (const char *request : {"GET /never HTTP/1.1\r\nHost: h\r\n\r\n",
+                                        "GET /drip HTTP/1.1\r\nHost: h\r\n\r\n", "GET /half", ""}) {
+                clients.push_back(std::make_unique<QTcpSocket>());
+                const QUrl url = server->url(QStringLiteral("/"));
+                clients.back()->connectToHost(url.host(), quint16(url.port()));
+                clients.back()->write(request);
+                QVERIFY(clients.back()->waitForConnected(patience));
+                clients.back()->flush();
+            }
+            QTRY_COMPARE(server->requests().size(), 2);
+            QTRY_COMPARE(server->openConnections(), 4);
+            QElapsedTimer clock;
+            clock.start();
+            server.reset();
+            QVERIFY(clock.elapsed() < 2000);
+        }
+        QCOMPARE(ProcessFigures::threadCount(), threads);
+        QTRY_COMPARE(ProcessFigures::openFileCount(), files);
+    }
+
+    void dripGoesOnWithoutEnd()
+    {
+        const HttpServer server;
+        const QUrl url = server.url(QStringLiteral("/"));
+        QTcpSocket socket;
+        socket.connectToHost(url.host(), quint16(url.port()));
+        socket.write("GET /drip HTTP/1.1\r\nHost: h\r\n\r\n");
+        QTRY_VERIFY(socket.peek(10000).count("1\r\n.\r\n") > 5);
+        QCOMPARE(socket.state(), QAbstractSocket::ConnectedState);
+    }
+
+    void compressedAnswerIsCompressed()
+    {
+        const HttpServer server;
+        const QByteArray answer =
+            exchange(server.url(QStringLiteral("/")),
+                     "GET /gzip/100000 HTTP/1.1\r\nHost: h\r\nAccept-Encoding: gzip, deflate\r\n\r\n");
+        QVERIFY(answer.contains("Content-Encoding: gzip\r\n"));
+        QVERIFY(answer.size() < 50000);
+    }
+
+    void chunkedAnswerHasNoLength()
+    {
+        const HttpServer server;
+        const QByteArray answer =
+            exchange(server.url(QStringLiteral("/")), "GET /chunked/100000 HTTP/1.1\r\nHost: h\r\n\r\n");
+        QVERIFY(answer.contains("Transfer-Encoding: chunked\r\n"));
+        QVERIFY(!answer.contains("Content-Length"));
+        QVERIFY(answer.endsWith("\r\n0\r\n\r\n"));
+    }
+
+    void contentRepeatsByAPrime()
+    {
+        const QByteArray content = HttpServer::content(200000);
+        QCOMPARE(content.size(), 200000);
+        for (int i = 0; i < content.size(); ++i)
+            QCOMPARE(int(quint8(content.at(i))), i % 251);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestLocalServices)
+
+#include "tst_local_services.moc"

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include "ProcessFigures.h"
+
+#include "Files.h"
+
+#include <QDir>
+
+namespace {
+
+int entryCount(const QString &directory)
+{
+    return int(QDir(directory).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::System).size());
+}
+
+qint64 statusBytes(const QByteArray &key)
+{
+    const QList<QByteArray> lines = readFile(QStringLiteral("/proc/self/status")).split('\n');
+    for (const QByteArray &line : lines) {
+        if (line.startsWith(key + ':'))
+            return line.mid(key.size() + 1).replace("kB", "").trimmed().toLongLong() * 1024;
+    }
+    return -1;
+}
+
+} // namespace
+
+namespace ProcessFigures {
+
+int threadCount()
+{
+    return entryCount(QStringLiteral("/proc/self/task"));
+}
+
+int openFileCount()
+{
+    return entryCount(QStringLiteral("/proc/self/fd"));
+}
+
+qint64 residentBytes()
+{
+    return statusBytes("VmRSS");
+}
+
+bool resetPeak()
+{
+    return writeFile(QStringLiteral("/proc/self/clear_refs"), "5");
+}
+
+qint64 peakBytes()
+{
+    return statusBytes("VmHWM");
+}
+
+} // namespace ProcessFigures
