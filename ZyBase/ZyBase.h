@@ -9,7 +9,9 @@
 #pragma once
 
 #include "base/LoggerObject.h"
+#include "files/CFileUtils.h"
 #include "files/CJsonReader.h"
+#include "files/CStringUtils.h"
 
 #if __has_include(<log4qt/logger.h>)
 #include "base/LoggerObjectPrivate.h"

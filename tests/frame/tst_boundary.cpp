@@ -131,6 +131,8 @@ private Q_SLOTS:
         ZyBase::LoggerObject::debug("off");
         QVERIFY(LoggerObjectPrivate::getInstance() != nullptr);
         QVERIFY(ZyBase::CJsonReader::ParseJsonFileToArray(QString()).isEmpty());
+        QVERIFY(ZyBase::CFileUtils::CheckFileNameValid(QString()));
+        QVERIFY(ZyBase::CStringUtils::SplitString(QString()).isNull());
     }
 };
 
