@@ -132,6 +132,7 @@ private Q_SLOTS:
         QVERIFY(LoggerObjectPrivate::getInstance() != nullptr);
         QVERIFY(ZyBase::CJsonReader::ParseJsonFileToArray(QString()).isEmpty());
         QVERIFY(ZyBase::CFileUtils::CheckFileNameValid(QString()));
+        QVERIFY(!GetAppDirPath().empty());
         QVERIFY(ZyBase::CStringUtils::SplitString(QString()).isNull());
     }
 };
