@@ -12,6 +12,7 @@
 #include "files/CFileUtils.h"
 #include "files/CJsonReader.h"
 #include "files/CStringUtils.h"
+#include "files/ZipManager.h"
 
 #if __has_include(<log4qt/logger.h>)
 #include "base/LoggerObjectPrivate.h"

@@ -86,7 +86,7 @@ private Q_SLOTS:
         const QString dynamic = output(QStringLiteral("readelf"), {QStringLiteral("-dW"), library});
         QStringList needed = captured(dynamic, QStringLiteral(R"(\(NEEDED\).*\[(.*)\])"));
         needed = needed.filter(
-            QRegularExpression(QStringLiteral("^lib(?!stdc\\+\\+|gcc_s|c\\.|m\\.|.*[Ll]og4[Qq]t)")));
+            QRegularExpression(QStringLiteral("^lib(?!stdc\\+\\+|gcc_s|c\\.|m\\.|.*[Ll]og4[Qq]t|quazip)")));
         QCOMPARE(needed, QStringList {QStringLiteral("libQt5Core.so.5")});
     }
 
@@ -134,6 +134,7 @@ private Q_SLOTS:
         QVERIFY(ZyBase::CFileUtils::CheckFileNameValid(QString()));
         QVERIFY(!GetAppDirPath().empty());
         QVERIFY(ZyBase::CStringUtils::SplitString(QString()).isNull());
+        QVERIFY(!ZyBase::ZipManager::QuaUnzipFile(QString(), QString(), false));
     }
 };
 

@@ -3,6 +3,7 @@
 #include "commands.h"
 
 #include <ZyBase/files/CFileUtils.h>
+#include <ZyBase/files/ZipManager.h>
 
 #include <QJsonObject>
 
@@ -49,6 +50,12 @@ QJsonValue leftSpace(const QJsonArray &arguments)
     return double(CFileUtils::getLeftSpace(arguments.at(0).toString()));
 }
 
+QJsonValue unzip(const QJsonArray &arguments)
+{
+    return ZyBase::ZipManager::QuaUnzipFile(arguments.at(0).toString(), arguments.at(1).toString(),
+                                            arguments.at(2).toBool());
+}
+
 } // namespace
 
 Commands fileCommands()
@@ -57,5 +64,6 @@ Commands fileCommands()
             {QStringLiteral("files.bigFileMd5"), bigFileMd5},
             {QStringLiteral("files.formatOpenTime"), formatOpenTime},
             {QStringLiteral("files.leftSpace"), leftSpace},
+            {QStringLiteral("files.unzip"), unzip},
             {QStringLiteral("files.writeFileData"), writeFileData}};
 }
