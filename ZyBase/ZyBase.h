@@ -9,7 +9,10 @@
 #pragma once
 
 #include "base/LoggerObject.h"
+#include "files/CFileUtils.h"
 #include "files/CJsonReader.h"
+#include "files/CStringUtils.h"
+#include "files/ZipManager.h"
 #include "http/CHttpPostRequest.h"
 #include "http/DownloadManager.h"
 #include "platform/CSystemUtils.h"

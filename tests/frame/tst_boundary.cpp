@@ -86,7 +86,7 @@ private Q_SLOTS:
         const QString dynamic = output(QStringLiteral("readelf"), {QStringLiteral("-dW"), library});
         QStringList needed = captured(dynamic, QStringLiteral(R"(\(NEEDED\).*\[(.*)\])"));
         needed = needed.filter(
-            QRegularExpression(QStringLiteral("^lib(?!stdc\\+\\+|gcc_s|c\\.|m\\.|.*[Ll]og4[Qq]t)")));
+            QRegularExpression(QStringLiteral("^lib(?!stdc\\+\\+|gcc_s|c\\.|m\\.|.*[Ll]og4[Qq]t|quazip)")));
         needed.sort();
         QCOMPARE(needed,
                  QStringList({QStringLiteral("libQt5Core.so.5"), QStringLiteral("libQt5Network.so.5")}));
@@ -136,6 +136,10 @@ private Q_SLOTS:
         QCOMPARE(ZyBase::CHttpPostRequest::SignObject({}, QString()),
                  ZyBase::CSystemUtils::GetStringMd5(QString()));
         ZyBase::DownloadManager().StopDownload();
+        QVERIFY(ZyBase::CFileUtils::CheckFileNameValid(QString()));
+        QVERIFY(!GetAppDirPath().empty());
+        QVERIFY(ZyBase::CStringUtils::SplitString(QString()).isNull());
+        QVERIFY(!ZyBase::ZipManager::QuaUnzipFile(QString(), QString(), false));
     }
 };
 

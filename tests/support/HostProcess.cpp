@@ -12,8 +12,14 @@ constexpr int patience = 60000;
 
 } // namespace
 
+QString HostProcess::program()
+{
+    return QStringLiteral(ZYBASE_TEST_HOST);
+}
+
 HostProcess::HostProcess()
-    : m_environment(QProcessEnvironment::systemEnvironment())
+    : m_command(program())
+    , m_environment(QProcessEnvironment::systemEnvironment())
 {
 }
 
@@ -32,10 +38,10 @@ void HostProcess::setEnvironment(const QString &variable, const QString &value)
 
 bool HostProcess::start(const Sandbox &sandbox)
 {
-    QStringList command = sandbox.commandLine({QStringLiteral(ZYBASE_TEST_HOST)});
-    const QString program = command.takeFirst();
+    QStringList command = sandbox.commandLine(m_command);
+    const QString executable = command.takeFirst();
     m_process.setProcessEnvironment(m_environment);
-    m_process.start(program, command);
+    m_process.start(executable, command);
     return m_process.waitForStarted(patience);
 }
 

@@ -20,6 +20,12 @@ public:
     HostProcess();
     ~HostProcess();
 
+    /** The program as it was built. */
+    static QString program();
+
+    /** What start() runs in the place of program(): a copy of it that lies elsewhere. */
+    void setCommand(const QStringList &command) { m_command = command; }
+
     /** To be called before start(). An empty @p value is one; a null one takes the variable away. */
     void setEnvironment(const QString &variable, const QString &value);
 
@@ -49,6 +55,7 @@ public:
 private:
     Q_DISABLE_COPY(HostProcess)
 
+    QStringList m_command;
     QProcess m_process;
     QProcessEnvironment m_environment;
     QByteArray m_standardError;

@@ -16,3 +16,4 @@ using Commands = QHash<QString, std::function<QJsonValue(const QJsonArray &)>>;
 Commands processCommands();
 Commands logCommands();
 Commands httpCommands();
+Commands fileCommands();

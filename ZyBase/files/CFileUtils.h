@@ -1,0 +1,287 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#pragma once
+
+#include "../base/ZyBaseExport.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <string>
+
+/**
+ * The directory of the running executable as the kernel's bytes, without a "/" at its end; empty for
+ * an executable in the root directory, and when the path can't be read.
+ */
+ZYBASE_EXPORT std::string GetAppDirPath();
+
+/**
+ * The path of the running executable as the kernel's bytes, every symbolic link resolved; empty when
+ * it can't be read: without /proc, or for a path of more than 4095 bytes, which the kernel won't tell.
+ *
+ * Read anew at each call. An executable that was replaced or deleted while it runs, as by an update,
+ * has " (deleted)" behind its name.
+ */
+ZYBASE_EXPORT std::string GetAppFilePath();
+
+/**
+ * The MD5 of a file of any size, in 4096 bytes of memory.
+ *
+ * @return the 16 bytes of the digest, not hexadecimal (toHex() gives what CFileUtils::GetFileMd5()
+ * does); null when the file can't be opened
+ *
+ * @warning Never returns when the file gets shorter while it is read, or a read fails: it goes on
+ * trying, at full load, until the file has its length again. For files that others write to, hash
+ * with QCryptographicHash::addData(QIODevice *). A file that has no size, as those in /proc, gives
+ * the digest of nothing.
+ *
+ * **Threads.** Any.
+ *
+ * **Blocking.** For the time of reading the whole file.
+ */
+ZYBASE_EXPORT QByteArray getBigFileMd5(QString strFilePath);
+
+namespace ZyBase {
+
+/**
+ * Files by their path, and the texts that a host's dialogs and lists show of them.
+ *
+ * All functions are static and keep nothing between calls but what FormatOpenTime() and
+ * getLeftSpace() say. None throws, and none is translated. A failure is a value of the result, and
+ * where there is none to tell it, nobody is told. Relative paths are taken from the current directory
+ * of the process.
+ *
+ * **Threads.** Any. Nothing is replaced in one go: a reader beside WriteFileData() or CopyFileHandle()
+ * may meet a file that is cut short or missing.
+ *
+ * **Blocking.** For the time of what the file system has to do.
+ */
+class ZYBASE_EXPORT CFileUtils
+{
+public:
+    /** @name The running executable
+     *
+     * As GetAppFilePath() and GetAppDirPath() tell it, decoded as UTF-8, with every backslash turned
+     * into "/".
+     *
+     * @warning A backslash is a character like another in a Linux name. Where one stands in the path of
+     * the executable these paths lead nowhere, and GetAppFilePath() and GetAppDirPath() have the true
+     * one.
+     */
+    ///@{
+
+    /** The executable; empty when its path can't be read. */
+    static QString GetApplicationFilePath();
+
+    /** Its directory; empty for the root directory and when the path can't be read. */
+    static QString GetApplicationDirPath();
+
+    /** The directory "res" beside it, whether it exists or not; "/res" when the path can't be read. */
+    static QString GetResDirPath();
+
+    /** Always empty: there is none on Linux. */
+    static QString GetMacResourcesDirPath();
+
+    ///@}
+
+    /** @name Content of files */
+    ///@{
+
+    /**
+     * The MD5 of a file as 32 lower-case hexadecimal digits. The whole file is held in memory, and one
+     * of 2 GiB or more reads as empty; for large ones there is getBigFileMd5(), whose result has
+     * another form.
+     *
+     * @warning A file that can't be opened is not told from an empty one: both give
+     * "d41d8cd98f00b204e9800998ecf8427e". Qt writes a warning of its own then.
+     */
+    static QString GetFileMd5(const QString &strFilePath);
+
+    /**
+     * A text file as a whole, decoded as UTF-8, line endings as they are. It ends at the first NUL
+     * byte; a byte order mark at its start is dropped, and what is no UTF-8 becomes U+FFFD.
+     *
+     * @return the text; null for a file of zero bytes; empty, not null, when it can't be opened
+     */
+    static QString ReadFileData(const QString &strFilePath);
+
+    /**
+     * Writes the text as UTF-8 in place of what the file held; a missing file is made, a missing
+     * directory is not. No byte order mark, line endings as they are.
+     *
+     * @warning Nothing is reported, and the old content is gone before the new is written: after a
+     * crash or on a full disk the file is cut short. Where that matters:
+     * @code
+     * QSaveFile file(path);
+     * const bool saved = file.open(QIODevice::WriteOnly) && file.write(text.toUtf8()) >= 0
+     *     && file.commit();
+     * @endcode
+     */
+    static void WriteFileData(const QString &strFilePath, const QString &strData);
+
+    /**
+     * The data with every byte XORed with the key; the same call undoes it. This hides data from a
+     * glance and protects nothing.
+     */
+    static QByteArray getEncryptDecryptByte(const QByteArray &data, const char &cKey);
+
+    /** The size as FormatFileSize() shows it; empty when nothing exists at the path. */
+    static QString GetFileSize(const QString &strFilePath);
+
+    /** Always true, and the version is left as it came: files carry none on Linux. */
+    static bool GetFileVersion(const QString &strFilePath, std::string &strVersion);
+
+    ///@}
+
+    /** @name Files and directories */
+    ///@{
+
+    /**
+     * Copies a file with its permissions.
+     *
+     * @param bOverwrite false: an existing target is kept and the result is false. True: it is removed
+     *                   first.
+     * @return whether the copy was made
+     *
+     * @warning With true the target is gone when the copy then fails, also for want of a source. A file
+     * copied onto itself is lost so: see IsTheSameFile().
+     */
+    static bool CopyFileHandle(const QString &strSourcePath, const QString &strTargetPath, bool bOverwrite);
+
+    /**
+     * Gives the owner write permission when the user of this process lacks it. Failures are not
+     * reported.
+     *
+     * @param bWritable not looked at: false takes no permission away
+     */
+    static void SetFileWritable(const QString &strFilePath, bool bWritable);
+
+    /**
+     * Sets the permissions to rwxr-xr-x, whatever they were: group and others gain reading and
+     * executing even of a file that was private.
+     *
+     * @return whether they were set
+     */
+    static bool SetFileExecutable(const QString &strFilePath);
+
+    /**
+     * Whether two paths lead to the same place, symbolic links resolved; false when either doesn't
+     * exist. Two hard links to one file are two places.
+     */
+    static bool IsTheSameFile(const QString &strFirstPath, const QString &strSecondPath);
+
+    /**
+     * Makes a directory with those above it.
+     *
+     * @return true when it was made and when something stood there already, be it a plain file; false
+     * for an empty path, where Qt writes warnings of its own
+     */
+    static bool MakeDirPath(const QString &strDirPath);
+
+    /**
+     * Removes a directory and all that it holds. Symbolic links in it are removed, not followed; one
+     * given as the path is: the directory behind it is emptied and the link stays.
+     *
+     * @return false when it doesn't exist and when something in it couldn't be removed; what could be
+     * is gone then
+     *
+     * @warning An empty path means the current directory of the process, which is removed with all it
+     * holds. Look that a path is not empty before the call.
+     */
+    static bool DeleteDirPath(const QString &strDirPath);
+
+    /**
+     * Whether a file can be made there, found out by making one and removing it again.
+     *
+     * @warning Give the folder with a "/" at its end. Without, the answer is about the folder that it
+     * lies in, also when the folder itself doesn't exist.
+     */
+    static bool isFolderWritable(const QString &strFolderPath);
+
+    /**
+     * The free bytes of the root file system; 0 when they can't be had.
+     *
+     * @param strPath not looked at. For the disk of a path: QStorageInfo(path).bytesAvailable().
+     *
+     * @warning Qt asks the root file system once in a process and keeps the answer: the number is that
+     * of the first call.
+     */
+    static qint64 getLeftSpace(const QString &strPath);
+
+    /** The name on the directory: QDir::filePath(). An absolute name stays as it is. */
+    static QString CombinePath(const QString &strDirPath, const QString &strName);
+
+    /** Always null: there is none on Linux. */
+    static QString GetPublicDesktopPath();
+
+    /** Always true. Nothing is created and no argument looked at. */
+    static bool CreateDesktopLink(const QString &strTargetPath, const QString &strLinkPath,
+                                  const QString &strArguments, const QString &strDescription);
+
+    ///@}
+
+    /** @name Names and display texts */
+    ///@{
+
+    /**
+     * Whether a file may bear this name on any of the systems that the hosts' files travel to: true
+     * when none of the characters \ / : * ? " < > | stands in it.
+     *
+     * Nothing else is looked at: an empty name passes, and so do control characters, names of any
+     * length, "." and "..", blanks and dots at the ends, and reserved device names.
+     */
+    static bool CheckFileNameValid(const QString &strFileName);
+
+    /**
+     * Whether this is a usable path of the form drive letter, colon, separator: true when it is at
+     * least 3 characters long, has a colon among the first 3, and none of : * ? " < > | behind them.
+     *
+     * @warning Made for drive paths only, also on Linux: "/home/user/a.pdf" has no colon and gives
+     * false. The first 3 characters may be anything as long as one of them is a colon.
+     */
+    static bool CheckFilePathValid(const QString &strFilePath);
+
+    /**
+     * A moment as a list of recent files shows it: "HH:mm:ss" for one of today, "MM/dd/yyyy" for any
+     * other, past or future, in local time. Qt writes it with the digits of the system's locale, which
+     * are not 0 to 9 in every one.
+     *
+     * @param nSeconds since the Unix epoch
+     *
+     * @warning "Today" is the day on which this function was first called in the process, to its end.
+     * In a host that runs past midnight the times of the new day appear as dates and those of the old
+     * one as clock times. A host that shows them for days formats them itself.
+     */
+    static QString FormatOpenTime(long long nSeconds);
+
+    /**
+     * A size as text: the number with two decimals and a full stop in every locale, a blank, and B,
+     * KB, MB, GB or TB in steps of 1024, e.g. "1.50 KB". Plain bytes have decimals too ("512.00 B").
+     *
+     * Rounded after the unit was chosen, so that 1048575 gives "1024.00 KB"; above TB the number goes
+     * on growing. A negative size is given in bytes.
+     */
+    static QString FormatFileSize(long long nSize);
+
+    /**
+     * The first path of the row dir/name.ext, dir/name(1).ext, dir/name(2).ext … at which nothing
+     * exists.
+     *
+     * Only the last suffix counts as one: for "a.tar.gz" the row goes on with "a.tar(1).gz".
+     *
+     * @param strFilePath the path wished for. Without a directory the result begins with "./", for a
+     *                    file in the root directory with "//".
+     * @param strExtension takes the place of the path's own suffix, without a dot; empty for the
+     *                     path's own. A file without a suffix gets a dot at its end: "README.".
+     *
+     * @warning The name is free at the time of the test and not reserved. A host that can't have two
+     * programs meet opens the file with QIODevice::NewOnly and asks again when that fails.
+     *
+     * **Blocking.** One look at the file system for each name that is taken.
+     */
+    static QString getUniqueFileName(const QString &strFilePath, const QString &strExtension);
+
+    ///@}
+};
+
+} // namespace ZyBase

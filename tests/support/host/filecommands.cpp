@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include "commands.h"
+
+#include <ZyBase/files/CFileUtils.h>
+#include <ZyBase/files/ZipManager.h>
+
+#include <QJsonObject>
+
+using ZyBase::CFileUtils;
+
+namespace {
+
+// As text: a JSON number can't hold all of a long long.
+QJsonValue formatOpenTime(const QJsonArray &arguments)
+{
+    return CFileUtils::FormatOpenTime(arguments.at(0).toString().toLongLong());
+}
+
+// A character a byte: paths need be no UTF-8.
+QString bytes(const std::string &path)
+{
+    return QString::fromLatin1(path.data(), int(path.size()));
+}
+
+QJsonValue applicationPaths(const QJsonArray &)
+{
+    return QJsonObject {{QStringLiteral("filePathBytes"), bytes(GetAppFilePath())},
+                        {QStringLiteral("dirPathBytes"), bytes(GetAppDirPath())},
+                        {QStringLiteral("filePath"), CFileUtils::GetApplicationFilePath()},
+                        {QStringLiteral("dirPath"), CFileUtils::GetApplicationDirPath()},
+                        {QStringLiteral("dirPathIsNull"), CFileUtils::GetApplicationDirPath().isNull()},
+                        {QStringLiteral("filePathIsNull"), CFileUtils::GetApplicationFilePath().isNull()},
+                        {QStringLiteral("resDirPath"), CFileUtils::GetResDirPath()}};
+}
+
+QJsonValue bigFileMd5(const QJsonArray &arguments)
+{
+    return QString::fromLatin1(getBigFileMd5(arguments.at(0).toString()).toHex());
+}
+
+QJsonValue writeFileData(const QJsonArray &arguments)
+{
+    CFileUtils::WriteFileData(arguments.at(0).toString(), arguments.at(1).toString());
+    return true;
+}
+
+QJsonValue leftSpace(const QJsonArray &arguments)
+{
+    return double(CFileUtils::getLeftSpace(arguments.at(0).toString()));
+}
+
+QJsonValue unzip(const QJsonArray &arguments)
+{
+    return ZyBase::ZipManager::QuaUnzipFile(arguments.at(0).toString(), arguments.at(1).toString(),
+                                            arguments.at(2).toBool());
+}
+
+} // namespace
+
+Commands fileCommands()
+{
+    return {{QStringLiteral("files.applicationPaths"), applicationPaths},
+            {QStringLiteral("files.bigFileMd5"), bigFileMd5},
+            {QStringLiteral("files.formatOpenTime"), formatOpenTime},
+            {QStringLiteral("files.leftSpace"), leftSpace},
+            {QStringLiteral("files.unzip"), unzip},
+            {QStringLiteral("files.writeFileData"), writeFileData}};
+}
