@@ -10,6 +10,8 @@
 
 #include "base/LoggerObject.h"
 #include "files/CJsonReader.h"
+#include "platform/COperateSystem.h"
+#include "platform/CSystemUtils.h"
 
 #if __has_include(<log4qt/logger.h>)
 #include "base/LoggerObjectPrivate.h"

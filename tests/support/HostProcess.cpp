@@ -30,9 +30,14 @@ void HostProcess::setEnvironment(const QString &variable, const QString &value)
         m_environment.insert(variable, value);
 }
 
+QString HostProcess::builtProgram()
+{
+    return QStringLiteral(ZYBASE_TEST_HOST);
+}
+
 bool HostProcess::start(const Sandbox &sandbox)
 {
-    QStringList command = sandbox.commandLine({QStringLiteral(ZYBASE_TEST_HOST)});
+    QStringList command = sandbox.commandLine({m_program});
     const QString program = command.takeFirst();
     m_process.setProcessEnvironment(m_environment);
     m_process.start(program, command);

@@ -23,6 +23,12 @@ public:
     /** To be called before start(). An empty @p value is one; a null one takes the variable away. */
     void setEnvironment(const QString &variable, const QString &value);
 
+    /** Runs a copy of the host in place of the built one. To be called before start(). */
+    void setProgram(const QString &copy) { m_program = copy; }
+
+    /** Where the built host lies. */
+    static QString builtProgram();
+
     bool start(const Sandbox &sandbox = Sandbox());
 
     /**
@@ -46,6 +52,7 @@ public:
 private:
     Q_DISABLE_COPY(HostProcess)
 
+    QString m_program = builtProgram();
     QProcess m_process;
     QProcessEnvironment m_environment;
     QByteArray m_standardError;

@@ -15,3 +15,4 @@ using Commands = QHash<QString, std::function<QJsonValue(const QJsonArray &)>>;
 
 Commands processCommands();
 Commands logCommands();
+Commands platformCommands();

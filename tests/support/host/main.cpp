@@ -13,7 +13,7 @@ int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
     Commands commands;
-    for (const Commands &family : {processCommands(), logCommands()}) {
+    for (const Commands &family : {processCommands(), logCommands(), platformCommands()}) {
         for (auto command = family.cbegin(); command != family.cend(); ++command)
             commands.insert(command.key(), command.value());
     }
