@@ -37,6 +37,54 @@ public:
      * executable in "/home/user/profiles" gives "user".
      */
     static std::string GetBundleIdentifier();
+
+    /**
+     * Whether the user's desktop is in a dark theme.
+     *
+     * Desktops keep that in different places, so these are asked in turn, on every desktop alike; the
+     * first that knows decides:
+     *
+     * 1. GNOME: the settings "gtk-theme" and "color-scheme" of org.gnome.desktop.interface
+     * 2. KDE: "General/ColorScheme" in kdeglobals, "Theme/name" in plasmarc
+     * 3. GTK: "Settings/gtk-theme-name" in gtk-3.0/settings.ini, then in gtk-4.0/settings.ini
+     * 4. the environment variables GTK_THEME, QT_STYLE_OVERRIDE and DESKTOP_SESSION
+     * 5. UKUI: the settings "style-name" and "theme-mode" of org.ukui.style, and "theme" of
+     *    org.ukui.control-center.personalise
+     * 6. Kylin: the keys "theme", "style", "mode", "appearance" and "theme-mode" in
+     *    ukui/ukui-style.conf, kylin/theme.conf and ukui-style-settings/style.conf
+     * 7. MATE: the setting "gtk-theme" of org.mate.interface
+     * 8. Qt on Kylin: "style" in QtProject.conf, "Appearance/style" in kylin-qt5/qt5ct.conf
+     *
+     * Settings are read by the tool gsettings, files in the user's configuration directory. A name
+     * tells by the letters of "dark" or "light" anywhere in it, in any case, and dark wins where it has
+     * both. What decided, and the values read for 5, 6 and 7, go to qDebug().
+     *
+     * @return true for dark; false for light and where nothing knows
+     *
+     * @warning Blocks the caller for up to eight child processes: some ten milliseconds each as a rule,
+     * 30 seconds each and 240 in all where they hang. A child that outlasts its time is not waited for
+     * but ended. Nothing is remembered: call it from a thread of your own and keep the answer.
+     * @code
+     * auto *watcher = new QFutureWatcher<bool>(this);
+     * connect(watcher, &QFutureWatcher<bool>::finished, this, [=] { setDark(watcher->result()); });
+     * watcher->setFuture(QtConcurrent::run(&ZyBase::CSystemUtils::IsDarkTheme));
+     * @endcode
+     *
+     * @warning What a former desktop left behind counts: a GNOME setting wins over KDE's own on a KDE
+     * session. KDE writes its scheme to a section [General] of kdeglobals, which QSettings does not
+     * give under the key above; there it is plasmarc that tells.
+     */
+    static bool IsDarkTheme();
 };
+
+/**
+ * What GNOME's settings alone say, the first of the places that COperateSystem::IsDarkTheme() asks.
+ * Nothing is logged.
+ *
+ * @return 1 for dark, 0 for light, 2 where they don't tell or gsettings is not installed
+ *
+ * @warning Blocks the caller for up to three child processes, 90 seconds where they hang.
+ */
+ZYBASE_EXPORT int getGnomeTheme();
 
 } // namespace ZyBase

@@ -79,6 +79,11 @@ void CSystemUtils::SetAppAutoStart(const QString &, bool)
 {
 }
 
+bool CSystemUtils::IsDarkTheme()
+{
+    return COperateSystem::IsDarkTheme();
+}
+
 QString CSystemUtils::GetBundleIdentifier()
 {
     return QString::fromStdString(COperateSystem::GetBundleIdentifier());

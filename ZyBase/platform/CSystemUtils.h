@@ -67,6 +67,13 @@ public:
     /** Does nothing: the session starts what it started before. */
     static void SetAppAutoStart(const QString &strApp, bool bAutoStart);
 
+    /**
+     * Whether the user's desktop is in a dark theme, as COperateSystem::IsDarkTheme() tells it.
+     *
+     * @warning Blocks the caller for up to eight child processes, 240 seconds where they hang.
+     */
+    static bool IsDarkTheme();
+
     /** What COperateSystem::GetBundleIdentifier() gives. */
     static QString GetBundleIdentifier();
 
