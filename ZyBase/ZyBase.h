@@ -10,6 +10,7 @@
 
 #include "base/LoggerObject.h"
 #include "files/CJsonReader.h"
+#include "platform/CAssocUtils.h"
 #include "platform/COperateSystem.h"
 #include "platform/CSystemUtils.h"
 

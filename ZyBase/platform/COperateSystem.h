@@ -4,6 +4,8 @@
 
 #include "../base/ZyBaseExport.h"
 
+#include <QString>
+
 #include <string>
 
 namespace ZyBase {
@@ -75,6 +77,44 @@ public:
      * give under the key above; there it is plasmarc that tells.
      */
     static bool IsDarkTheme();
+
+    /**
+     * Whether @p strApp opens files of the type @p strMimeType by default, as the tool xdg-mime tells.
+     *
+     * @param strApp the application's desktop entry, such as "org.gnome.Evince" or
+     * "org.gnome.Evince.desktop", in its exact case
+     * @return true when the name of the default's entry contains @p strApp; false when it doesn't and
+     * when xdg-mime can't tell or is not installed
+     *
+     * @warning A part of the name is enough, so "vince" is true as well, and an empty @p strApp is true
+     * always.
+     *
+     * @warning Blocks the caller until xdg-mime ends, a tenth of a second as a rule and 30 seconds
+     * at most.
+     */
+    static bool IsDefaultLauncher(const QString &strApp, const QString &strMimeType);
+
+    /**
+     * Has xdg-mime make @p strApp the application that opens files of the type @p strMimeType for this
+     * user.
+     *
+     * @param strApp the application's desktop entry without the suffix ".desktop", which is always
+     * appended: "org.gnome.Evince"
+     * @param strUnread not read
+     * @param bUnread not read
+     * @return true always, also when nothing was changed; see IsDefaultLauncher() for what holds after it
+     *
+     * @warning Unlike IsDefaultLauncher() it takes no name with the suffix: "a.desktop" sets the entry
+     * "a.desktop.desktop".
+     *
+     * @warning Blocks the caller until xdg-mime ends, a tenth of a second as a rule and 30 seconds
+     * at most.
+     */
+    static bool SetDefaultLauncher(const QString &strApp, const QString &strMimeType,
+                                   const QString &strUnread, bool bUnread);
+
+    /** Does nothing: there is no former default to go back to. @return true always */
+    static bool ResetDefaultLauncher(const QString &strApp, const QString &strMimeType);
 };
 
 /**

@@ -2,9 +2,10 @@
 
 #include "COperateSystem.h"
 
+#include "ChildProcess.h"
+
 #include <QDebug>
 #include <QFileInfo>
-#include <QProcess>
 #include <QSettings>
 #include <QStandardPaths>
 
@@ -18,7 +19,6 @@ namespace {
 // What a detector finds; the numbers are getGnomeTheme()'s results.
 enum Verdict { Light = 0, Dark = 1, Undetermined = 2 };
 
-constexpr int s_nToolTimeout = 30000; // ms
 constexpr const char *s_pszGnomeSchema = "org.gnome.desktop.interface";
 constexpr const char *s_pszUkuiSchema = "org.ukui.style";
 constexpr const char *s_pszUkuiPanelSchema = "org.ukui.control-center.personalise";
@@ -56,34 +56,25 @@ int verdictOfName(const QString &strName)
 
 // --- Reading the sources -------------------------------------------------------------------
 
-// Whether the tool's exit code is zero, as that of a tool that is still running is.
-bool runTool(QProcess &process, const char *pszProgram, const QStringList &arguments)
-{
-    process.start(QLatin1String(pszProgram), arguments, QIODevice::ReadWrite);
-    process.waitForFinished(s_nToolTimeout);
-    return process.exitCode() == 0;
-}
-
 bool hasGSettings(QProcess &process)
 {
-    return runTool(process, "which", {QStringLiteral("gsettings")});
+    runTool(process, "which", {QStringLiteral("gsettings")});
+    return process.exitCode() == 0;
 }
 
 // Nothing when the read fails, as it does for a schema or a key that this machine doesn't have.
 std::optional<QString> readGSettings(QProcess &process, const char *pszSchema, const char *pszKey)
 {
-    const QStringList arguments {QStringLiteral("get"), QLatin1String(pszSchema), QLatin1String(pszKey)};
-    if (!runTool(process, "gsettings", arguments))
+    runTool(process, "gsettings", {QStringLiteral("get"), QLatin1String(pszSchema), QLatin1String(pszKey)});
+    if (process.exitCode() != 0)
         return std::nullopt;
-    const QByteArray output = process.readAllStandardOutput().trimmed();
-    QString strValue = QString::fromUtf8(output.constData()); // ends at the first NUL byte
-    return strValue.remove(QLatin1Char('\'')).remove(QLatin1Char('"'));
+    return takeOutput(process).remove(QLatin1Char('\'')).remove(QLatin1Char('"'));
 }
 
 std::optional<QString> readAndLogGSettings(QProcess &process, const char *pszLabel, const char *pszSchema,
                                            const char *pszKey)
 {
-    const std::optional<QString> value = readGSettings(process, pszSchema, pszKey);
+    std::optional<QString> value = readGSettings(process, pszSchema, pszKey);
     if (value)
         qDebug() << pszLabel << *value;
     return value;

@@ -2,11 +2,13 @@
 
 #include "commands.h"
 
+#include <ZyBase/platform/CAssocUtils.h>
 #include <ZyBase/platform/COperateSystem.h>
 #include <ZyBase/platform/CSystemUtils.h>
 
 #include <QJsonObject>
 
+using ZyBase::CAssocUtils;
 using ZyBase::COperateSystem;
 using ZyBase::CSystemUtils;
 
@@ -27,10 +29,34 @@ QJsonValue bundleIdentifier(const QJsonArray &)
                        QString::fromStdString(COperateSystem::GetBundleIdentifier())};
 }
 
+QJsonValue isDarkTheme(const QJsonArray &)
+{
+    return CSystemUtils::IsDarkTheme();
+}
+
+QJsonValue gnomeTheme(const QJsonArray &)
+{
+    return ZyBase::getGnomeTheme();
+}
+
+QJsonValue isPdfLauncher(const QJsonArray &arguments)
+{
+    return CAssocUtils::IsPdfLauncher(arguments.at(0).toString());
+}
+
+QJsonValue setPdfLauncher(const QJsonArray &arguments)
+{
+    return CAssocUtils::SetPdfLauncher(arguments.at(0).toString(), QString(), false);
+}
+
 } // namespace
 
 Commands platformCommands()
 {
     return {{QStringLiteral("system.distribution"), distribution},
-            {QStringLiteral("system.bundleIdentifier"), bundleIdentifier}};
+            {QStringLiteral("system.bundleIdentifier"), bundleIdentifier},
+            {QStringLiteral("theme.isDark"), isDarkTheme},
+            {QStringLiteral("theme.gnome"), gnomeTheme},
+            {QStringLiteral("assoc.isPdfLauncher"), isPdfLauncher},
+            {QStringLiteral("assoc.setPdfLauncher"), setPdfLauncher}};
 }
