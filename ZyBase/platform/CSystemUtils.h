@@ -4,6 +4,8 @@
 
 #include "../base/ZyBaseExport.h"
 
+#include <QImage>
+#include <QSize>
 #include <QString>
 
 #include <array>
@@ -104,6 +106,29 @@ public:
 
     /** The processor's architecture as QSysInfo::currentCpuArchitecture() names it, such as "x86_64". */
     static QString GetHardwareCpuArchitecture();
+
+    /**
+     * The text as a QR code: black on opaque white, with error correction of level Q.
+     *
+     * @param strText encoded as UTF-8; what fits is 1663 bytes, and more where it is all digits or
+     * capitals
+     * @param size in pixels; the image is a square of the smaller of its two sides
+     * @return an image in QImage::Format_ARGB32; a null one when the text is empty, when it is too long,
+     * of which the value of errno in a line to qInfo() is the only word, and when a side of the size is 0
+     * or negative
+     *
+     * @warning The symbol reaches from edge to edge. Scanners want a white margin four modules wide:
+     * draw the image onto a white ground.
+     *
+     * @warning Modules have unequal numbers of pixels unless the side is a multiple of the symbol's
+     * width, which is 25 modules for a short text and 177 for the longest. Below three pixels a
+     * module a symbol can hardly be read. Ask for some hundred pixels, and let no later scaling blur
+     * them.
+     *
+     * @warning Each image leaves the symbol's modules allocated for good, between 625 bytes and 31
+     * kilobytes. Keep an image that is shown again.
+     */
+    static QImage GenerateQRCode(const QString &strText, const QSize &size);
 };
 
 } // namespace ZyBase
