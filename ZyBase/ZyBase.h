@@ -15,6 +15,8 @@
 #include "files/ZipManager.h"
 #include "http/CHttpPostRequest.h"
 #include "http/DownloadManager.h"
+#include "platform/CAssocUtils.h"
+#include "platform/COperateSystem.h"
 #include "platform/CSystemUtils.h"
 
 #if __has_include(<log4qt/logger.h>)

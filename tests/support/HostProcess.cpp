@@ -47,18 +47,34 @@ bool HostProcess::start(const Sandbox &sandbox)
 
 QJsonValue HostProcess::call(const QString &command, const QJsonArray &arguments)
 {
+    send(command, arguments);
+    return answer();
+}
+
+void HostProcess::send(const QString &command, const QJsonArray &arguments)
+{
     QJsonArray request = arguments;
     request.prepend(command);
     m_process.write(QJsonDocument(request).toJson(QJsonDocument::Compact) + '\n');
+    while (m_process.bytesToWrite() > 0 && m_process.waitForBytesWritten(patience)) {}
+}
+
+bool HostProcess::hasAnswer(int timeout)
+{
+    return m_process.canReadLine() || (m_process.waitForReadyRead(timeout) && m_process.canReadLine());
+}
+
+QJsonValue HostProcess::answer()
+{
     while (true) {
         while (!m_process.canReadLine()) {
             if (!m_process.waitForReadyRead(patience))
                 return QJsonValue(QJsonValue::Undefined);
         }
         const QByteArray line = m_process.readLine();
-        const QJsonArray answer = QJsonDocument::fromJson(line).array();
-        if (!answer.isEmpty())
-            return answer.first();
+        const QJsonArray words = QJsonDocument::fromJson(line).array();
+        if (!words.isEmpty())
+            return words.first();
         m_standardOutput += line;
     }
 }

@@ -38,6 +38,13 @@ public:
      */
     QJsonValue call(const QString &command, const QJsonArray &arguments = {});
 
+    /** The two halves of call(), for a host that works while the test does something else. */
+    void send(const QString &command, const QJsonArray &arguments = {});
+    QJsonValue answer();
+
+    /** Waits for the answer for @p timeout ms. */
+    bool hasAnswer(int timeout);
+
     /** Ends the host as a user would; @return its exit code, -1 for a crash. */
     int quit();
 

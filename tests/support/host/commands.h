@@ -17,3 +17,4 @@ Commands processCommands();
 Commands logCommands();
 Commands httpCommands();
 Commands fileCommands();
+Commands platformCommands();

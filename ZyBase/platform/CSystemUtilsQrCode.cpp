@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include "CSystemUtils.h"
+
+#include <QPainter>
+
+#include <qrencode.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <new>
+#include <string>
+#include <vector>
+
+namespace ZyBase {
+
+namespace {
+
+constexpr int s_nSmallestVersion = 2;
+constexpr int s_nCaseSensitive = 1;
+constexpr unsigned char s_nBlackBit = 1;
+constexpr int s_nSmallestSampledSide = 3; // pixels
+constexpr QRgb s_black = 0xff000000;
+constexpr QRgb s_white = 0xffffffff;
+
+// The modules of a symbol: a byte each, in rows from the top.
+struct Modules
+{
+    const unsigned char *pBytes;
+    int nWidth;
+
+    const unsigned char *row(int nRow) const { return pBytes + nRow * nWidth; }
+    static bool isBlack(unsigned char nByte) { return (nByte & s_nBlackBit) != 0; }
+};
+
+// White, then each black module by itself. What Qt makes of modules a small part of a pixel wide is its
+// own affair.
+void paint(QImage *pImage, const Modules &modules)
+{
+    const int nSide = pImage->width();
+    const double dScale = double(nSide) / modules.nWidth;
+    QPainter painter(pImage);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Qt::white);
+    painter.drawRect(0, 0, nSide, nSide);
+    painter.setBrush(Qt::black);
+    for (int y = 0; y < modules.nWidth; ++y) {
+        for (int x = 0; x < modules.nWidth; ++x) {
+            const QRectF rect(dScale * x, dScale * y, dScale, dScale);
+            if (Modules::isBlack(modules.row(y)[x]))
+                painter.drawRects(&rect, 1);
+        }
+    }
+}
+
+// For each pixel of a side, the module under its centre. No centre lies between two modules, since a
+// symbol's width is odd.
+std::vector<int> modulesUnderPixels(int nSide, int nWidth)
+{
+    std::vector<int> found(size_t(nSide), 0);
+    for (qint64 i = 0; i < nSide; ++i)
+        found[size_t(i)] = int((2 * i + 1) * nWidth / (2 * qint64(nSide)));
+    return found;
+}
+
+// Gives the pixels of paint() in half the time or less: without antialiasing, QPainter colours the pixels
+// whose centres a rectangle covers.
+void sample(QImage *pImage, const Modules &modules)
+{
+    const int nSide = pImage->width();
+    const std::vector<int> found = modulesUnderPixels(nSide, modules.nWidth);
+    const QRgb *pAbove = nullptr;
+    int nRowAbove = -1;
+    for (int y = 0; y < nSide; ++y) {
+        auto *const pLine = reinterpret_cast<QRgb *>(pImage->scanLine(y));
+        const int nRow = found[size_t(y)];
+        if (nRow == nRowAbove) {
+            std::copy_n(pAbove, nSide, pLine);
+        } else {
+            const unsigned char *const pRow = modules.row(nRow);
+            std::transform(found.cbegin(), found.cend(), pLine, [pRow](int nColumn) {
+                return Modules::isBlack(pRow[nColumn]) ? s_black : s_white;
+            });
+        }
+        pAbove = pLine;
+        nRowAbove = nRow;
+    }
+}
+
+QImage imageOf(const Modules &modules, int nSide)
+{
+    QImage image(nSide, nSide, QImage::Format_ARGB32);
+    if (image.isNull())
+        return image;
+    if (nSide < s_nSmallestSampledSide)
+        paint(&image, modules);
+    else
+        sample(&image, modules);
+    return image;
+}
+
+} // namespace
+
+QImage CSystemUtils::GenerateQRCode(const QString &strText, const QSize &size)
+{
+    if (strText.isEmpty())
+        return QImage();
+    const std::string strUtf8 = strText.toStdString();
+    QRcode *const pSymbol =
+        QRcode_encodeString(strUtf8.c_str(), s_nSmallestVersion, QR_ECLEVEL_Q, QR_MODE_8, s_nCaseSensitive);
+    if (!pSymbol) {
+        qInfo("%d", errno);
+        return QImage();
+    }
+    const Modules modules {pSymbol->data, std::max(pSymbol->width, 1)};
+    const QImage image = imageOf(modules, std::min(size.width(), size.height()));
+    // The record alone, and not by QRcode_free(): the modules stay allocated.
+    ::operator delete(pSymbol);
+    return image;
+}
+
+} // namespace ZyBase

@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include "HostProcess.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+const QString command = QStringLiteral("system.bundleIdentifier");
+constexpr bool isInstrumented = ZYBASE_INSTRUMENTED != 0;
+
+// Both classes give the same.
+QJsonValue inBoth(const QString &name)
+{
+    return QJsonArray {name, name};
+}
+
+} // namespace
+
+// The name that hosts in various places get for themselves.
+class TestBundleIdentifier : public QObject
+{
+    Q_OBJECT
+
+private:
+    // Makes the directory below the test's own and puts a host into it.
+    QString install(const QString &directory)
+    {
+        const QDir target(m_directory->filePath(directory));
+        const QString program = target.filePath(QStringLiteral("host"));
+        return target.mkpath(QStringLiteral(".")) && QFile::copy(HostProcess::program(), program) ? program
+                                                                                                  : QString();
+    }
+
+    std::unique_ptr<QTemporaryDir> m_directory;
+
+private Q_SLOTS:
+    void init() { m_directory = std::make_unique<QTemporaryDir>(); }
+
+    void nameIsThatOfThePackageDirectory_data()
+    {
+        QTest::addColumn<QString>("directory");
+        QTest::addColumn<QString>("name");
+        QTest::newRow("own directory") << "org.example.reader"
+                                       << "org.example.reader";
+        QTest::newRow("below a package") << "org.example.reader/bin"
+                                         << "bin";
+        QTest::newRow("in files") << "org.example.reader/files"
+                                  << "org.example.reader";
+        QTest::newRow("below files") << "org.example.reader/files/bin"
+                                     << "bin";
+        QTest::newRow("files in capitals") << "org.example.reader/FILES"
+                                           << "org.example.reader";
+        QTest::newRow("files in mixed case") << "org.example.reader/Files"
+                                             << "org.example.reader";
+        QTest::newRow("files within a word") << "user/myProfiles2"
+                                             << "user";
+        QTest::newRow("files in files: one step") << "reader/files/files"
+                                                  << "files";
+        QTest::newRow("file is not files") << "reader/file"
+                                           << "file";
+        QTest::newRow("blanks and dots") << " a. b ./files"
+                                         << " a. b .";
+        QTest::newRow("not ASCII") << "Größe 文件 😀/files"
+                                   << "Größe 文件 😀";
+    }
+    void nameIsThatOfThePackageDirectory()
+    {
+        QFETCH(QString, directory);
+        QFETCH(QString, name);
+        HostProcess host;
+        host.setCommand({install(directory)});
+        QVERIFY(host.start());
+        QCOMPARE(host.call(command), inBoth(name));
+    }
+
+    void linkToTheExecutableIsFollowed()
+    {
+        const QString program = install(QStringLiteral("reader/files"));
+        const QString link = m_directory->filePath(QStringLiteral("link"));
+        QVERIFY(QFile::link(program, link));
+        HostProcess host;
+        host.setCommand({link});
+        QVERIFY(host.start());
+        QCOMPARE(host.call(command), inBoth(QStringLiteral("reader")));
+    }
+
+    void filesStaysTheNameWhenTheDirectoryAboveIsGone()
+    {
+        HostProcess host;
+        host.setCommand({install(QStringLiteral("reader/files"))});
+        QVERIFY(host.start());
+        QCOMPARE(host.call(command), inBoth(QStringLiteral("reader")));
+        QVERIFY(QDir(m_directory->filePath(QStringLiteral("reader"))).removeRecursively());
+        QCOMPARE(host.call(command), inBoth(QStringLiteral("files")));
+    }
+
+    void executableAtTheTopOfTheFileSystemGivesADot()
+    {
+        if (!Sandbox::isAvailable())
+            QSKIP("bubblewrap is not installed or not allowed here");
+        Sandbox sandbox;
+        sandbox.freshRoot();
+        sandbox.replace(QStringLiteral("/host"), HostProcess::program());
+        HostProcess host;
+        host.setCommand({QStringLiteral("/host")});
+        QVERIFY(host.start(sandbox));
+        QCOMPARE(host.call(command), inBoth(QStringLiteral(".")));
+    }
+
+    void linkThatCannotBeReadGivesADot()
+    {
+        if (isInstrumented)
+            QSKIP("instruments read /proc");
+        if (!Sandbox::isAvailable())
+            QSKIP("bubblewrap is not installed or not allowed here");
+        const QTemporaryDir empty;
+        Sandbox sandbox;
+        sandbox.replace(QStringLiteral("/proc"), empty.path());
+        HostProcess host;
+        host.setCommand({install(QStringLiteral("reader/bin"))});
+        QVERIFY(host.start(sandbox));
+        QCOMPARE(host.call(command), inBoth(QStringLiteral(".")));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestBundleIdentifier)
+
+#include "tst_bundle_identifier.moc"

@@ -1,0 +1,202 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include <ZyBase/platform/CAssocUtils.h>
+#include <ZyBase/platform/COperateSystem.h>
+
+#include "FakeTools.h"
+#include "MessageCapture.h"
+
+#include <QTest>
+
+#include <memory>
+#include <type_traits>
+
+using ZyBase::CAssocUtils;
+using ZyBase::COperateSystem;
+
+namespace {
+
+const QString reader = QStringLiteral("org.example.reader");
+const QString textType = QStringLiteral("text/plain");
+const QString queryPdf = QStringLiteral("xdg-mime [query] [default] [application/pdf]");
+
+} // namespace
+
+// The calls of xdg-mime and what its answers come to.
+class TestDefaultApplication : public QObject
+{
+    Q_OBJECT
+
+private:
+    void provideTool(const QByteArray &script) { m_tools->add(QStringLiteral("xdg-mime"), script); }
+
+    std::unique_ptr<FakeTools> m_tools;
+    std::unique_ptr<MessageCapture> m_messages;
+
+private Q_SLOTS:
+    void init()
+    {
+        m_tools = std::make_unique<FakeTools>();
+        qputenv("PATH", QFile::encodeName(m_tools->path()));
+        m_messages = std::make_unique<MessageCapture>();
+    }
+    void cleanup()
+    {
+        const auto messages = m_messages->messages();
+        m_messages.reset();
+        QCOMPARE(messages.size(), 0);
+    }
+
+    void answerThatContainsTheNameIsTrue_data()
+    {
+        QTest::addColumn<QByteArray>("answer");
+        QTest::addColumn<QString>("application");
+        QTest::addColumn<bool>("isDefault");
+        const QByteArray entry("org.example.reader.desktop\n");
+        QTest::newRow("its entry") << entry << "org.example.reader" << true;
+        QTest::newRow("with the suffix") << entry << "org.example.reader.desktop" << true;
+        QTest::newRow("first part") << entry << "org.exam" << true;
+        QTest::newRow("middle part") << entry << "reader" << true;
+        QTest::newRow("last part") << entry << ".desktop" << true;
+        QTest::newRow("longer") << entry << "org.example.reader2" << false;
+        QTest::newRow("another") << entry << "okular" << false;
+        QTest::newRow("capitals") << entry << "org.example.Reader" << false;
+        QTest::newRow("capitals in the answer") << QByteArray("Reader.desktop\n") << "reader" << false;
+        QTest::newRow("the line end is not part of the answer") << entry << "org.example.reader.desktop\n"
+                                                                << false;
+        QTest::newRow("nor blanks before it") << QByteArray(" \t\na\n") << " " << false;
+        QTest::newRow("lines within are") << QByteArray("a.desktop\nb.desktop\n") << "p\nb" << true;
+        QTest::newRow("behind a NUL byte") << QByteArray("a\0org.example.reader", 20) << "reader" << false;
+        QTest::newRow("before a NUL byte") << QByteArray("reader\0b", 8) << "reader" << true;
+        QTest::newRow("Chinese") << QByteArray("阅读器.desktop\n") << "阅读器" << true;
+        QTest::newRow("empty name") << entry << "" << true;
+        QTest::newRow("null name") << entry << QString() << true;
+        QTest::newRow("empty name and no answer") << QByteArray("") << "" << true;
+        QTest::newRow("no answer") << QByteArray("") << "reader" << false;
+    }
+    void answerThatContainsTheNameIsTrue()
+    {
+        QFETCH(QByteArray, answer);
+        QFETCH(QString, application);
+        QFETCH(bool, isDefault);
+        provideTool(FakeTools::print(answer));
+        QCOMPARE(CAssocUtils::IsPdfLauncher(application), isDefault);
+        QCOMPARE(COperateSystem::IsDefaultLauncher(application, textType), isDefault);
+        QCOMPARE(m_tools->calls(),
+                 QStringList({queryPdf, QStringLiteral("xdg-mime [query] [default] [text/plain]")}));
+    }
+
+    void exitCodeOfAQueryIsNotRead_data()
+    {
+        QTest::addColumn<QByteArray>("end");
+        QTest::newRow("exit code 4") << QByteArray("exit 4");
+        QTest::newRow("crash") << QByteArray("kill -9 $$");
+    }
+    void exitCodeOfAQueryIsNotRead()
+    {
+        QFETCH(QByteArray, end);
+        provideTool("echo reader.desktop\n" + end);
+        QVERIFY(CAssocUtils::IsPdfLauncher(QStringLiteral("reader")));
+        QVERIFY(!CAssocUtils::IsPdfLauncher(QStringLiteral("okular")));
+        QVERIFY(CAssocUtils::SetPdfLauncher(reader, QString(), false));
+    }
+
+    void standardErrorIsNotRead()
+    {
+        provideTool("echo reader >&2");
+        QVERIFY(!CAssocUtils::IsPdfLauncher(QStringLiteral("reader")));
+    }
+
+    void settingPassesTheEntryAndTheType_data()
+    {
+        QTest::addColumn<QString>("application");
+        QTest::addColumn<QString>("entry");
+        QTest::newRow("name") << reader << "org.example.reader.desktop";
+        QTest::newRow("name with the suffix") << "org.example.reader.desktop"
+                                              << "org.example.reader.desktop.desktop";
+        QTest::newRow("empty") << ""
+                               << ".desktop";
+        QTest::newRow("null") << QString() << ".desktop";
+        QTest::newRow("blanks and quotes") << "my \"own\" 'reader'"
+                                           << "my \"own\" 'reader'.desktop";
+        QTest::newRow("Chinese") << "阅读器"
+                                 << "阅读器.desktop";
+    }
+    void settingPassesTheEntryAndTheType()
+    {
+        QFETCH(QString, application);
+        QFETCH(QString, entry);
+        provideTool("echo not read; exit 0");
+        QVERIFY(CAssocUtils::SetPdfLauncher(application, QString(), false));
+        QVERIFY(COperateSystem::SetDefaultLauncher(application, textType, QString(), false));
+        QCOMPARE(m_tools->calls(),
+                 QStringList({QStringLiteral("xdg-mime [default] [%1] [application/pdf]").arg(entry),
+                              QStringLiteral("xdg-mime [default] [%1] [text/plain]").arg(entry)}));
+    }
+
+    void furtherArgumentsHaveNoEffect()
+    {
+        provideTool("exit 0");
+        for (const QString &unread : {QString(), QStringLiteral(""), QStringLiteral("other")}) {
+            for (const bool flag : {true, false}) {
+                QVERIFY(CAssocUtils::SetPdfLauncher(reader, unread, flag));
+                QVERIFY(COperateSystem::SetDefaultLauncher(reader, QStringLiteral("application/pdf"), unread,
+                                                           flag));
+            }
+        }
+        QStringList calls = m_tools->calls();
+        QCOMPARE(calls.size(), 12);
+        calls.removeDuplicates();
+        QCOMPARE(calls, QStringList {QStringLiteral(
+                            "xdg-mime [default] [org.example.reader.desktop] [application/pdf]")});
+    }
+
+    void settingIsTrueWhateverTheToolDoes_data()
+    {
+        QTest::addColumn<QByteArray>("script");
+        QTest::newRow("exit code 1") << QByteArray("exit 1");
+        QTest::newRow("exit code 4 and a complaint") << QByteArray("echo no such entry >&2; exit 4");
+        QTest::newRow("crash") << QByteArray("kill -9 $$");
+    }
+    void settingIsTrueWhateverTheToolDoes()
+    {
+        QFETCH(QByteArray, script);
+        provideTool(script);
+        QVERIFY(CAssocUtils::SetPdfLauncher(reader, QString(), true));
+        QCOMPARE(m_tools->calls().size(), 1);
+    }
+
+    void machineWithoutTheTool()
+    {
+        QVERIFY(!CAssocUtils::IsPdfLauncher(reader));
+        QVERIFY(CAssocUtils::IsPdfLauncher(QString()));
+        QVERIFY(CAssocUtils::SetPdfLauncher(reader, QString(), false));
+        QVERIFY(CAssocUtils::ResetPdfLauncher(reader));
+    }
+
+    void resettingDoesNothing()
+    {
+        provideTool("exit 0");
+        QVERIFY(CAssocUtils::ResetPdfLauncher(reader));
+        QVERIFY(CAssocUtils::ResetPdfLauncher(QString()));
+        QVERIFY(COperateSystem::ResetDefaultLauncher(reader, textType));
+        QCOMPARE(m_tools->calls(), QStringList());
+    }
+
+    void answerIsAskedForAtEachCall()
+    {
+        provideTool("echo reader.desktop");
+        QVERIFY(CAssocUtils::IsPdfLauncher(QStringLiteral("reader")));
+        provideTool("echo okular.desktop");
+        QVERIFY(!CAssocUtils::IsPdfLauncher(QStringLiteral("reader")));
+    }
+
+    void classHoldsNoData()
+    {
+        QVERIFY(std::is_empty<CAssocUtils>::value && !std::is_polymorphic<CAssocUtils>::value);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestDefaultApplication)
+
+#include "tst_default_application.moc"

@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include <ZyBase/platform/CAssocUtils.h>
+#include <ZyBase/platform/COperateSystem.h>
+
+#include "Files.h"
+#include "TemporaryHome.h"
+
+#include <QDir>
+#include <QStandardPaths>
+#include <QTest>
+
+#include <memory>
+
+using ZyBase::CAssocUtils;
+using ZyBase::COperateSystem;
+
+namespace {
+
+const QString reader = QStringLiteral("org.example.reader");
+const QString viewer = QStringLiteral("org.example.viewer");
+
+} // namespace
+
+// The user's real default application, in a home of the test's own.
+class TestDefaultApplicationDesktop : public QObject
+{
+    Q_OBJECT
+
+private:
+    void install(const QString &application)
+    {
+        const QString folder = m_home->filePath(QStringLiteral(".local/share/applications"));
+        QVERIFY(QDir().mkpath(folder));
+        QVERIFY(writeFile(folder + QLatin1Char('/') + application + QStringLiteral(".desktop"),
+                          "[Desktop Entry]\nType=Application\nName=Test\nExec=true %f\n"
+                          "MimeType=application/pdf;text/plain;\n"));
+    }
+
+    std::unique_ptr<TemporaryHome> m_home;
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        if (QStandardPaths::findExecutable(QStringLiteral("xdg-mime")).isEmpty())
+            QSKIP("xdg-utils are not installed");
+    }
+    void init()
+    {
+        // No desktop, whose own tools xdg-mime would ask, and no applications of the machine.
+        for (const char *variable : {"XDG_CURRENT_DESKTOP", "DESKTOP_SESSION", "KDE_FULL_SESSION",
+                                     "GNOME_DESKTOP_SESSION_ID", "DISPLAY", "XDG_CONFIG_DIRS"})
+            qunsetenv(variable);
+        m_home = std::make_unique<TemporaryHome>();
+        qputenv("XDG_DATA_DIRS", QFile::encodeName(m_home->filePath(QStringLiteral("none"))));
+        qputenv("XDG_CONFIG_DIRS", QFile::encodeName(m_home->filePath(QStringLiteral("none"))));
+        install(reader);
+        install(viewer);
+    }
+    void cleanup() { m_home.reset(); }
+
+    void whatIsSetIsTheDefault()
+    {
+        for (const QString &chosen : {reader, viewer, reader}) {
+            const QString other = chosen == reader ? viewer : reader;
+            QVERIFY(CAssocUtils::SetPdfLauncher(chosen, QString(), false));
+            QVERIFY(CAssocUtils::IsPdfLauncher(chosen));
+            QVERIFY(CAssocUtils::IsPdfLauncher(chosen + QStringLiteral(".desktop")));
+            QVERIFY(!CAssocUtils::IsPdfLauncher(chosen.toUpper()));
+            QVERIFY(!CAssocUtils::IsPdfLauncher(other));
+        }
+    }
+
+    void typesHaveDefaultsOfTheirOwn()
+    {
+        const QString text = QStringLiteral("text/plain");
+        QVERIFY(CAssocUtils::SetPdfLauncher(reader, QString(), false));
+        QVERIFY(COperateSystem::SetDefaultLauncher(viewer, text, QString(), false));
+        QVERIFY(CAssocUtils::IsPdfLauncher(reader));
+        QVERIFY(COperateSystem::IsDefaultLauncher(viewer, text));
+        QVERIFY(!COperateSystem::IsDefaultLauncher(reader, text));
+    }
+
+    void nameWithTheSuffixSetsNoEntryThatExists()
+    {
+        QVERIFY(CAssocUtils::SetPdfLauncher(reader, QString(), false));
+        QVERIFY(CAssocUtils::SetPdfLauncher(viewer + QStringLiteral(".desktop"), QString(), false));
+        QVERIFY(!CAssocUtils::IsPdfLauncher(viewer));
+    }
+
+    void resetLeavesTheDefault()
+    {
+        QVERIFY(CAssocUtils::SetPdfLauncher(reader, QString(), false));
+        QVERIFY(CAssocUtils::ResetPdfLauncher(reader));
+        QVERIFY(CAssocUtils::IsPdfLauncher(reader));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestDefaultApplicationDesktop)
+
+#include "tst_default_application_desktop.moc"
