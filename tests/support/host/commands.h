@@ -19,3 +19,4 @@ Commands httpCommands();
 Commands fileCommands();
 Commands platformCommands();
 Commands identityCommands();
+Commands netCommands();

@@ -14,7 +14,7 @@ int main(int argc, char **argv)
     const QCoreApplication application(argc, argv);
     Commands commands;
     for (const Commands &family : {processCommands(), logCommands(), httpCommands(), fileCommands(),
-                                   platformCommands(), identityCommands()}) {
+                                   platformCommands(), identityCommands(), netCommands()}) {
         for (auto command = family.cbegin(); command != family.cend(); ++command)
             commands.insert(command.key(), command.value());
     }
