@@ -29,5 +29,7 @@ int main(int argc, char **argv)
     }
     showLog(report, directory);
     showJson(report, directory);
+    showIdentity(report, directory);
+    showLocation(report, directory);
     return report.finish();
 }

@@ -10,3 +10,5 @@ class Report;
 
 void showLog(Report &report, const QDir &directory);
 void showJson(Report &report, const QDir &directory);
+void showIdentity(Report &report, const QDir &directory);
+void showLocation(Report &report, const QDir &directory);
