@@ -42,7 +42,7 @@ QString getMainMacAddress()
 {
     const QList<QNetworkInterface> interfaces = QNetworkInterface::allInterfaces();
     for (const QNetworkInterface &interface : interfaces) {
-        const QString strAddress = interface.hardwareAddress();
+        QString strAddress = interface.hardwareAddress();
         if (isOfThisMachineAlone(interface) && !strAddress.isEmpty())
             return strAddress;
     }

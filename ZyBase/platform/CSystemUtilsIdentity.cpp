@@ -50,7 +50,7 @@ QString momentAndNumber()
 // The best there is to tell this machine from others. Never empty.
 QString machineText()
 {
-    const QString strIdentifier = QString::fromStdString(COperateSystem::GetSystemUDID()).trimmed();
+    QString strIdentifier = QString::fromStdString(COperateSystem::GetSystemUDID()).trimmed();
     if (!strIdentifier.isEmpty())
         return strIdentifier;
     const QString strAddress = getMainMacAddress();
@@ -68,10 +68,10 @@ QString CSystemUtils::GetStringMd5(const QString &strText)
 QString CSystemUtils::GetPCID(const QString &strDirPrefix, const QString &strDirName)
 {
     const QString strPath = deviceFilePath(strDirPrefix, strDirName);
-    const QString strStored = ReadRegeditValue(strPath, pcidKey()).toString();
+    QString strStored = ReadRegeditValue(strPath, pcidKey()).toString();
     if (!strStored.isEmpty())
         return strStored;
-    const QString strIdentifier = GetStringMd5(machineText());
+    QString strIdentifier = GetStringMd5(machineText());
     writeValue(strPath, pcidKey(), strIdentifier);
     return strIdentifier;
 }
