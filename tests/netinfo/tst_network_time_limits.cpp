@@ -41,9 +41,10 @@ private:
     std::thread m_thread;
 };
 
+// Qt's timers may be a twentieth early.
 bool isAbout(qint64 milliseconds, qint64 expected)
 {
-    return milliseconds >= expected - 50 && milliseconds < expected + 5000;
+    return milliseconds >= expected - expected / 20 && milliseconds < expected + 5000;
 }
 
 } // namespace

@@ -139,7 +139,7 @@ private Q_SLOTS:
         Resolver::hold();
         bool isOnline = true;
         QTimer::singleShot(0, this, [&isOnline] { isOnline = CNetworkUtils::IsNetWorkOnline(); });
-        QTimer::singleShot(50, qApp, &QCoreApplication::quit);
+        QTimer::singleShot(50, QCoreApplication::instance(), &QCoreApplication::quit);
         QCoreApplication::exec();
         QVERIFY(!isOnline);
         Resolver::release();

@@ -295,7 +295,9 @@ private Q_SLOTS:
     void markThatIsNullOrElsewhereIsANewUser_data()
     {
         QTest::addColumn<QByteArray>("content");
-        QTest::newRow("null") << QByteArray("[General]\nNewUser=@Invalid()\n");
+        QTest::newRow("invalid") << QByteArray("[General]\nNewUser=@Invalid()\n");
+        QTest::newRow("null text") << QByteArray(
+            "[General]\nNewUser=@Variant(\\0\\0\\0\\n\\xff\\xff\\xff\\xff)\n");
         QTest::newRow("in another section") << QByteArray("[Device]\nNewUser=true\n");
         QTest::newRow("in another case") << QByteArray("[General]\nnewuser=true\n");
     }
