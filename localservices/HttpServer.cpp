@@ -147,6 +147,7 @@ private:
         ConnectionStream stream(connection);
         s_current = &stream;
         process(&Private::process_request, stream);
+        s_current = nullptr;
     }
 
     // httplib's one call for a request has grown arguments over the years.
