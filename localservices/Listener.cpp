@@ -40,7 +40,7 @@ std::shared_ptr<SSL_CTX> createTls(const Certificate &certificate)
 {
     if (certificate.certificate.isEmpty())
         return nullptr;
-    const std::shared_ptr<SSL_CTX> tls(SSL_CTX_new(TLS_server_method()), SSL_CTX_free);
+    std::shared_ptr<SSL_CTX> tls(SSL_CTX_new(TLS_server_method()), SSL_CTX_free);
     BIO *const pem = BIO_new_mem_buf(certificate.certificate.constData(), certificate.certificate.size());
     X509 *const x509 = PEM_read_bio_X509(pem, nullptr, nullptr, nullptr);
     SSL_CTX_use_certificate(tls.get(), x509);
@@ -119,7 +119,8 @@ void Listener::startWorker(int socket)
         }
         m_connections.insert(socket);
     }
-    Worker &worker = m_workers.emplace_back();
+    m_workers.emplace_back();
+    Worker &worker = m_workers.back();
     worker.thread = std::thread([this, socket, &worker] {
         serveConnection(socket);
         worker.isDone = true;

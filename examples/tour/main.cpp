@@ -29,5 +29,6 @@ int main(int argc, char **argv)
     }
     showLog(report, directory);
     showJson(report, directory);
+    showHttp(report, directory);
     return report.finish();
 }

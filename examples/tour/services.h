@@ -10,3 +10,4 @@ class Report;
 
 void showLog(Report &report, const QDir &directory);
 void showJson(Report &report, const QDir &directory);
+void showHttp(Report &report, const QDir &directory);
