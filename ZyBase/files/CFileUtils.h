@@ -282,6 +282,33 @@ public:
     static QString getUniqueFileName(const QString &strFilePath, const QString &strExtension);
 
     ///@}
+
+    /**
+     * Shows a file in its folder, by the file manager of the running desktop: the file selected where
+     * that can be asked for, else the folder.
+     *
+     * What is started goes by the words in XDG_CURRENT_DESKTOP, in any case and anywhere in it; the
+     * first row that fits:
+     *
+     *     "gnome" or "ubuntu"   nautilus --select FILE
+     *     "kde"                 dolphin --select FILE
+     *     "xfce"                thunar FILE
+     *     anything else         xdg-open FOLDER
+     *
+     * Paths are made absolute. Of a directory the one above it is its folder, unless the path ends in
+     * "/".
+     *
+     * No outcome is reported, and whether the file manager does as it is told is not looked at. Two
+     * failures show as Qt warnings in the category "default": "File does not exist:" with the path, and
+     * nothing is started; "Failed to execute:" with the program and its arguments, when it isn't
+     * installed, and then Qt is asked to open the folder.
+     *
+     * @warning That last resort is QDesktopServices, which wants a QGuiApplication in the host and the
+     * call on its thread.
+     *
+     * **Blocking.** For the start of the program, not for its run.
+     */
+    static void OpenFolderAndSelectFile(QString strFilePath);
 };
 
 } // namespace ZyBase
