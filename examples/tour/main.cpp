@@ -29,5 +29,7 @@ int main(int argc, char **argv)
     }
     showLog(report, directory);
     showJson(report, directory);
+    showFiles(report, directory);
+    showZip(report, directory);
     return report.finish();
 }
