@@ -115,7 +115,8 @@ private Q_SLOTS:
     {
         if (const char *tool = Desktop::missingTool())
             QSKIP(qPrintable(QLatin1String(tool) + QStringLiteral(" is not installed")));
-        QVERIFY2(qobject_cast<QGuiApplication *>(QCoreApplication::instance()), "no display");
+        if (!qobject_cast<QGuiApplication *>(QCoreApplication::instance()))
+            QSKIP("this user can start no display");
     }
     void init() { m_directory = std::make_unique<QTemporaryDir>(); }
 

@@ -29,7 +29,7 @@ RecordedPrograms::~RecordedPrograms()
 
 void RecordedPrograms::addEndless(const QString &name)
 {
-    add(name, "exec /bin/sleep 86400\n");
+    add(name, "exec /bin/sleep 300\n");
 }
 
 void RecordedPrograms::addFailing(const QString &name)

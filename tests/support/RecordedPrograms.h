@@ -24,7 +24,7 @@ public:
     explicit RecordedPrograms(const QStringList &names = {});
     ~RecordedPrograms();
 
-    /** A program that runs on until it is killed, once it has written down its call. */
+    /** A program that runs on for minutes or until it is killed, once it has written down its call. */
     void addEndless(const QString &name);
 
     /** A program that ends with an error, once it has written down its call. */
