@@ -29,6 +29,8 @@ int main(int argc, char **argv)
     }
     showLog(report, directory);
     showJson(report, directory);
+    showFiles(report, directory);
+    showZip(report, directory);
     showHttp(report, directory);
     return report.finish();
 }

@@ -10,4 +10,6 @@ class Report;
 
 void showLog(Report &report, const QDir &directory);
 void showJson(Report &report, const QDir &directory);
+void showFiles(Report &report, const QDir &directory);
+void showZip(Report &report, const QDir &directory);
 void showHttp(Report &report, const QDir &directory);
