@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstddef>
 #include <new>
 #include <string>
 #include <vector>
@@ -29,7 +30,7 @@ struct Modules
     const unsigned char *pBytes;
     int nWidth;
 
-    const unsigned char *row(int nRow) const { return pBytes + nRow * nWidth; }
+    const unsigned char *row(int nRow) const { return pBytes + ptrdiff_t(nRow) * nWidth; }
     static bool isBlack(unsigned char nByte) { return (nByte & s_nBlackBit) != 0; }
 };
 
@@ -113,7 +114,7 @@ QImage CSystemUtils::GenerateQRCode(const QString &strText, const QSize &size)
         return QImage();
     }
     const Modules modules {pSymbol->data, std::max(pSymbol->width, 1)};
-    const QImage image = imageOf(modules, std::min(size.width(), size.height()));
+    QImage image = imageOf(modules, std::min(size.width(), size.height()));
     // The record alone, and not by QRcode_free(): the modules stay allocated.
     ::operator delete(pSymbol);
     return image;
