@@ -29,5 +29,9 @@ int main(int argc, char **argv)
     }
     showLog(report, directory);
     showJson(report, directory);
+    showSystem(report, directory);
+    showTheme(report, directory);
+    showDefaultApplication(report, directory);
+    showQrCode(report, directory);
     return report.finish();
 }
