@@ -3,6 +3,7 @@
 #include "CSystemUtils.h"
 
 #include <QPainter>
+#include <QVector>
 
 #include <qrencode.h>
 
@@ -11,7 +12,6 @@
 #include <cstddef>
 #include <new>
 #include <string>
-#include <vector>
 
 namespace ZyBase {
 
@@ -56,12 +56,12 @@ void paint(QImage *pImage, const Modules &modules)
 
 // The first pixel of each module of a row or column, and the end behind the last: a pixel belongs to the
 // module under its centre. No centre lies between two modules, since a symbol's width is odd.
-std::vector<int> moduleEdges(int nSide, int nWidth)
+QVector<int> moduleEdges(int nSide, int nWidth)
 {
-    std::vector<int> edges;
-    edges.reserve(size_t(nWidth) + 1);
+    QVector<int> edges;
+    edges.reserve(nWidth + 1);
     for (qint64 i = 0; i <= nWidth; ++i)
-        edges.push_back(int((2 * i * nSide + nWidth) / (2 * qint64(nWidth))));
+        edges.append(int((2 * i * nSide + nWidth) / (2 * qint64(nWidth))));
     return edges;
 }
 
@@ -70,13 +70,13 @@ std::vector<int> moduleEdges(int nSide, int nWidth)
 void fill(QImage *pImage, const Modules &modules)
 {
     const int nSide = pImage->width();
-    const std::vector<int> edges = moduleEdges(nSide, modules.nWidth);
-    for (size_t y = 0; y + 1 < edges.size(); ++y) {
+    const QVector<int> edges = moduleEdges(nSide, modules.nWidth);
+    for (int y = 0; y < modules.nWidth; ++y) {
         if (edges[y] == edges[y + 1])
             continue;
         auto *const pLine = reinterpret_cast<QRgb *>(pImage->scanLine(edges[y]));
-        const unsigned char *const pRow = modules.row(int(y));
-        for (size_t x = 0; x + 1 < edges.size(); ++x)
+        const unsigned char *const pRow = modules.row(y);
+        for (int x = 0; x < modules.nWidth; ++x)
             std::fill(pLine + edges[x], pLine + edges[x + 1], Modules::isBlack(pRow[x]) ? s_black : s_white);
         for (int nLine = edges[y] + 1; nLine < edges[y + 1]; ++nLine)
             std::copy_n(pLine, nSide, reinterpret_cast<QRgb *>(pImage->scanLine(nLine)));

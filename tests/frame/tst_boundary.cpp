@@ -132,6 +132,9 @@ private Q_SLOTS:
         ZyBase::LoggerObject::debug("off");
         QVERIFY(LoggerObjectPrivate::getInstance() != nullptr);
         QVERIFY(ZyBase::CJsonReader::ParseJsonFileToArray(QString()).isEmpty());
+        QVERIFY(ZyBase::CAssocUtils::ResetPdfLauncher(QString()));
+        ZyBase::COperateSystem::SleepComputer();
+        QVERIFY(ZyBase::CSystemUtils::IsOn64BitSystem());
     }
 };
 
