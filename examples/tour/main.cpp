@@ -32,5 +32,9 @@ int main(int argc, char **argv)
     showFiles(report, directory);
     showZip(report, directory);
     showHttp(report, directory);
+    showSystem(report, directory);
+    showTheme(report, directory);
+    showDefaultApplication(report, directory);
+    showQrCode(report, directory);
     return report.finish();
 }
