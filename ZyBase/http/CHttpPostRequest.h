@@ -36,14 +36,13 @@ namespace ZyBase {
  *
  * The forms differ, and servers rely on it:
  *
- * | Form                          | Method | Waits | Content-Type     | User-Agent  | Cookie  | Can be
- * stopped |
- * |-------------------------------|--------|-------|------------------|-------------|---------|----------------|
- * | StartRequestSync()            | POST   | yes   | application/json | Qt's        | none    | no | |
- * StartRequestAsync()           | POST   | no    | application/json | Qt's        | session | yes | |
- * StartGetRequest()             | GET    | no    | application/json | Qt's        | session | yes | |
- * StartGetRequestSync()         | GET    | yes   | none             | a browser's | none    | no | |
- * StartGetRequestAndStatusCode()| GET    | no    | application/json | Qt's        | session | yes |
+ * | Form                         | Method, waits | Content-Type     | User-Agent  | Cookie  | Stops |
+ * |------------------------------|---------------|------------------|-------------|---------|-------|
+ * | StartRequestSync             | POST, yes     | application/json | Qt's        | none    | no    |
+ * | StartRequestAsync            | POST, no      | application/json | Qt's        | session | yes   |
+ * | StartGetRequest              | GET, no       | application/json | Qt's        | session | yes   |
+ * | StartGetRequestSync          | GET, yes      | none             | a browser's | none    | no    |
+ * | StartGetRequestAndStatusCode | GET, no       | application/json | Qt's        | session | yes   |
  *
  * A POST carries the compact JSON text of its object as UTF-8. A session that isn't empty is sent as
  * the cookie "sessionid" in Latin-1 letters; what Latin-1 lacks goes out as a question mark, and line
