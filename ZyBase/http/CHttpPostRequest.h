@@ -36,14 +36,13 @@ namespace ZyBase {
  *
  * The forms differ, and servers rely on it:
  *
- * | Form                          | Method | Waits | Content-Type     | User-Agent  | Cookie  | Can be
- * stopped |
- * |-------------------------------|--------|-------|------------------|-------------|---------|----------------|
- * | StartRequestSync()            | POST   | yes   | application/json | Qt's        | none    | no | |
- * StartRequestAsync()           | POST   | no    | application/json | Qt's        | session | yes | |
- * StartGetRequest()             | GET    | no    | application/json | Qt's        | session | yes | |
- * StartGetRequestSync()         | GET    | yes   | none             | a browser's | none    | no | |
- * StartGetRequestAndStatusCode()| GET    | no    | application/json | Qt's        | session | yes |
+ * | Form                         | Method, waits | Content-Type     | User-Agent  | Cookie  | Stops |
+ * |------------------------------|---------------|------------------|-------------|---------|-------|
+ * | StartRequestSync             | POST, yes     | application/json | Qt's        | none    | no    |
+ * | StartRequestAsync            | POST, no      | application/json | Qt's        | session | yes   |
+ * | StartGetRequest              | GET, no       | application/json | Qt's        | session | yes   |
+ * | StartGetRequestSync          | GET, yes      | none             | a browser's | none    | no    |
+ * | StartGetRequestAndStatusCode | GET, no       | application/json | Qt's        | session | yes   |
  *
  * A POST carries the compact JSON text of its object as UTF-8. A session that isn't empty is sent as
  * the cookie "sessionid" in Latin-1 letters; what Latin-1 lacks goes out as a question mark, and line
@@ -66,8 +65,12 @@ namespace ZyBase {
  * object a request to tell them apart.
  *
  * @warning The object must outlive its running requests. The destructor neither waits nor cancels; a
- * request that is still running then uses a dead object. So give the object no parent that may
- * go earlier, and delete it only by deleteLater() from the handling of its outcome.
+ * request that is still running then uses a dead object. So give the object no parent that may go
+ * earlier, and delete it only from the handling of its outcome, never at once but by deleteLater().
+ * Even then the worker may be on its last steps out of the signal; a moment more makes it safe:
+ * @code
+ * QTimer::singleShot(1000, request, &QObject::deleteLater);
+ * @endcode
  *
  * **Blocking.** The synchronous forms block for at most 10000 ms while they run an event loop of their
  * own: every other event of the calling thread is delivered meanwhile. Be ready for re-entry, and for

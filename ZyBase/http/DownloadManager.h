@@ -59,8 +59,9 @@ public:
      * @warning An older file of that name is deleted at once, and stays deleted if the download
      * fails. To keep it, download to a directory of its own and move the new file over the old one.
      *
-     * @warning A full disk goes unnoticed: the download succeeds with a file that is cut short. Compare
-     * its size with the last bytesTotal where that matters.
+     * @warning A full disk goes unnoticed: the download succeeds with a file that is cut short. So does, now
+     * and then, a connection that breaks off, since Qt takes it for the end of the file. Compare the size
+     * of the file with the last bytesTotal where that matters.
      *
      * @param strSaveDir an existing directory, with or without a "/" at its end; it is not made. An
      * empty one is the root of the file system.

@@ -115,6 +115,8 @@ private Q_SLOTS:
         QTest::newRow("behind an empty line") << QByteArray("\n\nNAME=y\n") << "y" << int(IsNeither);
         QTest::newRow("line ends of Windows")
             << QByteArray("ID=x\r\nNAME=\"y\"\r\nA=b\r\n") << "y" << int(IsNeither);
+        QTest::newRow("carriage returns within go")
+            << QByteArray("NAME=\"a\rb\"\n") << "ab" << int(IsNeither);
         QTest::newRow("escapes stay") << QByteArray("NAME=\"a\\$b\"\n") << "a\\$b" << int(IsNeither);
         QTest::newRow("Chinese") << QByteArray("NAME=\"银河麒麟\"\n") << "银河麒麟" << int(IsNeither);
         QTest::newRow("UTF-16") << QByteArray::fromRawData("\xff\xfeN\0A\0M\0E\0=\0y\0\n\0", 16) << "y"

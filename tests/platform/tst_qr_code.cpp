@@ -91,6 +91,7 @@ void addSymbols()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::newRow("25 modules") << QByteArray("a");
+    QTest::newRow("its two pixels a side tell rows from columns") << QByteArray(33, 'c');
     QTest::newRow("49 modules") << letters(100);
     QTest::newRow("81 modules") << letters(300);
     QTest::newRow("141 modules") << letters(1000);
@@ -271,6 +272,7 @@ private Q_SLOTS:
         const QImage expected = generate("thread", 300);
         std::vector<QImage> images(4);
         std::vector<std::thread> threads;
+        threads.reserve(images.size());
         for (QImage &image : images)
             threads.emplace_back([&image] {
                 for (int i = 0; i < 20; ++i)
