@@ -15,6 +15,7 @@
 #include "files/ZipManager.h"
 #include "http/CHttpPostRequest.h"
 #include "http/DownloadManager.h"
+#include "netinfo/CNetworkUtils.h"
 #include "platform/CAssocUtils.h"
 #include "platform/COperateSystem.h"
 #include "platform/CSystemUtils.h"

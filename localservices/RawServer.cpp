@@ -4,6 +4,14 @@
 
 namespace LocalServices {
 
+RawServer::Answer RawServer::answerWith(const QByteArray &body)
+{
+    return [body](Connection &client) {
+        client.write("HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Length: "
+                     + QByteArray::number(body.size()) + "\r\n\r\n" + body);
+    };
+}
+
 RawServer::RawServer(Answer answer, const Certificate &certificate)
     : m_scheme(certificate.certificate.isEmpty() ? QStringLiteral("http") : QStringLiteral("https"))
     , m_listener(

@@ -26,6 +26,9 @@ class RawServer
 public:
     using Answer = std::function<void(Connection &)>;
 
+    /** Answers each request with status 200 and just this body. */
+    static Answer answerWith(const QByteArray &body);
+
     explicit RawServer(Answer answer, const Certificate &certificate = {});
 
     QUrl url(const QString &pathAndQuery = QStringLiteral("/")) const;

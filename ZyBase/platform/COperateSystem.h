@@ -41,6 +41,16 @@ public:
     static std::string GetBundleIdentifier();
 
     /**
+     * The machine's identifier: what QSysInfo::machineUniqueId() gives, else what getMachineId() gives.
+     *
+     * @return the identifier in UTF-8, 32 hexadecimal digits as a rule; empty on a machine without one
+     *
+     * @warning It tells this machine from all others. Don't send it anywhere: send
+     * CSystemUtils::GetPCID(), from which it can't be had back.
+     */
+    static std::string GetSystemUDID();
+
+    /**
      * Whether the user's desktop is in a dark theme.
      *
      * Desktops keep that in different places, so these are asked in turn, on every desktop alike; the
@@ -126,5 +136,28 @@ public:
  * @warning Blocks the caller for up to three child processes, 90 seconds where they hang.
  */
 ZYBASE_EXPORT int getGnomeTheme();
+
+/**
+ * The content of /etc/machine-id without the white space around it, read in the encoding of the locale.
+ *
+ * @return a null text where the file can't be opened
+ *
+ * **Threads.** Any.
+ */
+ZYBASE_EXPORT QString getMachineId();
+
+/**
+ * The hardware address of the first network interface that is up, has one, and is neither the loopback
+ * nor a point-to-point link, such as "52:54:00:12:34:56".
+ *
+ * @return a null text where there is no such interface
+ *
+ * @warning First means first in the order of QNetworkInterface::allInterfaces(): a bridge or a virtual
+ * machine's interface counts as well as a card, plugged in or not, and an address of zeros is one. The
+ * result may change with each interface that comes or goes.
+ *
+ * **Threads.** Any.
+ */
+ZYBASE_EXPORT QString getMainMacAddress();
 
 } // namespace ZyBase

@@ -7,6 +7,7 @@
 #include <QImage>
 #include <QSize>
 #include <QString>
+#include <QVariant>
 
 #include <array>
 
@@ -23,6 +24,14 @@ namespace ZyBase {
  * **Threads.** Any, unless a function says otherwise.
  *
  * **Blocking.** For the time of reading one small file at most, unless a function says otherwise.
+ *
+ * The identity of the installation, once at the host's start:
+ * @code
+ * const QString prefix = QStringLiteral("example/");   // the slash is the host's
+ * const QString name = QStringLiteral("reader");       // ~/.config/example/reader/device.conf
+ * const bool firstRun = ZyBase::CSystemUtils::IsNewUser(prefix, name);
+ * const QString machine = ZyBase::CSystemUtils::GetPCID(prefix, name);
+ * @endcode
  */
 class ZYBASE_EXPORT CSystemUtils
 {
@@ -34,6 +43,55 @@ public:
      * @warning MD5 tells texts apart, it protects nothing: never keep a password in this form.
      */
     static QString GetStringMd5(const QString &strText);
+
+    /**
+     * An identifier of this machine for statistics that outlives restarts: the key "PCID" of the file
+     * device.conf in the directory that the two arguments name below the user's general configuration
+     * directory, ~/.config as a rule.
+     *
+     * Where the file has none yet, it is made and stored: the digest of what
+     * COperateSystem::GetSystemUDID() gives, of getMainMacAddress() where that is empty, and of the
+     * time with a random number where both are. What is stored is returned as it stands, whatever
+     * became of the machine and whatever the text looks like; nothing is written then.
+     *
+     * @param strDirPrefix what the directory's path below the configuration directory begins with
+     * @param strDirName what follows straight behind it
+     * @return 32 lower-case hexadecimal digits, or what else was stored; never empty
+     *
+     * @warning No separator is put between the arguments: "example" and "reader" are the directory
+     * "examplereader". Give the prefix a slash of its own for two levels.
+     *
+     * @warning Where the file can't be written nothing tells so. The identifier is the same at each
+     * call all the same, except one made from the time, which is a new one each time.
+     *
+     * @warning All hosts on a machine derive the same value, other users' too, and so does a copy of
+     * the machine's disk image.
+     *
+     * **Threads.** Any. First calls at the same time write the same value; where it is made from the
+     * time the last one stays, and another caller holds a value that is not the stored one.
+     */
+    static QString GetPCID(const QString &strDirPrefix, const QString &strDirName);
+
+    /**
+     * A random number from @p nMin to one below @p nMax, from Qt's process-wide generator. Equal
+     * arguments give @p nMin.
+     *
+     * @warning The arguments are not put in order: a maximum below the minimum gives nearly any int.
+     * @warning Not for secrets: take QRandomGenerator::system() for these.
+     */
+    static int GetRandomNum(int nMin, int nMax);
+
+    /**
+     * Whether this is the first call for the directory, which is told as for GetPCID(). The call itself
+     * makes the next one answer false: it sets the key "NewUser" of the same file.
+     *
+     * @return true for the first call; false once the key is there, whatever its value is, so a stored
+     * "false" is no new user either
+     *
+     * @warning Ask once a run and keep the answer. Where the file can't be written the answer is true
+     * each time, and two processes that ask first at the same time may both hear true.
+     */
+    static bool IsNewUser(const QString &strDirPrefix, const QString &strDirName);
 
     /** Three zeros; no monitor is asked. QScreen::logicalDotsPerInch() has the real ones. */
     static std::array<quint64, 3> GetDpiFromMonitors();
@@ -138,5 +196,17 @@ public:
      */
     static QImage GenerateQRCode(const QString &strText, const QSize &size);
 };
+
+/**
+ * The value of a key in a settings file of QSettings' native form, an ini file here.
+ *
+ * @param strPath the file
+ * @param strKey the key, with its section in front where it isn't in [General]: "window/width"
+ * @return the value, a text or a list of texts as a rule; an invalid QVariant where the file or the key
+ * is lacking or the file can't be read
+ *
+ * **Threads.** Any.
+ */
+ZYBASE_EXPORT QVariant ReadRegeditValue(const QString &strPath, const QString &strKey);
 
 } // namespace ZyBase

@@ -32,9 +32,11 @@ int main(int argc, char **argv)
     showFiles(report, directory);
     showZip(report, directory);
     showHttp(report, directory);
+    showIdentity(report, directory);
     showSystem(report, directory);
     showTheme(report, directory);
     showDefaultApplication(report, directory);
     showQrCode(report, directory);
+    showLocation(report, directory);
     return report.finish();
 }

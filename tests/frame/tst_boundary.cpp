@@ -136,6 +136,9 @@ private Q_SLOTS:
         QCOMPARE(ZyBase::CHttpPostRequest::SignObject({}, QString()),
                  ZyBase::CSystemUtils::GetStringMd5(QString()));
         ZyBase::DownloadManager().StopDownload();
+        QVERIFY(ParseTdValue(QString()).isEmpty());
+        QVERIFY(&ZyBase::CNetworkUtils::IsNetWorkOnline);
+        QVERIFY(!ZyBase::ReadRegeditValue(QStringLiteral("/none"), QStringLiteral("key")).isValid());
         QVERIFY(ZyBase::CFileUtils::CheckFileNameValid(QString()));
         QVERIFY(!GetAppDirPath().empty());
         QVERIFY(ZyBase::CStringUtils::SplitString(QString()).isNull());

@@ -95,6 +95,7 @@ void HostProcess::kill()
 
 QString HostProcess::standardError()
 {
-    m_standardError += m_process.readAllStandardError();
+    if (m_process.isOpen())
+        m_standardError += m_process.readAllStandardError();
     return QString::fromUtf8(m_standardError);
 }

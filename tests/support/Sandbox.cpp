@@ -24,6 +24,26 @@ QStringList bindRoot()
     return {QStringLiteral("--dev-bind"), QStringLiteral("/"), QStringLiteral("/")};
 }
 
+// Whoever starts it is root inside, so that an ordinary user can make interfaces as well.
+QStringList unshareNetwork()
+{
+    return {QStringLiteral("--unshare-user"),
+            QStringLiteral("--uid"),
+            QStringLiteral("0"),
+            QStringLiteral("--gid"),
+            QStringLiteral("0"),
+            QStringLiteral("--unshare-net"),
+            QStringLiteral("--cap-add"),
+            QStringLiteral("CAP_NET_ADMIN")};
+}
+
+// What stands behind it is run once the commands have succeeded.
+QStringList afterCommands(const QString &commands)
+{
+    return {QStringLiteral("sh"), QStringLiteral("-ec"), commands + QStringLiteral("\nexec \"$@\""),
+            QStringLiteral("sh")};
+}
+
 // All that lies in the root, on an empty file system that can be written to.
 QStringList bindFreshRoot()
 {
@@ -58,6 +78,15 @@ bool Sandbox::hasSizedFileSystems()
     return available;
 }
 
+bool Sandbox::hasNetwork(const QString &setUp)
+{
+    Sandbox sandbox;
+    sandbox.ownNetwork(setUp);
+    QStringList command = sandbox.commandLine({QStringLiteral("true")});
+    command.removeFirst();
+    return isAvailable() && succeeds(command);
+}
+
 void Sandbox::readOnly(const QString &path)
 {
     m_changes << QStringLiteral("--ro-bind") << path << path;
@@ -78,11 +107,19 @@ void Sandbox::sizedFileSystem(const QString &path, int bytes)
     m_changes << QStringLiteral("--size") << QString::number(bytes) << QStringLiteral("--tmpfs") << path;
 }
 
+void Sandbox::ownNetwork(const QString &setUp)
+{
+    m_networkSetUp = setUp;
+}
+
 QStringList Sandbox::commandLine(const QStringList &command) const
 {
-    if (m_changes.isEmpty() && !m_freshRoot)
+    const bool hasOwnNetwork = !m_networkSetUp.isNull();
+    if (m_changes.isEmpty() && !m_freshRoot && !hasOwnNetwork)
         return command;
-    const QStringList root = m_freshRoot ? bindFreshRoot() : bindRoot();
-    return QStringList {program} + root + m_changes + QStringList {QStringLiteral("--die-with-parent")}
-           + command;
+    QStringList line {program};
+    line << (m_freshRoot ? bindFreshRoot() : bindRoot()) << m_changes << QStringLiteral("--die-with-parent");
+    if (hasOwnNetwork)
+        line << unshareNetwork() << afterCommands(m_networkSetUp);
+    return line << command;
 }

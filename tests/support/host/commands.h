@@ -18,3 +18,5 @@ Commands logCommands();
 Commands httpCommands();
 Commands fileCommands();
 Commands platformCommands();
+Commands identityCommands();
+Commands netCommands();

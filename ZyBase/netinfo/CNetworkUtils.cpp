@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include "CNetworkUtils.h"
+
+#include "../http/CHttpPostRequest.h"
+#include "Services.h"
+
+#include <QEventLoop>
+#include <QHostInfo>
+#include <QJsonDocument>
+#include <QPointer>
+
+using ZyBase::CHttpPostRequest;
+
+namespace {
+
+constexpr int s_nHitsOfAPage = 5;
+
+QUrl serviceUrl(const char *pszScheme, const char *pszHost, const char *pszPathAndQuery = "")
+{
+    return QUrl(QLatin1String(pszScheme) + QLatin1String(pszHost) + QLatin1String(pszPathAndQuery));
+}
+
+// Empty where there was no answer.
+QByteArray get(const QUrl &url)
+{
+    QByteArray baReply;
+    CHttpPostRequest request;
+    request.StartGetRequestSync(url, baReply);
+    return baReply;
+}
+
+// Empty where the reply is no JSON or no object.
+QJsonObject objectIn(const QByteArray &baReply)
+{
+    return QJsonDocument::fromJson(baReply).object();
+}
+
+// One after the other: what looks like a place marker in a name is filled by the next.
+QString printableLocation(const QString &strCity, const QString &strRegion, const QString &strCountry)
+{
+    return QStringLiteral("%1, %2, %3").arg(strCity).arg(strRegion).arg(strCountry);
+}
+
+// Up to the first NUL byte.
+QString lineText(const QByteArray &baLine)
+{
+    return QString::fromUtf8(baLine.constData());
+}
+
+// An entry of the page, with the place for the value on the line behind it.
+struct Entry
+{
+    const char *pszMarker;
+    QString *pTarget;
+};
+
+// The number of values found. A later one replaces an earlier one and counts again.
+template <int nCount> int readEntries(const QByteArray &baPage, const Entry (&entries)[nCount])
+{
+    const QList<QByteArray> lines = baPage.split('\n');
+    int nHits = 0;
+    for (int i = 0; i + 1 < lines.size(); ++i) {
+        const QString strLine = lineText(lines.at(i));
+        for (const Entry &entry : entries) {
+            if (strLine.indexOf(QLatin1String(entry.pszMarker)) == -1)
+                continue;
+            *entry.pTarget = ParseTdValue(lineText(lines.at(i + 1)));
+            ++nHits;
+        }
+    }
+    return nHits;
+}
+
+} // namespace
+
+bool GetIPInfoAPI(QString &strCountry, QString &strLocation, double &dLatitude, double &dLongitude)
+{
+    QByteArray baReply;
+    CHttpPostRequest request;
+    request.StartRequestSync(serviceUrl("http://", ZyBase::Services::pszGeolocationHost, "/json"),
+                             QJsonObject(), baReply);
+    const QJsonObject answer = objectIn(baReply);
+    if (answer.value(QLatin1String("status")).toString() != QLatin1String("success"))
+        return false;
+    strCountry = answer.value(QLatin1String("country")).toString();
+    dLatitude = answer.value(QLatin1String("lat")).toDouble();
+    dLongitude = answer.value(QLatin1String("lon")).toDouble();
+    strLocation = printableLocation(answer.value(QLatin1String("city")).toString(),
+                                    answer.value(QLatin1String("regionName")).toString(), strCountry);
+    return true;
+}
+
+bool GetIPInfoMy(QString &strCountry, QString &strLocation, double &dLatitude, double &dLongitude)
+{
+    QString strCity;
+    QString strState;
+    QString strLatitude;
+    QString strLongitude;
+    // The country goes straight to the caller, by a page that lacks the others too.
+    const Entry entries[] = {{"<td>City:</td>", &strCity},
+                             {"<td>Country:</td>", &strCountry},
+                             {"<td>State:</td>", &strState},
+                             {"<td>Latitude:</td>", &strLatitude},
+                             {"<td>Longitude:</td>", &strLongitude}};
+    const QByteArray baPage = get(serviceUrl("https://", ZyBase::Services::pszGeolocationPageHost));
+    if (readEntries(baPage, entries) < s_nHitsOfAPage)
+        return false;
+    dLatitude = strLatitude.toDouble();
+    dLongitude = strLongitude.toDouble();
+    strLocation = printableLocation(strCity, strState, strCountry);
+    return true;
+}
+
+QString GetIP()
+{
+    const QJsonObject answer =
+        objectIn(get(serviceUrl("https://", ZyBase::Services::pszAddressHost, "?format=json")));
+    return answer.isEmpty() ? QStringLiteral("") : answer.value(QLatin1String("ip")).toString();
+}
+
+QString ParseTdValue(const QString &strLine)
+{
+    const int nStart = strLine.indexOf(QLatin1Char('>')) + 1;
+    if (nStart >= strLine.length())
+        return QStringLiteral("");
+    const QString strRest = strLine.mid(nStart);
+    return strRest.left(strRest.indexOf(QLatin1Char('<'))); // all of it where there is none
+}
+
+namespace ZyBase {
+
+bool CNetworkUtils::GetIPInfo(QString &strCountry, QString &strLocation, double &dLatitude,
+                              double &dLongitude)
+{
+    return GetIPInfoAPI(strCountry, strLocation, dLatitude, dLongitude)
+           || GetIPInfoMy(strCountry, strLocation, dLatitude, dLongitude);
+}
+
+bool CNetworkUtils::GetIPCountryCode(QString &strCountryCode, QString &strIp)
+{
+    const QJsonObject answer = objectIn(get(serviceUrl("https://", Services::pszCountryHost, "/all.json")));
+    if (answer.isEmpty())
+        return false;
+    strCountryCode = answer.value(QLatin1String("country_code")).toString();
+    strIp = answer.value(QLatin1String("ip")).toString();
+    return true;
+}
+
+// The loop also ends when the application quits: then the answer comes when the call is long over.
+bool CNetworkUtils::IsNetWorkOnline()
+{
+    bool bOnline = false;
+    QEventLoop loop;
+    QHostInfo::lookupHost(QString::fromLatin1(Services::pszProbeName),
+                          [&bOnline, pLoop = QPointer<QEventLoop>(&loop)](const QHostInfo &info) {
+                              if (!pLoop)
+                                  return;
+                              bOnline = info.error() == QHostInfo::NoError;
+                              pLoop->quit();
+                          });
+    loop.exec();
+    return bOnline;
+}
+
+} // namespace ZyBase

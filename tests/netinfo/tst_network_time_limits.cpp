@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include <ZyBase/netinfo/CNetworkUtils.h>
+#include <ZyBase/netinfo/Services.h>
+
+#include "Location.h"
+#include "Resolver.h"
+#include "World.h"
+
+#include <QElapsedTimer>
+#include <QTest>
+
+#include <thread>
+
+using LocalServices::Connection;
+using ZyBase::CNetworkUtils;
+
+namespace {
+
+// Runs the call in a thread of its own and notes how long it takes.
+class Call
+{
+public:
+    explicit Call(const std::function<void()> &function)
+        : m_thread([this, function] {
+            QElapsedTimer timer;
+            timer.start();
+            function();
+            m_elapsed = timer.elapsed();
+        })
+    {
+    }
+    qint64 join()
+    {
+        m_thread.join();
+        return m_elapsed;
+    }
+
+private:
+    qint64 m_elapsed = 0;
+    std::thread m_thread;
+};
+
+// Qt's timers may be a twentieth early.
+bool isAbout(qint64 milliseconds, qint64 expected)
+{
+    return milliseconds >= expected - expected / 20 && milliseconds < expected + 5000;
+}
+
+} // namespace
+
+// Services that never answer, all at the same time.
+class TestNetworkTimeLimits : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void requestsEndAfterTenSecondsEachAndALookupWhenItIsAnswered()
+    {
+        const auto never = [](Connection &client) { client.waitForClose(); };
+        World world;
+        for (const char *host :
+             {ZyBase::Services::pszGeolocationHost, ZyBase::Services::pszGeolocationPageHost,
+              ZyBase::Services::pszAddressHost, ZyBase::Services::pszCountryHost})
+            world.answer(host, never);
+        Resolver::hold();
+
+        Location fromBoth;
+        Location fromApi;
+        Location fromPage;
+        bool isFound[] = {true, true, true, true};
+        QString address;
+        QString code = QStringLiteral("before");
+        QString codeAddress = QStringLiteral("also before");
+        bool isOnline = false;
+        Call both([&] { isFound[0] = fromBoth.fill(CNetworkUtils::GetIPInfo); });
+        Call api([&] { isFound[1] = fromApi.fill(GetIPInfoAPI); });
+        Call page([&] { isFound[2] = fromPage.fill(GetIPInfoMy); });
+        Call ip([&] { address = GetIP(); });
+        Call country([&] { isFound[3] = CNetworkUtils::GetIPCountryCode(code, codeAddress); });
+        Call lookup([&] { isOnline = CNetworkUtils::IsNetWorkOnline(); });
+
+        const qint64 ofOne[] = {api.join(), page.join(), ip.join(), country.join()};
+        const qint64 ofBoth = both.join();
+        Resolver::release();
+        const qint64 ofLookup = lookup.join();
+
+        for (const qint64 elapsed : ofOne)
+            QVERIFY2(isAbout(elapsed, 10000), qPrintable(QString::number(elapsed)));
+        QVERIFY2(isAbout(ofBoth, 20000), qPrintable(QString::number(ofBoth)));
+        QVERIFY2(isAbout(ofLookup, ofBoth), qPrintable(QString::number(ofLookup)));
+        for (const bool found : isFound)
+            QVERIFY(!found);
+        QCOMPARE(fromBoth, Location());
+        QCOMPARE(fromApi, Location());
+        QCOMPARE(fromPage, Location());
+        QVERIFY(address.isEmpty() && !address.isNull());
+        QCOMPARE(code, QStringLiteral("before"));
+        QCOMPARE(codeAddress, QStringLiteral("also before"));
+        QVERIFY(isOnline);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestNetworkTimeLimits)
+
+#include "tst_network_time_limits.moc"

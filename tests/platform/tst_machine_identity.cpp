@@ -1,0 +1,321 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include <ZyBase/platform/CSystemUtils.h>
+
+#include "FakeClock.h"
+#include "Files.h"
+#include "HostProcess.h"
+#include "TemporaryHome.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QJsonObject>
+#include <QSet>
+#include <QTest>
+
+using ZyBase::CSystemUtils;
+
+namespace {
+
+const QByteArray identifier = "0123456789abcdef0123456789abcdef";
+const QByteArray otherIdentifier = "fedcba9876543210fedcba9876543210";
+const QString loopbackOnly = QStringLiteral("true");
+const QString addCard = QStringLiteral("ip link add card type bridge\n"
+                                       "ip link set card address 02:00:00:00:00:0a up\n");
+const QString cardAddress = QStringLiteral("02:00:00:00:00:0A");
+
+QString digest(const QByteArray &text)
+{
+    return QString::fromLatin1(QCryptographicHash::hash(text, QCryptographicHash::Md5).toHex());
+}
+
+QStringList toStrings(const QJsonValue &array)
+{
+    QStringList texts;
+    const QJsonArray values = array.toArray();
+    for (const QJsonValue &value : values)
+        texts << value.toString();
+    return texts;
+}
+
+} // namespace
+
+// What the identifier is made from, on machines whose files and network are the test's.
+class TestMachineIdentity : public QObject
+{
+    Q_OBJECT
+
+private:
+    // The two places where a machine's identifier is kept; null for no file there.
+    void keep(const QByteArray &inEtc, const QByteArray &inDbus)
+    {
+        if (!inEtc.isNull())
+            QVERIFY(writeFile(m_etc->filePath(QStringLiteral("machine-id")), inEtc));
+        if (!inDbus.isNull()) {
+            const QDir lib(m_lib->path());
+            QVERIFY(lib.mkpath(QStringLiteral("dbus")));
+            QVERIFY(writeFile(lib.filePath(QStringLiteral("dbus/machine-id")), inDbus));
+        }
+    }
+    Sandbox machine(const QString &network = QString()) const
+    {
+        Sandbox sandbox;
+        sandbox.replace(QStringLiteral("/etc"), m_etc->path());
+        sandbox.replace(QStringLiteral("/var/lib"), m_lib->path());
+        if (!network.isNull())
+            sandbox.ownNetwork(network);
+        return sandbox;
+    }
+    void start(const Sandbox &sandbox)
+    {
+        m_host->setEnvironment(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
+        QVERIFY(m_host->start(sandbox));
+    }
+    QJsonObject sources() { return m_host->call(QStringLiteral("identity.sources")).toObject(); }
+    QString pcid(const QString &name = QStringLiteral("reader"))
+    {
+        return toStrings(m_host->call(QStringLiteral("identity.pcid"), {QString(), name})).value(0);
+    }
+    bool isNewUser()
+    {
+        return m_host->call(QStringLiteral("identity.isNewUser"), {QString(), QStringLiteral("reader")})
+            .toBool();
+    }
+    QString deviceFile() const { return m_home->filePath(QStringLiteral(".config/reader/device.conf")); }
+
+    std::unique_ptr<QTemporaryDir> m_etc;
+    std::unique_ptr<QTemporaryDir> m_lib;
+    std::unique_ptr<TemporaryHome> m_home;
+    std::unique_ptr<HostProcess> m_host;
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        if (!Sandbox::isAvailable())
+            QSKIP("bubblewrap is not installed or not allowed here");
+    }
+    void init()
+    {
+        m_etc = std::make_unique<QTemporaryDir>();
+        m_lib = std::make_unique<QTemporaryDir>();
+        m_home = std::make_unique<TemporaryHome>();
+        m_host = std::make_unique<HostProcess>();
+    }
+    void cleanup()
+    {
+        if (m_host)
+            QCOMPARE(m_host->standardError(), QString());
+        m_host.reset();
+        m_home.reset();
+    }
+
+    // Qt looks into the place of D-Bus alone, at no more than 32 bytes of it and without trimming; the
+    // file in /etc is the library's own second look.
+    void identifierIsThatOfQtElseTheFileInEtc_data()
+    {
+        QTest::addColumn<QByteArray>("etc");
+        QTest::addColumn<QByteArray>("dbus");
+        QTest::addColumn<QString>("system");
+        QTest::addColumn<QByteArray>("hashed");
+        const QByteArray none;
+        const QByteArray line = identifier + '\n';
+        const QByteArray otherLine = otherIdentifier + '\n';
+        QTest::newRow("both the same") << line << line << QString::fromLatin1(identifier) << identifier;
+        QTest::newRow("file in /etc only") << line << none << QString::fromLatin1(identifier) << identifier;
+        QTest::newRow("file of D-Bus only") << none << line << QString::fromLatin1(identifier) << identifier;
+        QTest::newRow("they differ") << line << otherLine << QString::fromLatin1(otherIdentifier)
+                                     << otherIdentifier;
+        QTest::newRow("white space around in /etc")
+            << " \t\r\n" + identifier + "\n\n " << none << QString::fromLatin1(identifier) << identifier;
+        QTest::newRow("short word in /etc") << QByteArray("abc\n") << none << "abc" << QByteArray("abc");
+        QTest::newRow("no line end in /etc") << QByteArray("abc") << none << "abc" << QByteArray("abc");
+        QTest::newRow("two lines in /etc") << QByteArray("a\r\nb\n") << none << "a\nb" << QByteArray("a\nb");
+        QTest::newRow("letters in /etc")
+            << QByteArray("Größe 文件\n") << none << "Größe 文件" << QByteArray("Größe 文件");
+        QTest::newRow("NUL byte in /etc")
+            << QByteArray("a\0b\n", 4) << none << QStringLiteral("a\0b") << QByteArray("a\0b", 3);
+        QTest::newRow("long in /etc")
+            << QByteArray(5000, 'x') << none << QString(5000, QLatin1Char('x')) << QByteArray(5000, 'x');
+        QTest::newRow("long of D-Bus")
+            << line << otherIdentifier + "0123" << QString::fromLatin1(otherIdentifier) << otherIdentifier;
+        QTest::newRow("white space around of D-Bus") << line << QByteArray(" ab \n") << " ab \n"
+                                                     << QByteArray("ab");
+        QTest::newRow("letters of D-Bus") << line << QByteArray("Größe") << "Größe" << QByteArray("Größe");
+        QTest::newRow("NUL byte of D-Bus") << line << QByteArray("ab\0cd", 5) << "ab" << QByteArray("ab");
+        QTest::newRow("NUL byte first of D-Bus")
+            << line << QByteArray("\0ab", 3) << QString::fromLatin1(identifier) << identifier;
+        QTest::newRow("empty of D-Bus")
+            << line << QByteArray("") << QString::fromLatin1(identifier) << identifier;
+    }
+    void identifierIsThatOfQtElseTheFileInEtc()
+    {
+        QFETCH(QByteArray, etc);
+        QFETCH(QByteArray, dbus);
+        QFETCH(QByteArray, hashed);
+        keep(etc, dbus);
+        start(machine());
+        QTEST(sources().value(QStringLiteral("system")).toString(), "system");
+        QCOMPARE(pcid(), digest(hashed));
+        QCOMPARE(readFile(deviceFile()), "[General]\nPCID=" + digest(hashed).toLatin1() + '\n');
+    }
+
+    void fileInEtcIsGivenTrimmed_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("a line") << identifier + '\n' << QString::fromLatin1(identifier);
+        QTest::newRow("white space around") << QByteArray("\n\t a b \r\n") << "a b";
+        QTest::newRow("white space only") << QByteArray(" \n") << "";
+        QTest::newRow("empty") << QByteArray("") << "";
+        QTest::newRow("line ends of Windows inside") << QByteArray("a\r\nb") << "a\nb";
+        QTest::newRow("UTF-16") << QByteArray("\xff\xfe\x87\x65\n\0", 6) << "文";
+    }
+    void fileInEtcIsGivenTrimmed()
+    {
+        QFETCH(QByteArray, content);
+        keep(content, otherIdentifier);
+        start(machine());
+        QTEST(sources().value(QStringLiteral("file")).toString(), "expected");
+    }
+
+    void fileInEtcThatCannotBeOpenedIsNull()
+    {
+        start(machine());
+        QVERIFY(sources().value(QStringLiteral("file")).isNull());
+        QCOMPARE(sources().value(QStringLiteral("system")).toString(), QString());
+        QVERIFY(QDir(m_etc->path()).mkdir(QStringLiteral("machine-id")));
+        QVERIFY(sources().value(QStringLiteral("file")).isNull());
+    }
+
+    void identifierIsTheSameForAllHostsAndAfterTheFileIsGone()
+    {
+        keep(identifier, QByteArray());
+        start(machine());
+        QCOMPARE(pcid(), digest(identifier));
+        QCOMPARE(pcid(QStringLiteral("writer")), digest(identifier));
+        QVERIFY(QFile::remove(deviceFile()));
+        QCOMPARE(pcid(), digest(identifier));
+    }
+
+    void storedIdentifierOutlivesAChangeOfTheMachine()
+    {
+        keep(identifier, QByteArray());
+        start(machine());
+        QCOMPARE(pcid(), digest(identifier));
+        keep(otherIdentifier, QByteArray());
+        QCOMPARE(pcid(), digest(identifier));
+        QVERIFY(QFile::remove(deviceFile()));
+        QCOMPARE(pcid(), digest(otherIdentifier));
+    }
+
+    void homeThatCannotBeWrittenCostsOnlyTheMemory()
+    {
+        keep(identifier, QByteArray());
+        Sandbox sandbox = machine();
+        sandbox.readOnly(m_home->path());
+        start(sandbox);
+        for (int i = 0; i < 2; ++i) {
+            QCOMPARE(pcid(), digest(identifier));
+            QVERIFY(isNewUser());
+        }
+        QVERIFY(!QFile::exists(deviceFile()));
+    }
+
+    void addressOfTheNetworkIsTheSecondSource_data()
+    {
+        QTest::addColumn<QByteArray>("dbus");
+        QTest::newRow("no identifier") << QByteArray();
+        QTest::newRow("an empty one") << QByteArray("");
+        QTest::newRow("white space") << QByteArray(" \n");
+    }
+    void addressOfTheNetworkIsTheSecondSource()
+    {
+        QFETCH(QByteArray, dbus);
+        if (!Sandbox::hasNetwork(addCard))
+            QSKIP("network interfaces can't be made here");
+        keep(QByteArray(" \n"), dbus);
+        start(machine(addCard));
+        QCOMPARE(sources().value(QStringLiteral("address")).toString(), cardAddress);
+        QCOMPARE(pcid(), digest(cardAddress.toLatin1()));
+        QVERIFY(QFile::remove(deviceFile()));
+        QCOMPARE(pcid(), digest(cardAddress.toLatin1()));
+    }
+
+    void addressIsThatOfTheFirstInterfaceThatQualifies_data()
+    {
+        QTest::addColumn<QString>("network");
+        QTest::addColumn<QString>("expected");
+        const QString laterCard = QStringLiteral("ip link add later type bridge\n"
+                                                 "ip link set later address 02:00:00:00:00:01 up\n");
+        QTest::newRow("loopback only") << loopbackOnly << QString();
+        QTest::newRow("two") << addCard + laterCard << cardAddress;
+        QTest::newRow("two, the other way round") << laterCard + addCard << "02:00:00:00:00:01";
+        QTest::newRow("the first is down")
+            << addCard + laterCard + QStringLiteral("ip link set card down") << "02:00:00:00:00:01";
+        QTest::newRow("all are down") << addCard + QStringLiteral("ip link set card down") << QString();
+        QTest::newRow("tunnel from point to point")
+            << QStringLiteral("ip tuntap add dev tunnel mode tun\nip link set tunnel up\n") << QString();
+        QTest::newRow("card behind a tunnel from point to point")
+            << QStringLiteral("ip tuntap add dev tunnel mode tun\nip link set tunnel up\n") + addCard
+            << cardAddress;
+        QTest::newRow("card behind a tunnel without an address")
+            << QStringLiteral("ip link add tunnel type xfrm dev lo if_id 1\nip link set tunnel up\n")
+                   + addCard
+            << cardAddress;
+    }
+    void addressIsThatOfTheFirstInterfaceThatQualifies()
+    {
+        QFETCH(QString, network);
+        QFETCH(QString, expected);
+        if (!Sandbox::hasNetwork(network))
+            QSKIP("such network interfaces can't be made here");
+        start(machine(network));
+        const QJsonValue address = sources().value(QStringLiteral("address"));
+        QCOMPARE(address.toString(), expected);
+        QCOMPARE(address.isNull(), expected.isNull());
+    }
+
+    void machineWithoutAnySourceHasAMomentAndANumber()
+    {
+        if (!Sandbox::hasNetwork(loopbackOnly))
+            QSKIP("a network of its own is not allowed here");
+        if (!FakeClock::isAvailable())
+            QSKIP("faketime is not installed");
+        // Local time, two hours before noon in UTC.
+        m_host->setEnvironment(QStringLiteral("TZ"), QStringLiteral("ABC-5"));
+        const FakeClock clock(QDateTime({2024, 2, 3}, {4, 5, 6}, Qt::UTC));
+        clock.install(m_host.get());
+        QSet<QString> possible;
+        for (int number = 1; number <= 999; ++number)
+            possible << digest("2024-02-03 09:05:06.000" + QByteArray::number(number));
+
+        Sandbox sandbox = machine(loopbackOnly);
+        sandbox.readOnly(m_home->path());
+        start(sandbox);
+        const QStringList made = toStrings(
+            m_host->call(QStringLiteral("identity.pcid"), {QString(), QStringLiteral("reader"), 5000}));
+        m_host->quit(); // before the clock goes, which clears up behind it
+        QCOMPARE(made.size(), 5000);
+        for (const QString &one : made)
+            QVERIFY2(possible.contains(one), qPrintable(one));
+        // Nearly all of the numbers were drawn.
+        QVERIFY(QSet<QString>(made.begin(), made.end()).size() > 900);
+    }
+
+    void momentIsStableThroughTheFileOnly()
+    {
+        if (!Sandbox::hasNetwork(loopbackOnly))
+            QSKIP("a network of its own is not allowed here");
+        start(machine(loopbackOnly));
+        const QString first = pcid();
+        QCOMPARE(first.size(), 32);
+        QCOMPARE(pcid(), first);
+        QVERIFY(pcid(QStringLiteral("writer")) != first);
+        QVERIFY(QFile::remove(deviceFile()));
+        QVERIFY(pcid() != first);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestMachineIdentity)
+
+#include "tst_machine_identity.moc"
