@@ -61,6 +61,18 @@ bool Connection::accept()
     return !m_tls || SSL_accept(m_tls.get()) == 1;
 }
 
+bool Connection::acceptTls(ssl_ctx_st *tls)
+{
+    m_tls.reset(SSL_new(tls));
+    SSL_set_fd(m_tls.get(), m_socket);
+    return accept();
+}
+
+bool Connection::hasPending() const
+{
+    return m_tls && SSL_pending(m_tls.get()) > 0;
+}
+
 qint64 Connection::read(char *data, qint64 size)
 {
     if (m_tls)

@@ -25,6 +25,9 @@ public:
     /** The TLS handshake; true at once on a plain connection. */
     bool accept();
 
+    /** Goes on under TLS: the handshake of a plain connection that isn't to stay one. */
+    bool acceptTls(ssl_ctx_st *tls);
+
     /** @return the number of bytes read, at most @p size; 0 at the end, -1 for a failure */
     qint64 read(char *data, qint64 size);
 
@@ -40,6 +43,9 @@ public:
 
     /** Answers nothing until the client goes away. */
     void waitForClose();
+
+    /** True when read() gives bytes that have already come, which the socket doesn't show. */
+    bool hasPending() const;
 
     /** Closes our direction only. */
     void closeSending();

@@ -1,0 +1,176 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include <localservices/HttpServer.h>
+#include <localservices/Proxy.h>
+
+#include <QNetworkAccessManager>
+#include <QNetworkProxy>
+#include <QNetworkReply>
+#include <QSslConfiguration>
+#include <QSslError>
+#include <QTest>
+
+using LocalServices::Authority;
+using LocalServices::HttpServer;
+using LocalServices::Proxy;
+
+namespace {
+
+const QString fixedHost = QStringLiteral("service.example.org");
+
+QUrl fixedUrl(const QString &scheme, const QString &path)
+{
+    return QUrl(QStringLiteral("%1://%2%3").arg(scheme, fixedHost, path));
+}
+
+} // namespace
+
+// The proxy is how code with a fixed host meets the stand-ins.
+class TestLocalProxy : public QObject
+{
+    Q_OBJECT
+
+private:
+    using Reply = std::unique_ptr<QNetworkReply>;
+
+    Reply send(const QUrl &url, const QByteArray &body = QByteArray(), quint16 port = 0)
+    {
+        m_manager = std::make_unique<QNetworkAccessManager>();
+        m_manager->setProxy(QNetworkProxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"),
+                                          port ? port : m_proxy.port()));
+        QNetworkRequest request(url);
+        QSslConfiguration configuration = request.sslConfiguration();
+        configuration.setCaCertificates(QSslCertificate::fromData(m_authority.certificate()));
+        request.setSslConfiguration(configuration);
+        request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("text/plain"));
+        return Reply(m_manager->post(request, body));
+    }
+
+    static bool waitFor(const Reply &reply)
+    {
+        return QTest::qWaitFor([&] { return reply->isFinished(); }, 20000);
+    }
+
+    Authority m_authority;
+    HttpServer m_server;
+    Proxy m_proxy {m_authority};
+    std::unique_ptr<QNetworkAccessManager> m_manager;
+
+private Q_SLOTS:
+    void init() { m_proxy.lead(fixedHost, m_server.url(QStringLiteral("/"))); }
+
+    void nameIsLedToTheStandIn_data()
+    {
+        QTest::addColumn<QString>("scheme");
+        QTest::addColumn<QString>("line");
+        QTest::newRow("absolute form")
+            << QStringLiteral("http") << QStringLiteral("POST http://%1/echo/x?a=%20b HTTP/1.1");
+        QTest::newRow("CONNECT") << QStringLiteral("https") << QStringLiteral("CONNECT %1:443 HTTP/1.1");
+    }
+    void nameIsLedToTheStandIn()
+    {
+        QFETCH(QString, scheme);
+        QFETCH(QString, line);
+        const Reply reply = send(fixedUrl(scheme, QStringLiteral("/echo/x?a=%20b")), "body");
+        QVERIFY(waitFor(reply));
+        QCOMPARE(reply->readAll(), QByteArray("body"));
+        const HttpServer::Request request = m_server.requests().last();
+        QCOMPARE(request.target, QByteArray("/echo/x?a=%20b"));
+        QCOMPARE(request.header("Host"), fixedHost.toLatin1());
+        QVERIFY(request.header("Proxy-Connection").isNull());
+        QCOMPARE(m_proxy.requestLines().last(), line.replace(QLatin1String("%1"), fixedHost));
+    }
+
+    void largeAnswerComesWhole_data()
+    {
+        QTest::addColumn<QString>("scheme");
+        QTest::newRow("absolute form") << QStringLiteral("http");
+        QTest::newRow("CONNECT") << QStringLiteral("https");
+    }
+    void largeAnswerComesWhole()
+    {
+        QFETCH(QString, scheme);
+        const Reply reply =
+            send(fixedUrl(scheme, QStringLiteral("/bytes/5000000")), QByteArray(1000000, 'x'));
+        QVERIFY(waitFor(reply));
+        QCOMPARE(reply->readAll(), HttpServer::content(5000000));
+        QCOMPARE(m_server.requests().last().body.size(), 1000000);
+    }
+
+    void certificateIsForTheAskedName()
+    {
+        const Reply reply = send(fixedUrl(QStringLiteral("https"), QStringLiteral("/echo")));
+        QVERIFY(waitFor(reply));
+        QCOMPARE(reply->error(), QNetworkReply::NoError);
+        QCOMPARE(reply->sslConfiguration().peerCertificate().subjectInfo(QSslCertificate::CommonName),
+                 QStringList {fixedHost});
+    }
+
+    void certificateMayBeForAnother()
+    {
+        Proxy other([this](const QString &) { return m_authority.issue(QStringLiteral("other.example")); });
+        other.leadAll(m_server.url(QStringLiteral("/")));
+        const Reply reply =
+            send(fixedUrl(QStringLiteral("https"), QStringLiteral("/echo")), {}, other.port());
+        QVERIFY(waitFor(reply));
+        QCOMPARE(reply->error(), QNetworkReply::SslHandshakeFailedError);
+    }
+
+    void namesAreToldApart()
+    {
+        const HttpServer second;
+        m_proxy.lead(QStringLiteral("Second.example.org"), second.url(QStringLiteral("/")));
+        QVERIFY(waitFor(send(QUrl(QStringLiteral("https://second.example.org/echo")))));
+        QCOMPARE(second.requests().size(), 1);
+        const HttpServer third;
+        m_proxy.leadAll(third.url(QStringLiteral("/")));
+        QVERIFY(waitFor(send(QUrl(QStringLiteral("http://third.example.org/echo")))));
+        QCOMPARE(third.requests().size(), 1);
+        QCOMPARE(second.requests().size(), 1);
+    }
+
+    void nameThatLeadsNowhereIsRefused()
+    {
+        const Proxy proxy(m_authority);
+        const Reply reply = send(fixedUrl(QStringLiteral("http"), QStringLiteral("/echo")), {}, proxy.port());
+        QVERIFY(waitFor(reply));
+        QCOMPARE(reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(), 502);
+    }
+
+    void loopbackIsLedToItself()
+    {
+        const HttpServer secure(m_authority.issue(QStringLiteral("127.0.0.1")));
+        QVERIFY(waitFor(send(secure.url(QStringLiteral("/echo")))));
+        QCOMPARE(secure.requests().size(), 1);
+        const HttpServer plain;
+        QVERIFY(waitFor(send(plain.url(QStringLiteral("/echo")))));
+        QCOMPARE(plain.requests().size(), 1);
+    }
+
+    void clientThatGoesAwayEndsTheConnectionToTheStandIn_data() { largeAnswerComesWhole_data(); }
+    void clientThatGoesAwayEndsTheConnectionToTheStandIn()
+    {
+        QFETCH(QString, scheme);
+        Reply reply = send(fixedUrl(scheme, QStringLiteral("/never")));
+        QTRY_COMPARE(m_server.openConnections(), 1);
+        reply->abort();
+        QTRY_COMPARE(m_server.openConnections(), 0);
+        QTRY_COMPARE(m_proxy.openConnections(), 0);
+    }
+
+    void hangingRequestsDoNotHoldTheProxyUp()
+    {
+        auto proxy = std::make_unique<Proxy>(m_authority);
+        proxy->leadAll(m_server.url(QStringLiteral("/")));
+        const Reply reply =
+            send(fixedUrl(QStringLiteral("https"), QStringLiteral("/never")), {}, proxy->port());
+        QTRY_COMPARE(m_server.openConnections(), 1);
+        proxy.reset();
+        QVERIFY(waitFor(reply));
+        QTRY_COMPARE(m_server.openConnections(), 0);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestLocalProxy)
+
+#include "tst_local_proxy.moc"
