@@ -8,6 +8,7 @@
 
 #pragma once
 
+#include "analytics/CGoogleAnalytics.h"
 #include "base/LoggerObject.h"
 #include "files/CFileUtils.h"
 #include "files/CJsonReader.h"
