@@ -8,7 +8,9 @@
 
 #pragma once
 
+#include "analytics/CGaReport.h"
 #include "analytics/CGoogleAnalytics.h"
+#include "analytics/CXdReport.h"
 #include "base/LoggerObject.h"
 #include "files/CFileUtils.h"
 #include "files/CJsonReader.h"

@@ -36,7 +36,8 @@
  * the measurement identifier swallows the API secret. Real identifiers have none of these.
  *
  * Certificates are checked as Qt's default SSL configuration says, and the application proxy is used.
- * Nothing is tried twice, nothing is kept for later and no message is written: a lost event is lost.
+ * Nothing is kept for later and no message is written: a lost event is lost. Nothing is tried twice, but
+ * Qt itself may send a request again whose connection was closed before any answer came.
  *
  * **Threads.** A background request runs in a thread of its own, which nothing waits for; its outcome
  * signal is emitted there. A receiver in another thread gets it queued, in need of a running event loop.

@@ -2,6 +2,7 @@
 
 #include "Collectors.h"
 
+#include <QMetaMethod>
 #include <QTcpServer>
 
 using LocalServices::Authority;
@@ -93,4 +94,15 @@ bool WatchedEvent::stopAll()
             return false;
         },
         30000);
+}
+
+QStringList ownMethods(const QMetaObject &meta)
+{
+    QStringList signatures;
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
+        const QMetaMethod method = meta.method(i);
+        const char *const kind = method.methodType() == QMetaMethod::Signal ? "signal " : "slot ";
+        signatures << QString::fromLatin1(kind + method.methodSignature());
+    }
+    return signatures;
 }

@@ -9,8 +9,10 @@
 #include <localservices/Proxy.h>
 #include <localservices/RawServer.h>
 
+#include <QChildEvent>
 #include <QNetworkProxy>
 #include <QSslConfiguration>
+#include <QThread>
 
 /**
  * While it lives, every host name leads this process to the local collector for events, and its
@@ -109,3 +111,63 @@ private:
     QList<Outcome> m_outcomes;
     int m_started = 0;
 };
+
+/** A reporter that sees its requests come and go as its children. */
+template <class Reporter> class WatchedReporter : public Reporter
+{
+public:
+    /** Stops what still runs and waits for it: it must not outlive its reporter. */
+    ~WatchedReporter() override
+    {
+        if (!waitForAll([this] { this->StopReport(); }))
+            qWarning("A request is left behind");
+    }
+
+    /** Waits until no request is left, and calls @p meanwhile again and again. */
+    template <class Call> bool waitForAll(Call meanwhile)
+    {
+        return QTest::qWaitFor(
+            [&] {
+                meanwhile();
+                return running() == 0;
+            },
+            20000);
+    }
+    bool waitForAll()
+    {
+        return waitForAll([] {});
+    }
+
+    int running() const { return this->children().size(); }
+    int started() const { return m_started; }
+
+    /** Whether all of the requests that are gone went in the thread of the reporter. */
+    bool areRemovedInItsThread() const { return m_areRemovedInItsThread; }
+
+protected:
+    void childEvent(QChildEvent *event) override
+    {
+        if (event->added())
+            ++m_started;
+        if (event->removed())
+            m_areRemovedInItsThread = m_areRemovedInItsThread && QThread::currentThread() == this->thread();
+    }
+
+private:
+    int m_started = 0;
+    bool m_areRemovedInItsThread = true;
+};
+
+/** The own fields of an object, as they lie in it behind those of QObject. */
+template <class Object> const QString *textFieldsOf(const Object &object)
+{
+    return reinterpret_cast<const QString *>(reinterpret_cast<const char *>(&object) + sizeof(QObject));
+}
+
+inline bool isEmptyNotNull(const QString &text)
+{
+    return text.isEmpty() && !text.isNull();
+}
+
+/** The signatures of the signals and slots that a class adds, in their order. */
+QStringList ownMethods(const QMetaObject &meta);
