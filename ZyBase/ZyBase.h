@@ -9,6 +9,7 @@
 #pragma once
 
 #include "analytics/CGaReport.h"
+#include "analytics/CGaReportManager.h"
 #include "analytics/CGoogleAnalytics.h"
 #include "analytics/CXdReport.h"
 #include "base/LoggerObject.h"

@@ -12,6 +12,8 @@ CGaReport::CGaReport(QObject *parent)
 {
 }
 
+CGaReport::~CGaReport() = default;
+
 void CGaReport::InitData(const QString &clientId, const QString &measurementId, const QString &apiSecret)
 {
     m_strClientId = clientId;

@@ -27,6 +27,7 @@ class ZYBASE_EXPORT CGaReport : public QObject
 public:
     /** Makes a reporter whose three identifiers are empty. */
     explicit CGaReport(QObject *parent = nullptr);
+    ~CGaReport() override;
 
     /**
      * Sets who reports, for the requests that start from now on. Nothing is checked.

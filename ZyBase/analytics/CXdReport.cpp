@@ -16,6 +16,23 @@ using ZyBase::CSystemUtils;
 
 namespace {
 
+// The words that backends know, for the two arguments of a record. They are built in this order when
+// the library is loaded, which is all that happens then, and it is for the host to use them.
+[[maybe_unused]] const QString strActionInstall = QStringLiteral("install");
+[[maybe_unused]] const QString strActionUninstall = QStringLiteral("uninstall");
+[[maybe_unused]] const QString strActionUninstallOpt = QStringLiteral("uninstall_opt");
+[[maybe_unused]] const QString strActionUpdate = QStringLiteral("update");
+[[maybe_unused]] const QString strActionFeedback = QStringLiteral("feedback");
+[[maybe_unused]] const QString strActionMfShow = QStringLiteral("mf_show");
+[[maybe_unused]] const QString strActionPaymentCompleted = QStringLiteral("payment_completed");
+[[maybe_unused]] const QString strActionCrash = QStringLiteral("crash");
+[[maybe_unused]] const QString strActionServerRun = QStringLiteral("server_run");
+[[maybe_unused]] const QString strStatusStart = QStringLiteral("start");
+[[maybe_unused]] const QString strStatusEnd = QStringLiteral("end");
+[[maybe_unused]] const QString strStatusCancel = QStringLiteral("cancel");
+[[maybe_unused]] const QString strStatusFail = QStringLiteral("fail");
+[[maybe_unused]] const QString strStatusNone = QStringLiteral("none");
+
 QString sign(const QString &strTimestamp, const QString &strJson)
 {
     const QLatin1String strSecret(szSigningSecret);
@@ -34,6 +51,8 @@ CXdReport::CXdReport(QObject *parent)
     , m_strQd(QStringLiteral("home"))
 {
 }
+
+CXdReport::~CXdReport() = default;
 
 void CXdReport::InitData(const QString &reportUrl, const QString &deviceId, const QString &product,
                          const QString &version, const QString &qd)

@@ -49,6 +49,7 @@ class ZYBASE_EXPORT CXdReport : public QObject
 public:
     /** Makes a reporter without an address, whose records carry the "qd" "home" and else empty texts. */
     explicit CXdReport(QObject *parent = nullptr);
+    ~CXdReport() override;
 
     /**
      * Sets where records go and what they say of the installation, for those that start from now on.

@@ -191,9 +191,10 @@ private Q_SLOTS:
         report(reporter, false);
         QTRY_COMPARE(server.requests().size(), 1);
         int stops = 0;
+        const QObject listener;
         auto *const request = qobject_cast<CGoogleAnalytics *>(reporter.children().value(0));
         QVERIFY(request != nullptr);
-        connect(request, &CGoogleAnalytics::SignalStopRequest, this, [&] { ++stops; });
+        connect(request, &CGoogleAnalytics::SignalStopRequest, &listener, [&] { ++stops; });
         reporter.StopReport();
         QCOMPARE(stops, 0);
         QCoreApplication::sendPostedEvents(request);

@@ -361,9 +361,10 @@ private Q_SLOTS:
         Reporter reporter;
         start(reporter, server.url());
         int stops = 0;
+        const QObject listener;
         auto *const request = qobject_cast<CHttpPostRequest *>(reporter.children().value(0));
         QVERIFY(request != nullptr);
-        connect(request, &CHttpPostRequest::SignalStopRequest, this, [&] { ++stops; });
+        connect(request, &CHttpPostRequest::SignalStopRequest, &listener, [&] { ++stops; });
         reporter.StopReport();
         QCOMPARE(stops, 1);
     }
