@@ -307,10 +307,10 @@ void answerBytes(const httplib::Request &request, httplib::Response &response, C
     response.set_content_provider(
         total, plainBytes, [rate, &connection](size_t offset, size_t length, httplib::DataSink &sink) {
             constexpr size_t piecesPerSecond = 20;
-            const size_t size = rate ? qMax(rate / piecesPerSecond, size_t(1)) : length;
+            const size_t size = rate ? qBound(size_t(1), rate / piecesPerSecond, size_t(pieceSize)) : length;
             const std::string data = piece(qint64(offset), qint64(qMin(size, length)));
             return sink.write(data.data(), data.size())
-                   && (!rate || connection.sleep(1000 / int(piecesPerSecond)));
+                   && (!rate || connection.sleep(int(data.size() * 1000 / rate)));
         });
 }
 
@@ -346,6 +346,12 @@ QList<HttpServer::Request> HttpServer::requests() const
 {
     const std::lock_guard<std::mutex> lock(d->mutex);
     return d->requests;
+}
+
+void HttpServer::forgetRequests()
+{
+    const std::lock_guard<std::mutex> lock(d->mutex);
+    d->requests.clear();
 }
 
 int HttpServer::openConnections() const

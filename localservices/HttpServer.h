@@ -65,6 +65,9 @@ public:
     /** The requests so far, in the order in which their answers began. Any thread. */
     QList<Request> requests() const;
 
+    /** Empties the record. Any thread. */
+    void forgetRequests();
+
     /** How many connections are open. Any thread. */
     int openConnections() const;
 

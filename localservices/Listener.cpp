@@ -100,7 +100,8 @@ void Listener::startWorker(int socket)
         }
         m_connections.insert(socket);
     }
-    Worker &worker = m_workers.emplace_back();
+    m_workers.emplace_back();
+    Worker &worker = m_workers.back();
     worker.thread = std::thread([this, socket, &worker] {
         serveConnection(socket);
         worker.isDone = true;

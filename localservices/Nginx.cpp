@@ -17,7 +17,7 @@ constexpr int patienceMs = 20000;
 // Not every user has the folders of servers in the search path.
 QString program()
 {
-    const QString found = QStandardPaths::findExecutable(QStringLiteral("nginx"));
+    QString found = QStandardPaths::findExecutable(QStringLiteral("nginx"));
     if (!found.isEmpty())
         return found;
     return QStandardPaths::findExecutable(QStringLiteral("nginx"),

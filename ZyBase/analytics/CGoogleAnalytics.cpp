@@ -48,21 +48,22 @@ QByteArray createBody(const QString &strClientId, const QString &strName, const 
 class Exchange
 {
 public:
-    void post(const QNetworkRequest &request, const QByteArray &baBody)
+    Exchange(const QNetworkRequest &request, const QByteArray &baBody)
+        : m_pReply(m_manager.post(request, baBody))
     {
-        m_pReply = m_manager.post(request, baBody);
     }
 
-    // Returns when the reply has finished, has failed or was aborted, by the timer or by pStopper.
-    void wait(const CGoogleAnalytics *pStopper = nullptr)
+    // Both return when the reply has finished, has failed or was aborted, by the timer or by the stopper.
+    void wait()
     {
-        QObject::connect(&m_timer, SIGNAL(timeout()), m_pReply, SLOT(abort()));
-        if (pStopper)
-            QObject::connect(pStopper, SIGNAL(SignalStopRequest()), m_pReply, SLOT(abort()));
-        QObject::connect(m_pReply, SIGNAL(finished()), &m_loop, SLOT(quit()));
-        m_timer.setSingleShot(true);
-        m_timer.start(nTimeLimitMs);
-        m_loop.exec();
+        connectTimer();
+        run();
+    }
+    void wait(const CGoogleAnalytics *pStopper)
+    {
+        connectTimer();
+        QObject::connect(pStopper, SIGNAL(SignalStopRequest()), m_pReply, SLOT(abort()));
+        run();
     }
 
     // To be asked first: an abort by the timer looks cancelled as well.
@@ -71,10 +72,19 @@ public:
     QByteArray readAll() { return m_pReply->readAll(); }
 
 private:
+    void connectTimer() { QObject::connect(&m_timer, SIGNAL(timeout()), m_pReply, SLOT(abort())); }
+    void run()
+    {
+        QObject::connect(m_pReply, SIGNAL(finished()), &m_loop, SLOT(quit()));
+        m_timer.setSingleShot(true);
+        m_timer.start(nTimeLimitMs);
+        m_loop.exec();
+    }
+
     QEventLoop m_loop;
     QTimer m_timer;
     QNetworkAccessManager m_manager;
-    QNetworkReply *m_pReply = nullptr;
+    QNetworkReply *const m_pReply;
 };
 
 } // namespace
@@ -96,8 +106,7 @@ bool CGoogleAnalytics::StartRequestSync(const QString &clientId, const QString &
 {
     const QNetworkRequest request = createRequest(m_strCollectUrl, measurementId, apiSecret);
     const QByteArray baBody = createBody(clientId, eventName, eventCategory, eventLabel);
-    Exchange exchange;
-    exchange.post(request, baBody);
+    Exchange exchange(request, baBody);
     exchange.wait();
     return !exchange.hasTimedOut() && exchange.error() == QNetworkReply::NoError;
 }
@@ -109,8 +118,7 @@ void CGoogleAnalytics::StartRequestAsync(const QString &clientId, const QString 
     std::thread([this, clientId, measurementId, apiSecret, eventName, eventCategory, eventLabel] {
         const QNetworkRequest request = createRequest(m_strCollectUrl, measurementId, apiSecret);
         const QByteArray baBody = createBody(clientId, eventName, eventCategory, eventLabel);
-        Exchange exchange;
-        exchange.post(request, baBody);
+        Exchange exchange(request, baBody);
         exchange.wait(this);
         if (exchange.hasTimedOut())
             Q_EMIT SignalRequestTimeout();

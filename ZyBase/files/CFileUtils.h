@@ -79,7 +79,7 @@ public:
     /** The directory "res" beside it, whether it exists or not; "/res" when the path can't be read. */
     static QString GetResDirPath();
 
-    /** Always empty: there is none on Linux. */
+    /** Always empty, not null: there is none on Linux. */
     static QString GetMacResourcesDirPath();
 
     ///@}
@@ -125,7 +125,7 @@ public:
      */
     static QByteArray getEncryptDecryptByte(const QByteArray &data, const char &cKey);
 
-    /** The size as FormatFileSize() shows it; empty when nothing exists at the path. */
+    /** The size as FormatFileSize() shows it; empty, not null, when nothing exists at the path. */
     static QString GetFileSize(const QString &strFilePath);
 
     /** Always true, and the version is left as it came: files carry none on Linux. */
@@ -228,7 +228,8 @@ public:
      * when none of the characters \ / : * ? " < > | stands in it.
      *
      * Nothing else is looked at: an empty name passes, and so do control characters, names of any
-     * length, "." and "..", blanks and dots at the ends, and reserved device names.
+     * length, "." and "..", blanks and dots at the ends, and reserved device names. A name that is no
+     * valid UTF-16 always passes.
      */
     static bool CheckFileNameValid(const QString &strFileName);
 
@@ -246,7 +247,8 @@ public:
      * other, past or future, in local time. Qt writes it with the digits of the system's locale, which
      * are not 0 to 9 in every one.
      *
-     * @param nSeconds since the Unix epoch
+     * @param nSeconds since the Unix epoch. Those beyond Qt's range, some 292 million years either way,
+     *                 come round to another date.
      *
      * @warning "Today" is the day on which this function was first called in the process, to its end.
      * In a host that runs past midnight the times of the new day appear as dates and those of the old
@@ -282,6 +284,33 @@ public:
     static QString getUniqueFileName(const QString &strFilePath, const QString &strExtension);
 
     ///@}
+
+    /**
+     * Shows a file in its folder, by the file manager of the running desktop: the file selected where
+     * that can be asked for, else the folder.
+     *
+     * What is started goes by the words in XDG_CURRENT_DESKTOP, in any case and anywhere in it; the
+     * first row that fits:
+     *
+     *     "gnome" or "ubuntu"   nautilus --select FILE
+     *     "kde"                 dolphin --select FILE
+     *     "xfce"                thunar FILE
+     *     anything else         xdg-open FOLDER
+     *
+     * Paths are made absolute. Of a directory the one above it is its folder, unless the path ends in
+     * "/".
+     *
+     * No outcome is reported, and whether the file manager does as it is told is not looked at. Two
+     * failures show as Qt warnings in the category "default": "File does not exist:" with the path, and
+     * nothing is started; "Failed to execute:" with the program and its arguments, when it isn't
+     * installed, and then Qt is asked to open the folder.
+     *
+     * @warning That last resort is QDesktopServices, which wants a QGuiApplication in the host and the
+     * call on its thread.
+     *
+     * **Blocking.** For the start of the program, not for its run.
+     */
+    static void OpenFolderAndSelectFile(QString strFilePath);
 };
 
 } // namespace ZyBase

@@ -11,6 +11,8 @@
 #include <quazipfile.h>
 #include <quazipfileinfo.h>
 
+#include <utility>
+
 namespace ZyBase {
 
 namespace {
@@ -94,7 +96,7 @@ bool ZipManager::ZipDir(const QString &strZipPath, const QStringList &listFilePa
 
 bool ZipManager::UnzipFile(const QString &strZipPath, QString strExtractDir)
 {
-    return zipReader(strZipPath, strExtractDir);
+    return zipReader(strZipPath, std::move(strExtractDir));
 }
 
 bool ZipManager::QuaZipDir(const QString &, const QStringList &)

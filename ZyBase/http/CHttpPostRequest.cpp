@@ -62,26 +62,31 @@ QNetworkRequest createBrowserRequest(const QUrl &url)
     return request;
 }
 
-// One request from its sending to its end, in the thread that makes it. The reply goes with it.
+// One request from its sending, by GET or with a body by POST, to its end, in the thread that makes it. The
+// reply goes with it.
 class Exchange
 {
 public:
-    void post(const QNetworkRequest &request, const QByteArray &baBody)
+    explicit Exchange(const QNetworkRequest &request)
+        : m_pReply(m_manager.get(request))
     {
-        m_pReply = m_manager.post(request, baBody);
     }
-    void get(const QNetworkRequest &request) { m_pReply = m_manager.get(request); }
-
-    // Returns when the reply has finished, has failed or was aborted, by the timer or by pStopper.
-    void wait(const CHttpPostRequest *pStopper = nullptr)
+    Exchange(const QNetworkRequest &request, const QByteArray &baBody)
+        : m_pReply(m_manager.post(request, baBody))
     {
-        QObject::connect(&m_timer, SIGNAL(timeout()), m_pReply, SLOT(abort()));
-        if (pStopper)
-            QObject::connect(pStopper, SIGNAL(SignalStopRequest()), m_pReply, SLOT(abort()));
-        QObject::connect(m_pReply, SIGNAL(finished()), &m_loop, SLOT(quit()));
-        m_timer.setSingleShot(true);
-        m_timer.start(nTimeLimitMs);
-        m_loop.exec();
+    }
+
+    // Both return when the reply has finished, has failed or was aborted, by the timer or by the stopper.
+    void wait()
+    {
+        connectTimer();
+        run();
+    }
+    void wait(const CHttpPostRequest *pStopper)
+    {
+        connectTimer();
+        QObject::connect(pStopper, SIGNAL(SignalStopRequest()), m_pReply, SLOT(abort()));
+        run();
     }
 
     // To be asked first: an abort by the timer looks cancelled as well.
@@ -91,10 +96,19 @@ public:
     int statusCode() const { return m_pReply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(); }
 
 private:
+    void connectTimer() { QObject::connect(&m_timer, SIGNAL(timeout()), m_pReply, SLOT(abort())); }
+    void run()
+    {
+        QObject::connect(m_pReply, SIGNAL(finished()), &m_loop, SLOT(quit()));
+        m_timer.setSingleShot(true);
+        m_timer.start(nTimeLimitMs);
+        m_loop.exec();
+    }
+
     QEventLoop m_loop;
     QTimer m_timer;
     QNetworkAccessManager m_manager;
-    QNetworkReply *m_pReply = nullptr;
+    QNetworkReply *const m_pReply;
 };
 
 bool waitForResult(Exchange &exchange, QByteArray &baResult)
@@ -134,8 +148,7 @@ bool CHttpPostRequest::StartRequestSync(const QUrl &url, const QJsonObject &json
 {
     const QByteArray baBody = createBody(jsonObject);
     const QNetworkRequest request = createJsonRequest(url);
-    Exchange exchange;
-    exchange.post(request, baBody);
+    Exchange exchange(request, baBody);
     return waitForResult(exchange, baResult);
 }
 
@@ -145,8 +158,7 @@ void CHttpPostRequest::StartRequestAsync(const QUrl &url, const QJsonObject &jso
     std::thread([this, url, jsonObject, strSession] {
         const QByteArray baBody = createBody(jsonObject);
         const QNetworkRequest request = createSessionRequest(url, strSession);
-        Exchange exchange;
-        exchange.post(request, baBody);
+        Exchange exchange(request, baBody);
         if (waitForAnswer(exchange, this))
             Q_EMIT SignalRequestResult(exchange.readAll());
     }).detach();
@@ -156,8 +168,7 @@ void CHttpPostRequest::StartGetRequest(const QUrl &url, const QString &strSessio
 {
     std::thread([this, url, strSession] {
         const QNetworkRequest request = createSessionRequest(url, strSession);
-        Exchange exchange;
-        exchange.get(request);
+        Exchange exchange(request);
         if (waitForAnswer(exchange, this))
             Q_EMIT SignalRequestResult(exchange.readAll());
     }).detach();
@@ -166,8 +177,7 @@ void CHttpPostRequest::StartGetRequest(const QUrl &url, const QString &strSessio
 bool CHttpPostRequest::StartGetRequestSync(const QUrl &url, QByteArray &baResult)
 {
     const QNetworkRequest request = createBrowserRequest(url);
-    Exchange exchange;
-    exchange.get(request);
+    Exchange exchange(request);
     return waitForResult(exchange, baResult);
 }
 
@@ -175,8 +185,7 @@ void CHttpPostRequest::StartGetRequestAndStatusCode(const QUrl &url, const QStri
 {
     std::thread([this, url, strSession] {
         const QNetworkRequest request = createSessionRequest(url, strSession);
-        Exchange exchange;
-        exchange.get(request);
+        Exchange exchange(request);
         if (!waitForAnswer(exchange, this))
             return;
         const int nStatusCode = exchange.statusCode();

@@ -66,8 +66,12 @@ namespace ZyBase {
  * object a request to tell them apart.
  *
  * @warning The object must outlive its running requests. The destructor neither waits nor cancels; a
- * request that is still running then uses a dead object. So give the object no parent that may
- * go earlier, and delete it only by deleteLater() from the handling of its outcome.
+ * request that is still running then uses a dead object. So give the object no parent that may go
+ * earlier, and delete it only from the handling of its outcome, never at once but by deleteLater().
+ * Even then the worker may be on its last steps out of the signal; a moment more makes it safe:
+ * @code
+ * QTimer::singleShot(1000, request, &QObject::deleteLater);
+ * @endcode
  *
  * **Blocking.** The synchronous forms block for at most 10000 ms while they run an event loop of their
  * own: every other event of the calling thread is delivered meanwhile. Be ready for re-entry, and for

@@ -18,7 +18,7 @@ constexpr double dMegabyte = 1024 * 1024;
 
 // Qt's network thread reads ahead of the disk by this much and no more. Without a bound a fast server
 // fills the memory with the whole file.
-constexpr qint64 nReadAheadBytes = 1024 * 1024;
+constexpr qint64 nReadAheadBytes = 1048576;
 
 int statusOf(const QNetworkReply *pReply)
 {

@@ -14,7 +14,7 @@ namespace ZyBase {
  * The work on this platform behind CSystemUtils and CAssocUtils, which hosts call in its place where
  * both have the function.
  *
- * **Threads.** Any.
+ * **Threads.** Any. No other thread may change the environment meanwhile.
  */
 class ZYBASE_EXPORT COperateSystem
 {
@@ -64,8 +64,8 @@ public:
      * @return true for dark; false for light and where nothing knows
      *
      * @warning Blocks the caller for up to eight child processes: some ten milliseconds each as a rule,
-     * 30 seconds each and 240 in all where they hang. A child that outlasts its time is not waited for
-     * but ended. Nothing is remembered: call it from a thread of your own and keep the answer.
+     * 30 seconds each and 240 in all where they hang. One that hangs counts for what it has printed so
+     * far, and is ended. Nothing is remembered: call it from a thread of your own and keep the answer.
      * @code
      * auto *watcher = new QFutureWatcher<bool>(this);
      * connect(watcher, &QFutureWatcher<bool>::finished, this, [=] { setDark(watcher->result()); });
@@ -81,12 +81,12 @@ public:
     /**
      * Whether @p strApp opens files of the type @p strMimeType by default, as the tool xdg-mime tells.
      *
-     * @param strApp the application's desktop entry, such as "org.gnome.Evince" or
-     * "org.gnome.Evince.desktop", in its exact case
+     * @param strApp the application's desktop entry, such as "org.example.reader" or
+     * "org.example.reader.desktop", in its exact case
      * @return true when the name of the default's entry contains @p strApp; false when it doesn't and
      * when xdg-mime can't tell or is not installed
      *
-     * @warning A part of the name is enough, so "vince" is true as well, and an empty @p strApp is true
+     * @warning A part of the name is enough, so "read" is true as well, and an empty @p strApp is true
      * always.
      *
      * @warning Blocks the caller until xdg-mime ends, a tenth of a second as a rule and 30 seconds
@@ -99,7 +99,7 @@ public:
      * user.
      *
      * @param strApp the application's desktop entry without the suffix ".desktop", which is always
-     * appended: "org.gnome.Evince"
+     * appended: "org.example.reader"
      * @param strUnread not read
      * @param bUnread not read
      * @return true always, also when nothing was changed; see IsDefaultLauncher() for what holds after it

@@ -194,7 +194,8 @@ constexpr Detector s_detectors[] = {
     {getGnomeTheme, "Detected via GNOME GSettings"}, {getKdeTheme, "Detected via KDE settings"},
     {getGtkTheme, "Detected via GTK settings"},      {getEnvironmentTheme, "Detected via environment"},
     {getUkuiTheme, "Detected via UKUI GSettings"},   {getKylinConfigTheme, "Detected via Kylin config files"},
-    {getMateTheme, "Detected via MATE settings"},    {getQtKylinTheme, "Detected via Qt-Kylin settings"}};
+    {getMateTheme, "Detected via MATE settings"},    {getQtKylinTheme, "Detected via Qt-Kylin settings"},
+};
 
 } // namespace
 

@@ -14,12 +14,6 @@ constexpr const char *green = "32";
 constexpr const char *red = "31";
 constexpr int labelWidth = 24;
 
-void print(const QString &text)
-{
-    std::puts(text.toLocal8Bit().constData());
-    std::fflush(stdout);
-}
-
 } // namespace
 
 Report::Report()
@@ -37,6 +31,16 @@ void Report::heading(const QString &service, const QString &header)
 void Report::line(const QString &what, const QString &result)
 {
     print(QStringLiteral("  ") + what.leftJustified(labelWidth) + QLatin1Char(' ') + result);
+}
+
+void Report::progress(const QString &state)
+{
+    const QString text = coloured(dim, QStringLiteral("    > ") + state);
+    if (!m_isTerminal)
+        return print(text);
+    std::printf("\r%s\033[K", text.toLocal8Bit().constData());
+    std::fflush(stdout);
+    m_isLineOpen = true;
 }
 
 void Report::excerpt(const QStringList &lines)
@@ -61,6 +65,15 @@ int Report::finish()
     print(coloured(allKept ? green : red,
                    QStringLiteral("%1 of %2 promises kept.").arg(m_kept).arg(m_promises)));
     return allKept ? 0 : 1;
+}
+
+void Report::print(const QString &text)
+{
+    if (m_isLineOpen)
+        std::puts("");
+    m_isLineOpen = false;
+    std::puts(text.toLocal8Bit().constData());
+    std::fflush(stdout);
 }
 
 QString Report::coloured(const char *colour, const QString &text) const

@@ -18,6 +18,10 @@ public:
     /** One thing that was done and what came of it. */
     void line(const QString &what, const QString &result);
 
+    /** How far something has come: one line that is written over on a terminal, and one each time elsewhere.
+     */
+    void progress(const QString &state);
+
     /** Lines as they stand in a file. */
     void excerpt(const QStringList &lines);
 
@@ -28,9 +32,11 @@ public:
     int finish();
 
 private:
+    void print(const QString &text);
     QString coloured(const char *colour, const QString &text) const;
 
     bool m_isTerminal;
+    bool m_isLineOpen = false;
     int m_promises = 0;
     int m_kept = 0;
 };

@@ -29,5 +29,12 @@ int main(int argc, char **argv)
     }
     showLog(report, directory);
     showJson(report, directory);
+    showFiles(report, directory);
+    showZip(report, directory);
+    showHttp(report, directory);
+    showSystem(report, directory);
+    showTheme(report, directory);
+    showDefaultApplication(report, directory);
+    showQrCode(report, directory);
     return report.finish();
 }

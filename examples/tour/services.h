@@ -10,3 +10,10 @@ class Report;
 
 void showLog(Report &report, const QDir &directory);
 void showJson(Report &report, const QDir &directory);
+void showFiles(Report &report, const QDir &directory);
+void showZip(Report &report, const QDir &directory);
+void showHttp(Report &report, const QDir &directory);
+void showSystem(Report &report, const QDir &directory);
+void showTheme(Report &report, const QDir &directory);
+void showDefaultApplication(Report &report, const QDir &directory);
+void showQrCode(Report &report, const QDir &directory);

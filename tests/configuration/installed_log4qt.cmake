@@ -2,7 +2,7 @@
 #
 # The library against a log4qt that is installed elsewhere. It is made of our own sources with the
 # classes plainly in Log4Qt and under the usual library name, as others install it: once with a CMake
-# package, once as header and library only. The tour then logs through it.
+# package, once as header and library only. A host then logs through it.
 
 include(${CMAKE_CURRENT_LIST_DIR}/support.cmake)
 
@@ -37,21 +37,43 @@ if(WITH_PACKAGE)
 endif()
 ]])
 
+file(WRITE ${WORK_DIR}/host/CMakeLists.txt
+    "cmake_minimum_required(VERSION 3.16)\n"
+    "project(host LANGUAGES CXX)\n"
+    "set(CMAKE_CXX_STANDARD 17)\n"
+    "add_subdirectory(\"${SOURCE_DIR}\" ZyBase)\n"
+    "add_executable(host main.cpp)\n"
+    "target_link_libraries(host PRIVATE ZyBase::ZyBase)\n")
+file(WRITE ${WORK_DIR}/host/main.cpp [[
+#include <ZyBase/base/LoggerObject.h>
+int main(int, char **argv)
+{
+    ZyBase::LoggerObject::InitLogger("host.log", argv[1]);
+    ZyBase::LoggerObject::warn("through the installed one");
+    ZyBase::LoggerObject::ReleaseLogger();
+}
+]])
+
 foreach(package ON OFF)
     set(prefix ${WORK_DIR}/prefix-${package})
     configure(${plain} ${WORK_DIR}/log4qt -DWITH_PACKAGE=${package} -DCMAKE_INSTALL_PREFIX=${prefix})
     expect_success()
     run(${CMAKE_COMMAND} --build ${WORK_DIR}/log4qt --target install)
 
-    set(build ${WORK_DIR}/library-${package})
-    configure(${SOURCE_DIR} ${build} -DBUILD_TESTING=OFF -DCMAKE_PREFIX_PATH=${prefix} -DZYBASE_LOG4QT=system)
+    set(build ${WORK_DIR}/host-${package})
+    configure(${WORK_DIR}/host ${build} -DCMAKE_PREFIX_PATH=${prefix} -DZYBASE_LOG4QT=system)
     expect_success()
-    run(${CMAKE_COMMAND} --build ${build})
-    run(readelf -dW ${build}/lib/libZyBase.so)
+    run(${CMAKE_COMMAND} --build ${build} --target host)
+    run(readelf -dW ${build}/ZyBase/lib/libZyBase.so)
     if(NOT OUTPUT MATCHES "NEEDED[^\n]*liblog4qt\\.so" OR OUTPUT MATCHES "libZyLog4Qt")
         message(FATAL_ERROR "The library should be linked with the installed log4qt: ${OUTPUT}")
     endif()
-    run(${build}/examples/tour/tour ${WORK_DIR}/tour-${package})
+    file(MAKE_DIRECTORY ${WORK_DIR}/base-${package})
+    run(${build}/host ${WORK_DIR}/base-${package})
+    file(READ ${WORK_DIR}/base-${package}/log/host.log log)
+    if(NOT log MATCHES " WARN   - through the installed one\n$")
+        message(FATAL_ERROR "The log holds: ${log}")
+    endif()
 endforeach()
 
 # What is installed is taken without being asked for, unless our own is.

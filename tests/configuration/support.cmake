@@ -6,7 +6,7 @@ file(MAKE_DIRECTORY "${WORK_DIR}")
 # configure(<source> <build> [OPTION...]): leaves RESULT (0 for success) and OUTPUT, all on one line.
 function(configure source build)
     execute_process(
-        COMMAND ${CMAKE_COMMAND} -S "${source}" -B "${build}" -G "${GENERATOR}" ${ARGN}
+        COMMAND ${CMAKE_COMMAND} -S "${source}" -B "${build}" -G "${GENERATOR}" -DCMAKE_BUILD_TYPE=Debug ${ARGN}
         RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
     # CMake wraps a message and doubles the blank behind a full stop.
     string(REGEX REPLACE "[ \n]+" " " output "${output}")

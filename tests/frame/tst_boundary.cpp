@@ -161,6 +161,9 @@ private Q_SLOTS:
         QVERIFY(!GetAppDirPath().empty());
         QVERIFY(ZyBase::CStringUtils::SplitString(QString()).isNull());
         QVERIFY(!ZyBase::ZipManager::QuaUnzipFile(QString(), QString(), false));
+        QVERIFY(ZyBase::CAssocUtils::ResetPdfLauncher(QString()));
+        ZyBase::COperateSystem::SleepComputer();
+        QVERIFY(ZyBase::CSystemUtils::IsOn64BitSystem());
     }
 };
 

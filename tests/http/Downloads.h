@@ -4,8 +4,10 @@
 
 #include <ZyBase/http/DownloadManager.h>
 
+#include <QEventLoop>
 #include <QStringList>
 #include <QTest>
+#include <QTimer>
 
 /** A download manager whose signals are collected. */
 class WatchedDownload : public QObject
@@ -33,6 +35,7 @@ public:
         connect(&m_manager, &DownloadManager::signalDownloadFinished, this,
                 [this](bool success, const QString &path) {
                     m_outcomes.append({success, path});
+                    m_loop.quit();
                 });
         connect(&m_manager, &DownloadManager::finished, this, [this] { ++m_neverEmitted; });
     }
@@ -44,7 +47,14 @@ public:
 
     bool waitForOutcomes(int count = 1)
     {
-        return QTest::qWaitFor([this, count] { return m_outcomes.size() >= count; }, 60000);
+        constexpr int patience = 120000;
+        QTimer timeout;
+        connect(&timeout, &QTimer::timeout, this, [this] { m_loop.quit(); });
+        timeout.setSingleShot(true);
+        timeout.start(patience);
+        while (m_outcomes.size() < count && timeout.isActive())
+            m_loop.exec();
+        return m_outcomes.size() >= count;
     }
 
     /** Starts a download and waits for its end; @return the path of the file, null for a failure. */
@@ -61,4 +71,5 @@ private:
     QList<Progress> m_progress;
     QList<Outcome> m_outcomes;
     int m_neverEmitted = 0;
+    QEventLoop m_loop;
 };

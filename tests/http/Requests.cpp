@@ -3,8 +3,17 @@
 #include "Requests.h"
 
 #include <QTest>
+#include <QTimer>
+
+#include <deque>
 
 using ZyBase::CHttpPostRequest;
+
+namespace {
+
+constexpr size_t retiredAtMost = 200;
+
+} // namespace
 
 const char *nameOf(Form form)
 {
@@ -72,31 +81,45 @@ Outcome result(Form form, const QByteArray &data, int status)
 }
 
 WatchedRequest::WatchedRequest()
+    : m_request(std::make_unique<CHttpPostRequest>())
 {
-    connect(&m_request, &CHttpPostRequest::SignalRequestTimeout, this, [this] { m_outcomes << timedOut; });
-    connect(&m_request, &CHttpPostRequest::SignalRequestCancel, this, [this] { m_outcomes << cancelled; });
-    connect(&m_request, &CHttpPostRequest::SignalRequestResult, this,
-            [this](const QByteArray &data) { m_outcomes << result(Form::Get, data, -1); });
-    connect(
-        &m_request, &CHttpPostRequest::SignalRequestResultAndStatusCode, this,
-        [this](const QByteArray &data, int status) { m_outcomes << result(Form::GetStatus, data, status); });
+    connect(m_request.get(), &CHttpPostRequest::SignalRequestTimeout, this, [this] { add(timedOut); });
+    connect(m_request.get(), &CHttpPostRequest::SignalRequestCancel, this, [this] { add(cancelled); });
+    connect(m_request.get(), &CHttpPostRequest::SignalRequestResult, this,
+            [this](const QByteArray &data) { add(result(Form::Get, data, -1)); });
+    connect(m_request.get(), &CHttpPostRequest::SignalRequestResultAndStatusCode, this,
+            [this](const QByteArray &data, int status) { add(result(Form::GetStatus, data, status)); });
 }
 
 WatchedRequest::~WatchedRequest()
 {
     if (!areAllOver())
         stopAll();
+    static std::deque<std::unique_ptr<CHttpPostRequest>> retired;
+    retired.push_back(std::move(m_request));
+    if (retired.size() > retiredAtMost)
+        retired.pop_front();
 }
 
 void WatchedRequest::start(Form form, const QUrl &url, const QString &session, const QJsonObject &object)
 {
     ++m_started;
-    ::start(form, &m_request, url, session, object);
+    ::start(form, m_request.get(), url, session, object);
+}
+
+void WatchedRequest::add(const Outcome &outcome)
+{
+    m_outcomes << outcome;
+    if (areAllOver())
+        m_loop.quit();
 }
 
 bool WatchedRequest::waitForAll(int milliseconds)
 {
-    return QTest::qWaitFor([this] { return areAllOver(); }, milliseconds);
+    QTimer::singleShot(milliseconds, &m_loop, &QEventLoop::quit);
+    if (!areAllOver())
+        m_loop.exec();
+    return areAllOver();
 }
 
 bool WatchedRequest::stopAll()
@@ -105,7 +128,7 @@ bool WatchedRequest::stopAll()
         [this] {
             if (areAllOver())
                 return true;
-            Q_EMIT m_request.SignalStopRequest();
+            Q_EMIT m_request->SignalStopRequest();
             return false;
         },
         30000);

@@ -4,9 +4,12 @@
 
 #include <ZyBase/http/CHttpPostRequest.h>
 
+#include <QEventLoop>
 #include <QList>
 #include <QObject>
 #include <QTest>
+
+#include <memory>
 
 /** The five forms of a request. */
 enum class Form { PostSync, PostAsync, Get, GetSync, GetStatus };
@@ -57,10 +60,13 @@ class WatchedRequest : public QObject
 public:
     WatchedRequest();
 
-    /** Waits for its requests, which must be no more than there are outcomes to come. */
+    /**
+     * Waits for the outcomes. The request object lives a while longer: a worker may still be on its way
+     * out of the signal.
+     */
     ~WatchedRequest() override;
 
-    ZyBase::CHttpPostRequest *request() { return &m_request; }
+    ZyBase::CHttpPostRequest *request() { return m_request.get(); }
     void start(Form form, const QUrl &url, const QString &session = QString(),
                const QJsonObject &object = {});
     QList<Outcome> outcomes() const { return m_outcomes; }
@@ -72,9 +78,11 @@ public:
     bool stopAll();
 
 private:
+    void add(const Outcome &outcome);
     bool areAllOver() const { return m_outcomes.size() >= m_started; }
 
-    ZyBase::CHttpPostRequest m_request;
+    std::unique_ptr<ZyBase::CHttpPostRequest> m_request;
+    QEventLoop m_loop;
     QList<Outcome> m_outcomes;
     int m_started = 0;
 };

@@ -271,6 +271,7 @@ private Q_SLOTS:
         const QImage expected = generate("thread", 300);
         std::vector<QImage> images(4);
         std::vector<std::thread> threads;
+        threads.reserve(images.size());
         for (QImage &image : images)
             threads.emplace_back([&image] {
                 for (int i = 0; i < 20; ++i)

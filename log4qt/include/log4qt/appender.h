@@ -5,7 +5,6 @@
 #include "layout.h"
 
 #include <QObject>
-#include <QSharedPointer>
 #include <QString>
 
 namespace Log4Qt {
@@ -35,20 +34,7 @@ public:
     virtual void doAppend(const LoggingEvent &event) = 0;
 };
 
-/** Shares an appender; the last holder lets the event loop of the appender's thread delete it. */
-class AppenderSharedPtr : public QSharedPointer<Appender>
-{
-public:
-    AppenderSharedPtr() = default;
-    AppenderSharedPtr(Appender *appender) // NOLINT: implicit, so that addAppender takes a plain pointer
-        : QSharedPointer<Appender>(appender, &QObject::deleteLater)
-    {
-    }
-    AppenderSharedPtr(const QSharedPointer<Appender> &other) // NOLINT: implicit, as above
-        : QSharedPointer<Appender>(other)
-    {
-    }
-};
+using AppenderSharedPtr = Log4QtSharedPtr<Appender>;
 
 } // namespace zy
 } // namespace Log4Qt

@@ -3,9 +3,9 @@
 #pragma once
 
 #include "log4qtexport.h"
+#include "log4qtsharedptr.h"
 
 #include <QObject>
-#include <QSharedPointer>
 #include <QString>
 
 namespace Log4Qt {
@@ -35,20 +35,7 @@ public:
     virtual void activateOptions();
 };
 
-/** Shares a layout; the last holder lets the event loop of the layout's thread delete it. */
-class LayoutSharedPtr : public QSharedPointer<Layout>
-{
-public:
-    LayoutSharedPtr() = default;
-    LayoutSharedPtr(Layout *layout) // NOLINT: implicit, so that setLayout takes a plain pointer
-        : QSharedPointer<Layout>(layout, &QObject::deleteLater)
-    {
-    }
-    LayoutSharedPtr(const QSharedPointer<Layout> &other) // NOLINT: implicit, as above
-        : QSharedPointer<Layout>(other)
-    {
-    }
-};
+using LayoutSharedPtr = Log4QtSharedPtr<Layout>;
 
 } // namespace zy
 } // namespace Log4Qt

@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include <ZyBase/files/ZipManager.h>
+
+#include "ratios.h"
+
+#include <QDir>
+#include <QProcess>
+#include <QStorageInfo>
+#include <QTemporaryDir>
+
+#include <benchmark/benchmark.h>
+#include <quazip.h>
+#include <quazipfile.h>
+#include <quazipfileinfo.h>
+
+using ZyBase::ZipManager;
+
+namespace {
+
+constexpr int smallFiles = 5000;
+constexpr int smallSize = 2000;
+constexpr int largeSize = 512 << 20;
+
+// In memory where there is room, so that no disk has a part in what is measured.
+QString place()
+{
+    const QString memory = QStringLiteral("/dev/shm");
+    const QStorageInfo storage(memory);
+    return storage.isValid() && storage.bytesAvailable() > 2LL * largeSize ? memory : QDir::tempPath();
+}
+
+QTemporaryDir &directory()
+{
+    static QTemporaryDir instance(QDir(place()).filePath(QStringLiteral("bench_zip-XXXXXX")));
+    return instance;
+}
+
+QString target()
+{
+    return directory().filePath(QStringLiteral("target"));
+}
+
+QByteArray sample(int length)
+{
+    QByteArray bytes;
+    bytes.reserve(length + 32);
+    for (int i = 0; bytes.length() < length; ++i)
+        bytes += "line " + QByteArray::number(i * 2654435761U) + '\n';
+    bytes.truncate(length);
+    return bytes;
+}
+
+void addEntry(QuaZip &zip, const QString &name, const QByteArray &content)
+{
+    QuaZipFile file(&zip);
+    file.open(QIODevice::WriteOnly, QuaZipNewInfo(name), nullptr, 0, Z_DEFLATED, Z_BEST_SPEED);
+    file.write(content);
+    file.close();
+}
+
+QString smallArchive()
+{
+    static const QString path = [] {
+        const QString name = directory().filePath(QStringLiteral("small.zip"));
+        QuaZip zip(name);
+        zip.open(QuaZip::mdCreate);
+        const QByteArray content = sample(smallSize);
+        for (int i = 0; i < smallFiles; ++i)
+            addEntry(zip, QStringLiteral("%1/%2.txt").arg(i / 100).arg(i), content);
+        zip.close();
+        // Once ahead: all that are measured write over what lies there.
+        ZipManager::QuaUnzipFile(name, target(), true);
+        return name;
+    }();
+    return path;
+}
+
+QString largeArchive()
+{
+    static const QString path = [] {
+        const QString name = directory().filePath(QStringLiteral("large.zip"));
+        QuaZip zip(name);
+        zip.open(QuaZip::mdCreate);
+        addEntry(zip, QStringLiteral("large.txt"), sample(1 << 20).repeated(largeSize >> 20));
+        zip.close();
+        // Once ahead: all that are measured write over what lies there.
+        ZipManager::QuaUnzipFile(name, target(), true);
+        return name;
+    }();
+    return path;
+}
+
+void extractWithTheLibrary(benchmark::State &state, QString (*archive)())
+{
+    const QString path = archive();
+    for (auto _ : state)
+        ZipManager::QuaUnzipFile(path, target(), true);
+}
+
+void extractWithQuaZip(benchmark::State &state, QString (*archive)())
+{
+    const QString path = archive();
+    const QDir directory(target());
+    for (auto _ : state) {
+        QuaZip zip(path);
+        zip.open(QuaZip::mdUnzip);
+        QuaZipFile zipFile(&zip);
+        QuaZipFileInfo info;
+        for (bool more = zip.goToFirstFile(); more; more = zip.goToNextFile()) {
+            zip.getCurrentFileInfo(&info);
+            const QString name = directory.filePath(info.name);
+            directory.mkpath(QFileInfo(name).absolutePath());
+            zipFile.open(QIODevice::ReadOnly);
+            QFile file(name);
+            file.open(QIODevice::WriteOnly | QIODevice::Truncate);
+            file.write(zipFile.readAll());
+            file.close();
+            zipFile.close();
+        }
+    }
+}
+
+void extractWithUnzip(benchmark::State &state, QString (*archive)())
+{
+    const QString path = archive();
+    for (auto _ : state)
+        QProcess::execute(QStringLiteral("unzip"),
+                          {QStringLiteral("-qqo"), path, QStringLiteral("-d"), target()});
+}
+
+void large(benchmark::internal::Benchmark *benchmark)
+{
+    benchmark->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(3);
+}
+
+BENCHMARK_CAPTURE(extractWithTheLibrary, small, smallArchive)
+    ->Name("small/QuaUnzipFile")
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(extractWithQuaZip, small, smallArchive)
+    ->Name("small/QuaZip")
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(extractWithUnzip, small, smallArchive)->Name("small/unzip")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(extractWithTheLibrary, large, largeArchive)->Name("large/QuaUnzipFile")->Apply(large);
+BENCHMARK_CAPTURE(extractWithQuaZip, large, largeArchive)->Name("large/QuaZip")->Apply(large);
+BENCHMARK_CAPTURE(extractWithUnzip, large, largeArchive)->Name("large/unzip")->Apply(large);
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    // The library says of each entry what became of it; where to is the host's choice.
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
+    return runWithRatios(
+        argc, argv,
+        {{"extract 5,000 small files, to plain QuaZip", "small/QuaUnzipFile", "small/QuaZip", 1.05},
+         {"extract 5,000 small files, to unzip", "small/QuaUnzipFile", "small/unzip", 0},
+         {"extract one file of 512 MiB, to plain QuaZip", "large/QuaUnzipFile", "large/QuaZip", 1.05},
+         {"extract one file of 512 MiB, to unzip", "large/QuaUnzipFile", "large/unzip", 0}});
+}

@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include <ZyBase/platform/CSystemUtils.h>
+
+#include "ratios.h"
+
+#include <QImage>
+#include <QPainter>
+
+#include <benchmark/benchmark.h>
+#include <qrencode.h>
+
+#include <string>
+#include <utility>
+
+using ZyBase::CSystemUtils;
+
+namespace {
+
+// The encoder takes most of the time on both sides: many short runs find the machine's quiet moments.
+constexpr double shortRun = 0.02; // s
+constexpr int manyRuns = 40;
+
+const char *const shortText = "https://example.org/";
+const std::string longText(1000, 'x');
+
+// What a host would write on libqrencode and QPainter.
+QImage paintedByQt(const QString &text, int side)
+{
+    QRcode *const symbol = QRcode_encodeString(text.toStdString().c_str(), 2, QR_ECLEVEL_Q, QR_MODE_8, 1);
+    QImage image(side, side, QImage::Format_ARGB32);
+    QPainter painter(&image);
+    painter.setBrush(Qt::white);
+    painter.setPen(Qt::NoPen);
+    painter.drawRect(0, 0, side, side);
+    painter.setBrush(Qt::black);
+    const double scale = double(side) / symbol->width;
+    for (int y = 0; y < symbol->width; ++y) {
+        for (int x = 0; x < symbol->width; ++x) {
+            const QRectF module(scale * x, scale * y, scale, scale);
+            if (symbol->data[y * symbol->width + x] & 1)
+                painter.drawRects(&module, 1);
+        }
+    }
+    painter.end();
+    QRcode_free(symbol);
+    return image;
+}
+
+// What no painting can go below.
+void encoderAlone(benchmark::State &state)
+{
+    for (auto _ : state)
+        QRcode_free(QRcode_encodeString(longText.c_str(), 2, QR_ECLEVEL_Q, QR_MODE_8, 1));
+}
+
+void withTheLibrary(benchmark::State &state, const QString &text, int side)
+{
+    for (auto _ : state)
+        benchmark::DoNotOptimize(CSystemUtils::GenerateQRCode(text, QSize(side, side)));
+}
+
+void withQPainter(benchmark::State &state, const QString &text, int side)
+{
+    for (auto _ : state)
+        benchmark::DoNotOptimize(paintedByQt(text, side));
+}
+
+void add(const std::string &name, const QString &text, int side)
+{
+    for (const auto &way : {std::make_pair("GenerateQRCode", &withTheLibrary),
+                            std::make_pair("libqrencode and QPainter", &withQPainter)}) {
+        benchmark::RegisterBenchmark((name + '/' + way.first).c_str(), way.second, text, side)
+            ->Unit(benchmark::kMicrosecond)
+            ->MinTime(shortRun)
+            ->Repetitions(manyRuns);
+    }
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    benchmark::RegisterBenchmark("long/libqrencode alone", &encoderAlone)
+        ->Unit(benchmark::kMicrosecond)
+        ->MinTime(shortRun)
+        ->Repetitions(manyRuns);
+    add("short 256", QString::fromLatin1(shortText), 256);
+    add("short 1024", QString::fromLatin1(shortText), 1024);
+    add("long 256", QString::fromStdString(longText), 256);
+    add("long 1024", QString::fromStdString(longText), 1024);
+    return runWithRatios(argc, argv,
+                         {{"20 bytes at 256 pixels, to libqrencode and QPainter", "short 256/GenerateQRCode",
+                           "short 256/libqrencode and QPainter", 0.6},
+                          {"20 bytes at 1024 pixels, to libqrencode and QPainter",
+                           "short 1024/GenerateQRCode", "short 1024/libqrencode and QPainter", 0.6},
+                          {"1000 bytes at 256 pixels, to libqrencode and QPainter", "long 256/GenerateQRCode",
+                           "long 256/libqrencode and QPainter", 0.6},
+                          {"1000 bytes at 1024 pixels, to libqrencode and QPainter",
+                           "long 1024/GenerateQRCode", "long 1024/libqrencode and QPainter", 0.6},
+                          {"1000 bytes without an image, to the same at 256 pixels", "long/libqrencode alone",
+                           "long 256/libqrencode and QPainter", 0}});
+}

@@ -1,0 +1,179 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include <ZyBase/files/CFileUtils.h>
+
+#include "Files.h"
+#include "MessageCapture.h"
+#include "RecordedPrograms.h"
+#include "TemporaryHome.h"
+
+#include <QDir>
+#include <QGuiApplication>
+#include <QImage>
+#include <QPixmap>
+#include <QProcess>
+#include <QScreen>
+#include <QSet>
+#include <QStandardPaths>
+#include <QTest>
+#include <QUrl>
+
+using ZyBase::CFileUtils;
+
+namespace {
+
+constexpr int patience = 60000;
+constexpr int coloursOfAWindow = 30;
+
+bool isInstalled(const char *program)
+{
+    return !QStandardPaths::findExecutable(QLatin1String(program)).isEmpty();
+}
+
+// A desktop's floor: a display without a screen, a session bus and a home of its own, seen by all that
+// this process starts. What runs on the display ends with it.
+class Desktop
+{
+public:
+    static const char *missingTool()
+    {
+        for (const char *program : {"Xvfb", "dbus-daemon", "thunar", "xwininfo"}) {
+            if (!isInstalled(program))
+                return program;
+        }
+        return nullptr;
+    }
+
+    bool start()
+    {
+        const QByteArray display =
+            firstLineOf(&m_display, QStringLiteral("Xvfb"),
+                        {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
+                         QStringLiteral("0"), QStringLiteral("1024x768x24"), QStringLiteral("-nolisten"),
+                         QStringLiteral("tcp")});
+        const QByteArray bus = firstLineOf(
+            &m_bus, QStringLiteral("dbus-daemon"),
+            {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address")});
+        qputenv("DISPLAY", ":" + display);
+        qputenv("DBUS_SESSION_BUS_ADDRESS", bus);
+        qputenv("QT_QPA_PLATFORM", "xcb");
+        return !display.isEmpty() && !bus.isEmpty();
+    }
+
+    ~Desktop()
+    {
+        for (QProcess *process : {&m_bus, &m_display}) {
+            process->terminate();
+            process->waitForFinished(patience);
+        }
+    }
+
+private:
+    static QByteArray firstLineOf(QProcess *process, const QString &program, const QStringList &arguments)
+    {
+        process->setStandardErrorFile(QProcess::nullDevice());
+        process->start(program, arguments);
+        while (!process->canReadLine()) {
+            if (!process->waitForReadyRead(patience))
+                return QByteArray();
+        }
+        return process->readLine().trimmed();
+    }
+
+    TemporaryHome m_home;
+    QProcess m_display;
+    QProcess m_bus;
+};
+
+QImage screenshot()
+{
+    return QGuiApplication::primaryScreen()->grabWindow(0).toImage();
+}
+
+int colours(const QImage &image)
+{
+    QSet<QRgb> found;
+    for (int y = 0; y < image.height(); y += 2) {
+        for (int x = 0; x < image.width(); x += 2)
+            found.insert(image.pixel(x, y));
+    }
+    return found.size();
+}
+
+} // namespace
+
+// With the real thing: a file manager on a display that no one sees.
+class TestRevealDesktop : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<QTemporaryDir> m_directory;
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        if (const char *tool = Desktop::missingTool())
+            QSKIP(qPrintable(QLatin1String(tool) + QStringLiteral(" is not installed")));
+        if (!qobject_cast<QGuiApplication *>(QCoreApplication::instance()))
+            QSKIP("this user can start no display");
+    }
+    void init() { m_directory = std::make_unique<QTemporaryDir>(); }
+
+    // The window, with the file selected, is kept as "reveal.png" beside the test.
+    void folderOfTheFileIsShown()
+    {
+        const QDir folder(m_directory->filePath(QStringLiteral("folder of the file")));
+        QVERIFY(folder.mkpath(QStringLiteral(".")));
+        QVERIFY(writeFile(folder.filePath(QStringLiteral("report.txt")), "shown"));
+        QVERIFY(writeFile(folder.filePath(QStringLiteral("other.txt")), "beside"));
+        const int before = colours(screenshot());
+        qputenv("XDG_CURRENT_DESKTOP", "XFCE");
+        const MessageCapture messages;
+        CFileUtils::OpenFolderAndSelectFile(folder.filePath(QStringLiteral("report.txt")));
+        QVERIFY(QTest::qWaitFor([] { return colours(screenshot()) > coloursOfAWindow; }, patience));
+        QVERIFY(before < coloursOfAWindow);
+        QCOMPARE(messages.messages().size(), 0);
+        QVERIFY(QTest::qWaitFor([&] { return titles().contains(folder.dirName()); }, patience));
+        screenshot().save(QStringLiteral(ZYBASE_ARTEFACTS "/reveal.png"));
+    }
+
+    void withoutTheFileManagerQtOpensTheFolder()
+    {
+        const RecordedPrograms programs({QStringLiteral("xdg-open")});
+        qputenv("XDG_CURRENT_DESKTOP", "GNOME");
+        const MessageCapture messages;
+        const QString file = m_directory->filePath(QStringLiteral("file.txt"));
+        QVERIFY(writeFile(file, "shown"));
+        CFileUtils::OpenFolderAndSelectFile(file);
+        QVERIFY(QTest::qWaitFor([&] { return !programs.calls().isEmpty(); }, patience));
+        QCOMPARE(messages.messages().size(), 1);
+        const QStringList command = programs.calls().first().command;
+        QCOMPARE(QUrl(command.value(1)).toLocalFile(), m_directory->path());
+    }
+
+private:
+    // The names of all windows.
+    static QString titles()
+    {
+        QProcess process;
+        process.start(QStringLiteral("xwininfo"), {QStringLiteral("-root"), QStringLiteral("-tree")});
+        process.waitForFinished(patience);
+        return QString::fromUtf8(process.readAllStandardOutput());
+    }
+};
+
+int main(int argc, char **argv)
+{
+    Desktop desktop;
+    const bool hasDisplay = !Desktop::missingTool() && desktop.start();
+    std::unique_ptr<QCoreApplication> application;
+    if (hasDisplay)
+        application = std::make_unique<QGuiApplication>(argc, argv);
+    else
+        application = std::make_unique<QCoreApplication>(argc, argv);
+    TestRevealDesktop test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_reveal_desktop.moc"
