@@ -36,5 +36,6 @@ int main(int argc, char **argv)
     showTheme(report, directory);
     showDefaultApplication(report, directory);
     showQrCode(report, directory);
+    showReports(report, directory);
     return report.finish();
 }

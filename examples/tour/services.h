@@ -17,3 +17,4 @@ void showSystem(Report &report, const QDir &directory);
 void showTheme(Report &report, const QDir &directory);
 void showDefaultApplication(Report &report, const QDir &directory);
 void showQrCode(Report &report, const QDir &directory);
+void showReports(Report &report, const QDir &directory);
