@@ -2,6 +2,7 @@
 
 #include "Collectors.h"
 
+#include "HostProcess.h"
 #include "ProcessFigures.h"
 
 #include <ZyBase/analytics/CGaReport.h>
@@ -269,6 +270,18 @@ private Q_SLOTS:
         std::sort(targets.begin(), targets.end());
         QCOMPARE(targets, QList<QByteArray>({"/mp/collect?measurement_id=first&api_secret=secret",
                                              "/mp/collect?measurement_id=second&api_secret=secret"}));
+    }
+
+    void requestIsConnectedAfterItsStart()
+    {
+        if (ZYBASE_SANITIZED)
+            QSKIP("sanitizers need the address space that is taken away here");
+        HostProcess host;
+        QVERIFY(host.start());
+        // So one whose start fails is left behind, and no stop reaches it.
+        QCOMPARE(host.call(QStringLiteral("analytics.startEventWithoutThreads")),
+                 QJsonValue(QJsonArray({true, 1, false})));
+        QCOMPARE(host.quit(), 0);
     }
 
     void parentOwnsTheReporter()

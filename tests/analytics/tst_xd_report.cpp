@@ -2,6 +2,7 @@
 
 #include "Collectors.h"
 
+#include "HostProcess.h"
 #include "ProcessFigures.h"
 
 #include <ZyBase/analytics/CXdReport.h>
@@ -387,6 +388,17 @@ private Q_SLOTS:
         reporter.StopReport();
         QTest::qWait(10);
         QCOMPARE(m_backend->records().size(), 1);
+    }
+
+    void requestIsConnectedBeforeItsStart()
+    {
+        if (ZYBASE_SANITIZED)
+            QSKIP("sanitizers need the address space that is taken away here");
+        HostProcess host;
+        QVERIFY(host.start());
+        QCOMPARE(host.call(QStringLiteral("analytics.startRecordWithoutThreads")),
+                 QJsonValue(QJsonArray({true, 1, true})));
+        QCOMPARE(host.quit(), 0);
     }
 
     void parentOwnsTheReporter()

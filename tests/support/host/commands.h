@@ -18,3 +18,4 @@ Commands logCommands();
 Commands httpCommands();
 Commands fileCommands();
 Commands platformCommands();
+Commands analyticsCommands();
