@@ -8,6 +8,10 @@
 
 #pragma once
 
+#include "analytics/CGaReport.h"
+#include "analytics/CGaReportManager.h"
+#include "analytics/CGoogleAnalytics.h"
+#include "analytics/CXdReport.h"
 #include "base/LoggerObject.h"
 #include "files/CFileUtils.h"
 #include "files/CJsonReader.h"

@@ -80,10 +80,21 @@ public:
         std::memcpy(data, m_buffer + m_position, size_t(count));
         m_position += count;
         keepHead(data, count);
+        joinQueries(data, count);
         return count;
     }
 
 private:
+    // httplib refuses a target with a second question mark, which the rules for URLs allow.
+    void joinQueries(char *data, qint64 size)
+    {
+        for (char *end = data + size; data != end && m_isInFirstLine; ++data) {
+            if (*data == '?' && std::exchange(m_hasQuery, true))
+                *data = '&';
+            m_isInFirstLine = *data != '\n';
+        }
+    }
+
     void keepHead(const char *data, qint64 size)
     {
         if (m_isHeadWhole)
@@ -101,6 +112,8 @@ private:
     qint64 m_available = 0;
     QByteArray m_head;
     bool m_isHeadWhole = false;
+    bool m_isInFirstLine = true;
+    bool m_hasQuery = false;
 };
 
 } // namespace
@@ -119,10 +132,12 @@ QByteArray HttpServer::Request::header(const QByteArray &name) const
 class HttpServer::Private : private httplib::Server
 {
 public:
-    explicit Private(const Certificate &certificate)
+    Private(const Certificate &certificate, const QMap<QString, HttpServer::Answer> &answers)
         : scheme(certificate.certificate.isEmpty() ? QStringLiteral("http") : QStringLiteral("https"))
     {
         addAnswers();
+        for (auto answer = answers.begin(); answer != answers.end(); ++answer)
+            addAnswer(answer.key(), answer.value());
         listener =
             std::make_unique<Listener>([this](Connection &connection) { serve(connection); }, certificate);
         svr_sock_ = listener->socket(); // a server without one counts as stopped
@@ -167,16 +182,22 @@ private:
 
     void add(const std::string &path, const Answer &answer)
     {
-        const Handler handler = [this, answer](const httplib::Request &request, httplib::Response &response) {
-            record(request);
-            answer(request, response, s_current->connection());
-        };
-        Get(path + "(?:/.*)?", handler);
-        Post(path + "(?:/.*)?", handler);
+        route(path + "(?:/.*)?",
+              [this, answer](const httplib::Request &request, httplib::Response &response) {
+                  record(request);
+                  answer(request, response, s_current->connection());
+              });
+    }
+
+    void route(const std::string &path, const Handler &handler)
+    {
+        Get(path, handler);
+        Post(path, handler);
     }
 
     void addAnswers();
-    void record(const httplib::Request &request);
+    void addAnswer(const QString &path, const HttpServer::Answer &answer);
+    Request record(const httplib::Request &request);
 
     // A request is served by one thread from its first byte to its last.
     static thread_local ConnectionStream *s_current;
@@ -184,19 +205,28 @@ private:
 
 thread_local ConnectionStream *HttpServer::Private::s_current = nullptr;
 
-void HttpServer::Private::record(const httplib::Request &request)
+HttpServer::Request HttpServer::Private::record(const httplib::Request &request)
 {
-    Request recorded {QByteArray::fromStdString(request.method),
-                      QByteArray::fromStdString(request.target),
-                      {},
-                      QByteArray::fromStdString(request.body)};
-    const QList<QByteArray> lines = s_current->headLines().mid(1);
-    for (const QByteArray &line : lines) {
+    QList<QByteArray> lines = s_current->headLines();
+    const QList<QByteArray> firstLine = lines.takeFirst().split(' ');
+    Request recorded {firstLine.at(0), firstLine.at(1), {}, QByteArray::fromStdString(request.body)};
+    for (const QByteArray &line : qAsConst(lines)) {
         const int colon = line.indexOf(':');
         recorded.headers.append({line.left(colon), line.mid(colon + 1).trimmed()});
     }
     const std::lock_guard<std::mutex> lock(mutex);
     requests.append(recorded);
+    return recorded;
+}
+
+void HttpServer::Private::addAnswer(const QString &path, const HttpServer::Answer &answer)
+{
+    route(path.toStdString(), [this, answer](const httplib::Request &request, httplib::Response &response) {
+        const HttpServer::Response own = answer(record(request));
+        response.status = own.status;
+        if (!own.body.isEmpty())
+            response.set_content(own.body.toStdString(), "application/json");
+    });
 }
 
 namespace {
@@ -299,8 +329,8 @@ void HttpServer::Private::addAnswers()
     add("/bytes/([0-9]+)", answerBytes);
 }
 
-HttpServer::HttpServer(const Certificate &certificate)
-    : d(std::make_unique<Private>(certificate))
+HttpServer::HttpServer(const Certificate &certificate, const QMap<QString, Answer> &answers)
+    : d(std::make_unique<Private>(certificate, answers))
 {
 }
 

@@ -5,9 +5,11 @@
 #include "Certificates.h"
 
 #include <QList>
+#include <QMap>
 #include <QPair>
 #include <QUrl>
 
+#include <functional>
 #include <memory>
 
 namespace LocalServices {
@@ -44,7 +46,16 @@ public:
         QByteArray header(const QByteArray &name) const;
     };
 
-    explicit HttpServer(const Certificate &certificate = {});
+    /** A service's own answer: the status, and the body that goes with it. Any thread. */
+    struct Response
+    {
+        int status;
+        QByteArray body;
+    };
+    using Answer = std::function<Response(const Request &)>;
+
+    /** Answers at the paths of @p answers as well. */
+    explicit HttpServer(const Certificate &certificate = {}, const QMap<QString, Answer> &answers = {});
 
     /** Ends all connections, those of requests that hang too, and returns at once. */
     ~HttpServer();

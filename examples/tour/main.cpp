@@ -38,5 +38,6 @@ int main(int argc, char **argv)
     showDefaultApplication(report, directory);
     showQrCode(report, directory);
     showLocation(report, directory);
+    showReports(report, directory);
     return report.finish();
 }

@@ -19,3 +19,4 @@ void showTheme(Report &report, const QDir &directory);
 void showDefaultApplication(Report &report, const QDir &directory);
 void showQrCode(Report &report, const QDir &directory);
 void showLocation(Report &report, const QDir &directory);
+void showReports(Report &report, const QDir &directory);

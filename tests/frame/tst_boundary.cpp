@@ -92,14 +92,30 @@ private Q_SLOTS:
                                       QStringLiteral("libQt5Network.so.5")}));
     }
 
-    void noWorkIsDoneAtLoadTime()
+    void onlyTheVocabularyIsBuiltAtLoadTime()
     {
         if (isInstrumented)
             QSKIP("instruments start at load time");
         const QString dynamic = output(QStringLiteral("readelf"), {QStringLiteral("-dW"), library});
-        // The one entry is the compiler's own start file.
+        // One entry is the compiler's own start file, one is the words for statistics records.
         QCOMPARE(captured(dynamic, QStringLiteral(R"(\(INIT_ARRAYSZ\)\s+(\d+))")),
-                 QStringList {QString::number(sizeof(void *))});
+                 QStringList {QString::number(2 * sizeof(void *))});
+    }
+
+    void vocabularyOfRecordsIsInTheLibrary()
+    {
+        const QByteArray content = readFile(library);
+        for (const char *word :
+             {"install", "uninstall", "uninstall_opt", "update", "feedback", "mf_show", "payment_completed",
+              "crash", "server_run", "start", "end", "cancel", "fail", "none"}) {
+            const QString text = QString::fromLatin1(word) + QChar(0);
+            const QByteArray utf16(reinterpret_cast<const char *>(text.utf16()), 2 * text.size());
+            // A word of its own, not the end of a longer one.
+            int position = content.indexOf(utf16);
+            while (position > 0 && content.at(position - 1) == 0 && content.at(position - 2) != 0)
+                position = content.indexOf(utf16, position + 1);
+            QVERIFY2(position > 0, word);
+        }
     }
 
     void callsInsideTheLibraryAreBoundThere()
@@ -109,7 +125,10 @@ private Q_SLOTS:
                    {QStringLiteral("-c"), QStringLiteral("readelf -rW '%1' | c++filt").arg(library)});
         QVERIFY(relocations.contains(QStringLiteral("JUMP_SLO")));
         const QStringList slots =
-            captured(relocations, QStringLiteral("^.*JUMP_SLO.*? ((?:ZyBase::|LoggerObjectPrivate::).*)$"));
+            captured(relocations,
+                     QStringLiteral(
+                         "^.*JUMP_SLO.*? "
+                         "((?:ZyBase::|LoggerObjectPrivate::|C(?:GoogleAnalytics|GaReport|XdReport)::).*)$"));
         QCOMPARE(slots, QStringList());
     }
 
@@ -135,6 +154,8 @@ private Q_SLOTS:
         QVERIFY(ZyBase::CJsonReader::ParseJsonFileToArray(QString()).isEmpty());
         QCOMPARE(ZyBase::CHttpPostRequest::SignObject({}, QString()),
                  ZyBase::CSystemUtils::GetStringMd5(QString()));
+        ZyBase::CGaReportManager::ReleaseReport();
+        QVERIFY(!ZyBase::CGaReportManager::s_instance);
         ZyBase::DownloadManager().StopDownload();
         QVERIFY(ParseTdValue(QString()).isEmpty());
         QVERIFY(&ZyBase::CNetworkUtils::IsNetWorkOnline);

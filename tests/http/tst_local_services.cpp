@@ -58,6 +58,29 @@ private Q_SLOTS:
         QCOMPARE(request.body, QByteArray("body"));
     }
 
+    void secondQuestionMarkIsPartOfTheQuery()
+    {
+        const HttpServer server;
+        const QByteArray answer =
+            exchange(server.url(QStringLiteral("/")), "GET /echo?a=1?b=2?c HTTP/1.1\r\nHost: h?\r\n\r\n");
+        QVERIFY(answer.startsWith("HTTP/1.1 200 OK\r\n"));
+        QCOMPARE(server.requests().first().target, QByteArray("/echo?a=1?b=2?c"));
+        QCOMPARE(server.requests().first().header("Host"), QByteArray("h?"));
+    }
+
+    void serviceAnswersAtAPathOfItsOwn()
+    {
+        const HttpServer server({}, {{QStringLiteral("/own"), [](const HttpServer::Request &request) {
+                                          return HttpServer::Response {418, request.body + "!"};
+                                      }}});
+        const QByteArray answer =
+            exchange(server.url(QStringLiteral("/")),
+                     "POST /own?x HTTP/1.1\r\nHost: h\r\nContent-Length: 4\r\n\r\nbody");
+        QVERIFY(answer.startsWith("HTTP/1.1 418 "));
+        QVERIFY(answer.endsWith("\r\n\r\nbody!"));
+        QCOMPARE(server.requests().size(), 1);
+    }
+
     void rawRequestIsRecordedAsItStood()
     {
         const RawServer server([](Connection &client) { client.write("anything"); });

@@ -20,3 +20,4 @@ Commands fileCommands();
 Commands platformCommands();
 Commands identityCommands();
 Commands netCommands();
+Commands analyticsCommands();

@@ -13,8 +13,9 @@ int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
     Commands commands;
-    for (const Commands &family : {processCommands(), logCommands(), httpCommands(), fileCommands(),
-                                   platformCommands(), identityCommands(), netCommands()}) {
+    for (const Commands &family :
+         {processCommands(), logCommands(), httpCommands(), fileCommands(), platformCommands(),
+          identityCommands(), netCommands(), analyticsCommands()}) {
         for (auto command = family.cbegin(); command != family.cend(); ++command)
             commands.insert(command.key(), command.value());
     }

@@ -1,0 +1,247 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include <ZyBase/analytics/CGaReportManager.h>
+#include <ZyBase/files/CJsonReader.h>
+
+#include "ratios.h"
+
+#include <localservices/HttpServer.h>
+
+#include <QCoreApplication>
+#include <QCryptographicHash>
+#include <QDateTime>
+#include <QEventLoop>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QSemaphore>
+#include <QTemporaryDir>
+#include <QUrl>
+
+#include <benchmark/benchmark.h>
+
+#include <ctime>
+#include <thread>
+
+using LocalServices::HttpServer;
+using ZyBase::CGaReportManager;
+using ZyBase::CJsonReader;
+
+namespace {
+
+constexpr int eventCount = 100000;
+constexpr int lookupCount = 1000000;
+
+using Catalogue = QMap<QString, QJsonObject>;
+
+const QString &catalogueFile()
+{
+    static const QTemporaryDir directory;
+    static const QString path = [] {
+        QJsonArray events;
+        for (int i = 0; i < eventCount; ++i) {
+            events.append(QJsonObject {{QStringLiteral("event_key"), QStringLiteral("key_%1").arg(i)},
+                                       {QStringLiteral("event_name"), QStringLiteral("click")},
+                                       {QStringLiteral("event_category"), QStringLiteral("toolbar")},
+                                       {QStringLiteral("event_label"), QStringLiteral("button %1").arg(i)}});
+        }
+        const QString name = directory.filePath(QStringLiteral("events.json"));
+        QFile file(name);
+        file.open(QIODevice::WriteOnly);
+        file.write(QJsonDocument(events).toJson());
+        return name;
+    }();
+    return path;
+}
+
+// Known ones and unknown ones, in no order.
+const QStringList &keys()
+{
+    static const QStringList list = [] {
+        QStringList result;
+        for (int i = 0; i < lookupCount; ++i)
+            result << QStringLiteral("key_%1").arg(qint64(i) * 7919 % (eventCount + eventCount / 10));
+        return result;
+    }();
+    return list;
+}
+
+CGaReportManager *manager()
+{
+    return CGaReportManager::getInstance(nullptr);
+}
+
+void loadInto(Catalogue &catalogue)
+{
+    const QJsonArray events = CJsonReader::ParseJsonFileToArray(catalogueFile());
+    for (const QJsonValue &value : events) {
+        const QJsonObject event = value.toObject();
+        catalogue.insert(event.value(QStringLiteral("event_key")).toString(), event);
+    }
+}
+
+void initByTheLibrary(benchmark::State &state)
+{
+    const QString path = catalogueFile();
+    for (auto _ : state) {
+        manager()->InitGaData(path, QString(), QString(), QString());
+        state.PauseTiming();
+        delete CGaReportManager::s_instance;
+        CGaReportManager::s_instance = nullptr;
+        state.ResumeTiming();
+    }
+}
+
+void initByQt(benchmark::State &state)
+{
+    catalogueFile();
+    for (auto _ : state) {
+        auto *const catalogue = new Catalogue;
+        loadInto(*catalogue);
+        state.PauseTiming();
+        delete catalogue;
+        state.ResumeTiming();
+    }
+}
+
+void lookUpByTheLibrary(benchmark::State &state)
+{
+    manager()->InitGaData(catalogueFile(), QString(), QString(), QString());
+    for (auto _ : state) {
+        for (const QString &key : keys())
+            benchmark::DoNotOptimize(manager()->GetGaData(key));
+    }
+}
+
+// A membership test and a read.
+void lookUpByQt(benchmark::State &state)
+{
+    Catalogue catalogue;
+    loadInto(catalogue);
+    for (auto _ : state) {
+        for (const QString &key : keys())
+            benchmark::DoNotOptimize(catalogue.contains(key) ? catalogue.value(key) : QJsonObject());
+    }
+}
+
+QUrl echo()
+{
+    static const HttpServer server;
+    return server.url(QStringLiteral("/echo"));
+}
+
+// The work of the calling thread alone, whatever the thread that it starts takes from it meanwhile.
+template <typename Call> void measure(benchmark::State &state, Call call)
+{
+    const auto seconds = [] {
+        timespec time {};
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+        return double(time.tv_sec) + double(time.tv_nsec) / 1e9;
+    };
+    const double start = seconds();
+    call();
+    state.SetIterationTime(seconds() - start);
+}
+
+void sendByTheLibrary(benchmark::State &state)
+{
+    CXdReport reporter;
+    reporter.InitData(echo().toString(), QStringLiteral("device"), QStringLiteral("reader"),
+                      QStringLiteral("1.2.3"), QStringLiteral("store"));
+    for (auto _ : state) {
+        measure(state, [&] { reporter.ReportXdData(QStringLiteral("install"), QStringLiteral("end")); });
+        while (!reporter.children().isEmpty())
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+}
+
+// What a record takes of Qt on the caller's thread: two readings of the clock, its text, the digest and the
+// address.
+QUrl prepareByQt()
+{
+    const QString day = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss"));
+    const QString seconds = QString::number(QDateTime::currentDateTime().toSecsSinceEpoch());
+    const QJsonObject record {{QStringLiteral("action"), QStringLiteral("install")},
+                              {QStringLiteral("day"), day},
+                              {QStringLiteral("device_id"), QStringLiteral("device")},
+                              {QStringLiteral("os"), QStringLiteral("linux")},
+                              {QStringLiteral("product"), QStringLiteral("reader")},
+                              {QStringLiteral("qd"), QStringLiteral("store")},
+                              {QStringLiteral("status"), QStringLiteral("end")},
+                              {QStringLiteral("version"), QStringLiteral("1.2.3")}};
+    const QByteArray json = QJsonDocument(record).toJson(QJsonDocument::Compact);
+    const QByteArray digest = QCryptographicHash::hash(json, QCryptographicHash::Md5).toHex();
+    return QUrl(echo().toString() + QStringLiteral("?sign=") + QString::fromLatin1(digest)
+                + QStringLiteral("&timestamp=") + seconds);
+}
+
+void postByQt(const QUrl &url)
+{
+    QNetworkAccessManager manager;
+    QNetworkRequest request(url);
+    request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
+    QEventLoop loop;
+    const QNetworkReply *const reply = manager.post(request, QByteArrayLiteral("{}"));
+    QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+template <typename Prepare> void startThread(benchmark::State &state, Prepare prepare)
+{
+    QSemaphore isOver;
+    for (auto _ : state) {
+        measure(state, [&] {
+            std::thread([&isOver, url = prepare()] {
+                postByQt(url);
+                isOver.release();
+            }).detach();
+        });
+        isOver.acquire();
+    }
+}
+
+void sendByAThread(benchmark::State &state)
+{
+    startThread(state, echo);
+}
+
+void sendByAThreadAndQt(benchmark::State &state)
+{
+    startThread(state, prepareByQt);
+}
+
+BENCHMARK(initByTheLibrary)->Name("init/InitGaData")->Unit(benchmark::kMillisecond);
+BENCHMARK(initByQt)->Name("init/QMap")->Unit(benchmark::kMillisecond);
+BENCHMARK(lookUpByTheLibrary)->Name("lookup/GetGaData")->Unit(benchmark::kMillisecond);
+BENCHMARK(lookUpByQt)->Name("lookup/QMap")->Unit(benchmark::kMillisecond);
+BENCHMARK(sendByTheLibrary)
+    ->Name("send/ReportXdData")
+    ->UseManualTime()
+    ->Iterations(200)
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(sendByAThread)
+    ->Name("send/thread")
+    ->UseManualTime()
+    ->Iterations(200)
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(sendByAThreadAndQt)
+    ->Name("send/thread+Qt")
+    ->UseManualTime()
+    ->Iterations(200)
+    ->Unit(benchmark::kMicrosecond);
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    return runWithRatios(
+        argc, argv,
+        {{"load a catalogue of 100,000 events, to plain QMap", "init/InitGaData", "init/QMap", 0},
+         {"1,000,000 lookups in it, to plain QMap", "lookup/GetGaData", "lookup/QMap", 1.0},
+         {"start a record, to one thread start", "send/ReportXdData", "send/thread", 0},
+         {"start a record, to one thread start and its text by Qt", "send/ReportXdData", "send/thread+Qt",
+          0}});
+}

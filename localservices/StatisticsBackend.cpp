@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include "StatisticsBackend.h"
+
+#include <QCryptographicHash>
+#include <QDateTime>
+#include <QJsonDocument>
+#include <QRegularExpression>
+
+namespace LocalServices {
+
+namespace {
+
+constexpr int taken = 200;
+constexpr int refused = 403;
+constexpr qint64 patienceSeconds = 300;
+
+// The query's last two keys; what stands before them belongs to the backend's own address.
+const QString queryForm = QStringLiteral("\\?sign=([0-9a-f]{32})&timestamp=([0-9]+)\\z");
+const QString dayForm = QStringLiteral("\\A[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}\\z");
+
+const QStringList &keys()
+{
+    static const QStringList list {QStringLiteral("action"),    QStringLiteral("day"),
+                                   QStringLiteral("device_id"), QStringLiteral("os"),
+                                   QStringLiteral("product"),   QStringLiteral("qd"),
+                                   QStringLiteral("status"),    QStringLiteral("version")};
+    return list;
+}
+
+bool areTexts(const QJsonObject &body)
+{
+    for (const QString &key : keys()) {
+        if (!body.value(key).isString())
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+StatisticsBackend::StatisticsBackend(const QByteArray &secret, const Certificate &certificate)
+    : m_secret(secret)
+    , m_server(certificate, {{QStringLiteral("/report"),
+                              [this](const HttpServer::Request &request) { return receive(request); }}})
+{
+}
+
+QList<StatisticsBackend::Record> StatisticsBackend::records() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_records;
+}
+
+HttpServer::Response StatisticsBackend::receive(const HttpServer::Request &request)
+{
+    const QRegularExpressionMatch query =
+        QRegularExpression(queryForm).match(QString::fromLatin1(request.target));
+    Record record {request,
+                   query.captured(1).toLatin1(),
+                   query.captured(2).toLongLong(),
+                   QJsonDocument::fromJson(request.body).object(),
+                   {}};
+    const auto check = [&record](bool isGood, const char *problem) {
+        if (!isGood)
+            record.problems << QString::fromLatin1(problem);
+    };
+    const QByteArray text = m_secret + "timestamp" + query.captured(2).toLatin1() + request.body + m_secret;
+    check(request.method == "POST", "method");
+    check(request.header("Content-Type") == "application/json", "Content-Type");
+    check(query.hasMatch(), "query");
+    check(qAbs(QDateTime::currentSecsSinceEpoch() - record.timestamp) <= patienceSeconds, "timestamp");
+    check(QCryptographicHash::hash(text, QCryptographicHash::Md5).toHex() == record.signature, "sign");
+    check(record.body.keys() == keys() && areTexts(record.body), "keys");
+    check(QRegularExpression(dayForm).match(record.body.value(QStringLiteral("day")).toString()).hasMatch(),
+          "day");
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_records.append(record);
+    return record.problems.isEmpty() ? HttpServer::Response {taken, "{\"code\":0}"}
+                                     : HttpServer::Response {refused, "{\"code\":1}"};
+}
+
+} // namespace LocalServices
