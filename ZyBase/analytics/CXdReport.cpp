@@ -16,8 +16,8 @@ using ZyBase::CSystemUtils;
 
 namespace {
 
-// The words that backends know, for the two arguments of a record. They are built in this order when
-// the library is loaded, which is all that happens then, and it is for the host to use them.
+// The words that backends know, for the two arguments of a record. No code reads them; building them, in
+// this order, is the one thing that happens when the library is loaded.
 [[maybe_unused]] const QString strActionInstall = QStringLiteral("install");
 [[maybe_unused]] const QString strActionUninstall = QStringLiteral("uninstall");
 [[maybe_unused]] const QString strActionUninstallOpt = QStringLiteral("uninstall_opt");

@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include "Collectors.h"
+
+#include <localservices/StatisticsBackend.h>
+
+#include <QCryptographicHash>
+#include <QDateTime>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+
+using LocalServices::GaCollector;
+using LocalServices::StatisticsBackend;
+
+namespace {
+
+const QByteArray goodEvent = "{\"client_id\": \"c\", \"user_id\": \"c\", \"events\": [{\"name\": \"open\","
+                             " \"params\": {\"event_category\": \"file\", \"event_label\": \"pdf\"}}]}";
+const QByteArray goodRecord =
+    "{\"action\":\"a\",\"day\":\"2026-11-20 17:05:09\",\"device_id\":\"d\",\"os\":\"linux\","
+    "\"product\":\"p\",\"qd\":\"q\",\"status\":\"s\",\"version\":\"v\"}";
+const QByteArray secret(32, 's');
+
+QByteArray changed(QByteArray text, const QByteArray &before, const QByteArray &after)
+{
+    return text.replace(before, after);
+}
+
+// The status of the answer.
+int post(const QUrl &url, const QByteArray &body)
+{
+    QNetworkAccessManager manager;
+    QNetworkRequest request(url);
+    request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
+    const std::unique_ptr<QNetworkReply> reply(manager.post(request, body));
+    if (!QTest::qWaitFor([&] { return reply->isFinished(); }, 20000))
+        return -1;
+    return reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+}
+
+QUrl withQuery(const QUrl &url, const QByteArray &query)
+{
+    return QUrl(url.toString() + QString::fromLatin1(query));
+}
+
+} // namespace
+
+// The stand-ins find what the real ones would: else no test that leans on them could fail.
+class TestCollectors : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void eventIsJudged_data()
+    {
+        QTest::addColumn<QByteArray>("query");
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<QString>("problem");
+        const QByteArray query = "?measurement_id=G-1&api_secret=s";
+        const auto row = [&query](const char *name, const QByteArray &body, const char *problem) {
+            QTest::newRow(name) << query << body << QString::fromLatin1(problem);
+        };
+        const QByteArray longText(101, 'x');
+        row("good", goodEvent, "");
+        row("no JSON", "hello", "keys client_id user_id events");
+        row("no client", changed(goodEvent, "\"client_id\": \"c\"", "\"client_id\": \"\""), "client_id");
+        row("no events",
+            changed(goodEvent,
+                    "[{\"name\": \"open\", \"params\": {\"event_category\": \"file\","
+                    " \"event_label\": \"pdf\"}}]",
+                    "[]"),
+            "events");
+        row("blank in the name", changed(goodEvent, "open", "open file"), "name");
+        row("long name", changed(goodEvent, "open", longText.left(41)), "name");
+        row("reserved name", changed(goodEvent, "open", "ga_open"), "name");
+        row("long label", changed(goodEvent, "pdf", longText), "value");
+        row("number for a label", changed(goodEvent, "\"pdf\"", "7"), "value");
+        row("bad param", changed(goodEvent, "event_label", "event label"), "param");
+        row("key too many", changed(goodEvent, "{\"client_id\"", "{\"a\": 1, \"client_id\""), "keys");
+        QTest::newRow("no secret") << QByteArray("?measurement_id=G-1&api_secret=") << goodEvent
+                                   << QStringLiteral("api_secret");
+        QTest::newRow("no stream") << QByteArray("?measurement_id=&api_secret=s") << goodEvent
+                                   << QStringLiteral("measurement_id");
+        QTest::newRow("key of the query too many") << query + "&a=1" << goodEvent << QStringLiteral("query");
+    }
+    void eventIsJudged()
+    {
+        QFETCH(QByteArray, query);
+        QFETCH(QByteArray, body);
+        QFETCH(QString, problem);
+        const GaCollector collector;
+        QCOMPARE(post(withQuery(collector.url(), query), body), 204);
+        QCOMPARE(collector.events().size(), 1);
+        QCOMPARE(collector.events().first().problems.join(QLatin1Char(' ')), problem);
+    }
+
+    void recordIsJudged_data()
+    {
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<QByteArray>("signedBody");
+        QTest::addColumn<int>("age");
+        QTest::addColumn<QString>("problem");
+        const auto row = [](const char *name, const QByteArray &body, int age, const char *problem) {
+            QTest::newRow(name) << body << body << age << QString::fromLatin1(problem);
+        };
+        row("good", goodRecord, 0, "");
+        row("four minutes old", goodRecord, 240, "");
+        row("an hour old", goodRecord, 3600, "timestamp");
+        row("of the future", goodRecord, -3600, "timestamp");
+        row("key too few", changed(goodRecord, "\"qd\":\"q\",", ""), 0, "keys");
+        row("key too many", changed(goodRecord, "\"qd\"", "\"b\":\"\",\"qd\""), 0, "keys");
+        row("number", changed(goodRecord, "\"q\"", "7"), 0, "keys");
+        row("day of another form", changed(goodRecord, "2026-11-20 ", "20.11.2026 "), 0, "day");
+        QTest::newRow("other bytes are signed") << goodRecord << goodRecord + '\n'
+                                                << 0 << QStringLiteral("sign");
+    }
+    void recordIsJudged()
+    {
+        QFETCH(QByteArray, body);
+        QFETCH(QByteArray, signedBody);
+        QFETCH(int, age);
+        QFETCH(QString, problem);
+        const StatisticsBackend backend(secret);
+        const QByteArray seconds = QByteArray::number(QDateTime::currentSecsSinceEpoch() - age);
+        const QByteArray text = secret + "timestamp" + seconds + signedBody + secret;
+        const QByteArray sign = QCryptographicHash::hash(text, QCryptographicHash::Md5).toHex();
+        const QUrl url = withQuery(backend.url(), "?sign=" + sign + "&timestamp=" + seconds);
+        QCOMPARE(post(url, body), problem.isEmpty() ? 200 : 403);
+        QCOMPARE(backend.records().size(), 1);
+        QCOMPARE(backend.records().first().problems.join(QLatin1Char(' ')), problem);
+    }
+
+    void recordWithoutASignatureIsRefused()
+    {
+        const StatisticsBackend backend(secret);
+        QCOMPARE(post(backend.url(), goodRecord), 403);
+        QVERIFY(backend.records().first().problems.contains(QStringLiteral("query")));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestCollectors)
+
+#include "tst_collectors.moc"
