@@ -71,6 +71,31 @@ private:
         m_host->setEnvironment(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
         QVERIFY(m_host->start(sandbox));
     }
+    // On a busy machine, Qt's list of interfaces in a fresh network is empty for a moment now and then. So
+    // both ask until the answer is the expected one, or for long enough.
+    QString address(const QString &expected)
+    {
+        QString answer;
+        QTest::qWaitFor(
+            [&] {
+                answer = sources().value(QStringLiteral("address")).toString();
+                return answer == expected;
+            },
+            20000);
+        return answer;
+    }
+    QString newPcid(const QString &expected)
+    {
+        QString answer;
+        QTest::qWaitFor(
+            [&] {
+                QFile::remove(deviceFile());
+                answer = pcid();
+                return answer == expected;
+            },
+            20000);
+        return answer;
+    }
     QJsonObject sources() { return m_host->call(QStringLiteral("identity.sources")).toObject(); }
     QString pcid(const QString &name = QStringLiteral("reader"))
     {
@@ -235,10 +260,9 @@ private Q_SLOTS:
             QSKIP("network interfaces can't be made here");
         keep(QByteArray(" \n"), dbus);
         start(machine(addCard));
-        QCOMPARE(sources().value(QStringLiteral("address")).toString(), cardAddress);
-        QCOMPARE(pcid(), digest(cardAddress.toLatin1()));
-        QVERIFY(QFile::remove(deviceFile()));
-        QCOMPARE(pcid(), digest(cardAddress.toLatin1()));
+        QCOMPARE(address(cardAddress), cardAddress);
+        const QString expected = digest(cardAddress.toLatin1());
+        QCOMPARE(newPcid(expected), expected);
     }
 
     void addressIsThatOfTheFirstInterfaceThatQualifies_data()
@@ -270,9 +294,9 @@ private Q_SLOTS:
         if (!Sandbox::hasNetwork(network))
             QSKIP("such network interfaces can't be made here");
         start(machine(network));
-        const QJsonValue address = sources().value(QStringLiteral("address"));
-        QCOMPARE(address.toString(), expected);
-        QCOMPARE(address.isNull(), expected.isNull());
+        QCOMPARE(address(expected), expected);
+        if (expected.isNull())
+            QVERIFY(sources().value(QStringLiteral("address")).isNull());
     }
 
     void machineWithoutAnySourceHasAMomentAndANumber()
