@@ -13,6 +13,8 @@
 #include <QSet>
 #include <QTest>
 
+#include <functional>
+
 using ZyBase::CSystemUtils;
 
 namespace {
@@ -68,27 +70,33 @@ private:
     }
     void start(const Sandbox &sandbox)
     {
+        m_sandbox = sandbox;
         m_host->setEnvironment(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
         QVERIFY(m_host->start(sandbox));
     }
-    // On a busy machine, Qt's list of interfaces in a fresh network is empty one time in twenty. So asks
-    // until there is an answer, a few times at most.
-    QString address()
+    // On a busy machine, Qt shows one process of twenty no interface at all in a fresh network. So another
+    // is asked then, a few times at most.
+    QString ask(const std::function<QString()> &question, const QString &expected)
     {
-        QString answer;
-        for (int attempt = 0; attempt < 20 && answer.isEmpty(); ++attempt)
-            answer = sources().value(QStringLiteral("address")).toString();
-        return answer;
-    }
-    // The identifier made anew, until it is the expected one.
-    QString newPcid(const QString &expected)
-    {
-        QString answer;
-        for (int attempt = 0; attempt < 20 && answer != expected; ++attempt) {
-            QFile::remove(deviceFile());
-            answer = pcid();
+        QString answer = question();
+        for (int attempt = 0; attempt < 10 && answer != expected; ++attempt) {
+            m_host = std::make_unique<HostProcess>();
+            start(m_sandbox);
+            answer = question();
         }
         return answer;
+    }
+    QString address(const QString &expected)
+    {
+        return ask([this] { return sources().value(QStringLiteral("address")).toString(); }, expected);
+    }
+    QString newPcid(const QString &expected)
+    {
+        const auto make = [this] {
+            QFile::remove(deviceFile());
+            return pcid();
+        };
+        return ask(make, expected);
     }
     QJsonObject sources() { return m_host->call(QStringLiteral("identity.sources")).toObject(); }
     QString pcid(const QString &name = QStringLiteral("reader"))
@@ -106,6 +114,7 @@ private:
     std::unique_ptr<QTemporaryDir> m_lib;
     std::unique_ptr<TemporaryHome> m_home;
     std::unique_ptr<HostProcess> m_host;
+    Sandbox m_sandbox; ///< of the last start()
 
 private Q_SLOTS:
     void initTestCase()
@@ -254,7 +263,7 @@ private Q_SLOTS:
             QSKIP("network interfaces can't be made here");
         keep(QByteArray(" \n"), dbus);
         start(machine(addCard));
-        QCOMPARE(address(), cardAddress);
+        QCOMPARE(address(cardAddress), cardAddress);
         const QString expected = digest(cardAddress.toLatin1());
         QCOMPARE(newPcid(expected), expected);
     }
@@ -288,7 +297,7 @@ private Q_SLOTS:
         if (!Sandbox::hasNetwork(network))
             QSKIP("such network interfaces can't be made here");
         start(machine(network));
-        QCOMPARE(address(), expected);
+        QCOMPARE(address(expected), expected);
         if (expected.isNull())
             QVERIFY(sources().value(QStringLiteral("address")).isNull());
     }
