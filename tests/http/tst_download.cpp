@@ -581,7 +581,8 @@ private Q_SLOTS:
         WatchedDownload watched;
         connect(watched.manager(), &DownloadManager::signalDownloadProgress, watched.manager(),
                 &DownloadManager::StopDownload);
-        QVERIFY(watched.manager()->StartDownload(url("/bytes/100000000/file"), folder()));
+        // Slow enough for a report before the end.
+        QVERIFY(watched.manager()->StartDownload(url("/bytes/100000000/file?rate=10000000"), folder()));
         QVERIFY(watched.waitForOutcomes());
         QTest::qWait(50);
         QCOMPARE(watched.outcomes().size(), 1);

@@ -163,7 +163,9 @@ private Q_SLOTS:
             client.reset();
         });
         const QUrl url(QStringLiteral("http://127.0.0.1:%1/").arg(server.port()));
-        QCOMPARE(carryOut(form, url), nothing(form));
+        // Now and then Qt misses the reset and waits; the limit then ends it.
+        const Outcome outcome = carryOut(form, url);
+        QVERIFY(outcome == nothing(form) || outcome == timedOut);
         QVERIFY(hasAccepted);
     }
 
