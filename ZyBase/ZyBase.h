@@ -24,6 +24,8 @@
 #include "platform/COperateSystem.h"
 #include "platform/CSystemUtils.h"
 
+#include <ZyBase/base/ZyBaseVersion.h>
+
 #if __has_include(<log4qt/logger.h>)
 #include "base/LoggerObjectPrivate.h"
 #endif

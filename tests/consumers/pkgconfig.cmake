@@ -1,0 +1,12 @@
+# SPDX-License-Identifier: LGPL-2.1-or-later
+
+include(${CMAKE_CURRENT_LIST_DIR}/support.cmake)
+
+pkg_config(--modversion version)
+if(NOT version STREQUAL VERSION)
+    message(FATAL_ERROR "pkg-config says version ${version}")
+endif()
+set(ENV{PKG_CONFIG_PATH} ${PREFIX}/lib/pkgconfig)
+run(make -C ${WORK_DIR} -f ${CMAKE_CURRENT_LIST_DIR}/pkgconfig/Makefile CXX=${CXX})
+set(ENV{LD_LIBRARY_PATH} ${PREFIX}/lib)
+expect_consumer_works(${WORK_DIR}/consumer)

@@ -1,0 +1,23 @@
+# SPDX-License-Identifier: LGPL-2.1-or-later
+
+include(${CMAKE_CURRENT_LIST_DIR}/../configuration/support.cmake)
+
+# pkg_config(<option> <variable>): what pkg-config says of the moved library.
+function(pkg_config option variable)
+    set(ENV{PKG_CONFIG_PATH} ${PREFIX}/lib/pkgconfig)
+    run(pkg-config ${option} ZyBase)
+    string(STRIP "${OUTPUT}" output)
+    set(${variable} "${output}" PARENT_SCOPE)
+endfunction()
+
+# expect_consumer_works(<program>): it logs by both ways into a file and says what it got.
+function(expect_consumer_works program)
+    run(${program} ${WORK_DIR})
+    if(NOT OUTPUT STREQUAL "1005b14bd29466723ace30d26f602f5b 64\n")
+        message(FATAL_ERROR "The consumer said: ${OUTPUT}")
+    endif()
+    file(READ ${WORK_DIR}/log/consumer.log log)
+    if(NOT log MATCHES "INFO   - by log4qt itself\n[^\n]* INFO   - built against ${VERSION}\n$")
+        message(FATAL_ERROR "The consumer's log holds: ${log}")
+    endif()
+endfunction()
