@@ -44,7 +44,7 @@ foreach(text ${texts})
 endforeach()
 
 # The libraries find each other where they lie, and look nowhere else.
-run(readelf -dW ${PREFIX}/lib/libZyBase.so)
+run(readelf -dW ${PREFIX}/${LIBDIR}/libZyBase.so)
 if(NOT OUTPUT MATCHES "R(UN)?PATH\\)[^\n]*\\[\\$ORIGIN\\]\n")
     message(FATAL_ERROR "The installed library looks for its sibling elsewhere: ${OUTPUT}")
 endif()

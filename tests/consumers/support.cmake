@@ -4,7 +4,7 @@ include(${CMAKE_CURRENT_LIST_DIR}/../configuration/support.cmake)
 
 # pkg_config(<option> <variable>): what pkg-config says of the moved library.
 function(pkg_config option variable)
-    set(ENV{PKG_CONFIG_PATH} ${PREFIX}/lib/pkgconfig)
+    set(ENV{PKG_CONFIG_PATH} ${PREFIX}/${LIBDIR}/pkgconfig)
     run(pkg-config ${option} ZyBase)
     string(STRIP "${OUTPUT}" output)
     set(${variable} "${output}" PARENT_SCOPE)

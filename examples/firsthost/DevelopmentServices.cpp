@@ -1,0 +1,1 @@
+../recipes/seeing-what-is-sent/DevelopmentServices.cpp
