@@ -8,23 +8,17 @@
 #include <ZyBase/netinfo/Services.h>
 
 #include <localservices/Proxy.h>
-#include <localservices/RawServer.h>
+#include <localservices/PublicServices.h>
 
 #include <QNetworkProxy>
 
 using LocalServices::Authority;
 using LocalServices::Proxy;
+using LocalServices::PublicServices;
 using LocalServices::RawServer;
 using ZyBase::CNetworkUtils;
 
 namespace {
-
-const char *const location =
-    "{\"status\":\"success\",\"country\":\"Germany\",\"countryCode\":\"DE\",\"regionName\":\"Land Berlin\","
-    "\"city\":\"Berlin\",\"lat\":52.52,\"lon\":13.405,\"query\":\"192.0.2.1\"}";
-const char *const page = "<tr>\n<td>City:</td>\n<td>Paris</td>\n<td>Country:</td>\n<td>France</td>\n"
-                         "<td>State:</td>\n<td>Ile-de-France</td>\n<td>Latitude:</td>\n<td>48.85</td>\n"
-                         "<td>Longitude:</td>\n<td>2.35</td>\n</tr>\n";
 
 QString locate(Report &report, const QString &what)
 {
@@ -45,16 +39,10 @@ void showLocation(Report &report, const QDir &)
     report.heading(QStringLiteral("Address and location"), QStringLiteral("ZyBase/netinfo/CNetworkUtils.h"));
 
     // The tour stays on this machine: the services that are asked are stand-ins.
-    const RawServer addressService(RawServer::answerWith("{\"ip\":\"192.0.2.1\"}"));
-    const RawServer countryService(RawServer::answerWith("{\"country_code\":\"DE\",\"ip\":\"192.0.2.1\"}"));
-    const RawServer locationService(RawServer::answerWith(location));
-    const RawServer locationPage(RawServer::answerWith(page));
+    const PublicServices services;
     const Authority authority;
     Proxy proxy(authority);
-    proxy.lead(QLatin1String(ZyBase::Services::pszAddressHost), addressService.url());
-    proxy.lead(QLatin1String(ZyBase::Services::pszCountryHost), countryService.url());
-    proxy.lead(QLatin1String(ZyBase::Services::pszGeolocationHost), locationService.url());
-    proxy.lead(QLatin1String(ZyBase::Services::pszGeolocationPageHost), locationPage.url());
+    services.lead(proxy);
     QNetworkProxy::setApplicationProxy(
         QNetworkProxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), proxy.port()));
 
