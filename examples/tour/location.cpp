@@ -3,12 +3,14 @@
 #include "services.h"
 
 #include "Report.h"
+#include "World.h"
 
 #include <ZyBase/netinfo/CNetworkUtils.h>
 #include <ZyBase/netinfo/Services.h>
 
 #include <localservices/Proxy.h>
 #include <localservices/PublicServices.h>
+#include <localservices/RawServer.h>
 
 #include <QNetworkProxy>
 
@@ -32,6 +34,23 @@ QString locate(Report &report, const QString &what)
     return text;
 }
 
+// The local services never refuse: this goes through a proxy of its own.
+QString locateWhereTheFirstRefuses(Report &report)
+{
+    const PublicServices services;
+    const RawServer refusal(RawServer::answerWith("{\"status\":\"fail\"}"));
+    const Authority authority;
+    Proxy proxy(authority);
+    services.lead(proxy);
+    proxy.lead(QLatin1String(ZyBase::Services::pszGeolocationHost), refusal.url());
+    const QNetworkProxy previous = QNetworkProxy::applicationProxy();
+    QNetworkProxy::setApplicationProxy(
+        QNetworkProxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), proxy.port()));
+    const QString text = locate(report, QStringLiteral("GetIPInfo, refused"));
+    QNetworkProxy::setApplicationProxy(previous);
+    return text;
+}
+
 } // namespace
 
 void showLocation(Report &report, const QDir &)
@@ -39,13 +58,7 @@ void showLocation(Report &report, const QDir &)
     report.heading(QStringLiteral("Address and location"), QStringLiteral("ZyBase/netinfo/CNetworkUtils.h"));
 
     // The tour stays on this machine: the services that are asked are stand-ins.
-    const PublicServices services;
-    const Authority authority;
-    Proxy proxy(authority);
-    services.lead(proxy);
-    QNetworkProxy::setApplicationProxy(
-        QNetworkProxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), proxy.port()));
-
+    const World world;
     const QString address = GetIP();
     report.line(QStringLiteral("GetIP"), address);
     report.promise(QStringLiteral("the address is the one that the service sees"),
@@ -61,12 +74,8 @@ void showLocation(Report &report, const QDir &)
     report.promise(QStringLiteral("the location is that of the first source"),
                    locate(report, QStringLiteral("GetIPInfo"))
                        == QLatin1String("Berlin, Land Berlin, Germany"));
-    const RawServer refusal(RawServer::answerWith("{\"status\":\"fail\"}"));
-    proxy.lead(QLatin1String(ZyBase::Services::pszGeolocationHost), refusal.url());
     report.promise(QStringLiteral("where that one fails, the page of the second is read"),
-                   locate(report, QStringLiteral("GetIPInfo, refused"))
-                       == QLatin1String("Paris, Ile-de-France, France"));
-    QNetworkProxy::setApplicationProxy(QNetworkProxy(QNetworkProxy::NoProxy));
+                   locateWhereTheFirstRefuses(report) == QLatin1String("Paris, Ile-de-France, France"));
 
     report.line(QStringLiteral("IsNetWorkOnline"), CNetworkUtils::IsNetWorkOnline()
                                                        ? QStringLiteral("true on this machine")
