@@ -6,6 +6,12 @@
  * headers are in reach; a host that only logs needs none of them.
  */
 
+/**
+ * @namespace ZyBase
+ * What hosts call. A few working classes and functions stand outside of it, in the global scope: their names
+ * are as old as the hosts that are compiled against them.
+ */
+
 #pragma once
 
 #include "analytics/CGaReport.h"

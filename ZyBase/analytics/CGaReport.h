@@ -14,7 +14,7 @@
  * The requests in the background are children of the reporter until they remove themselves. For
  * that, and for a stop, the reporter's thread must run an event loop. Nobody learns how a request ended.
  *
- * **Threads.** For the thread that owns it.
+ * **Threads.** For the thread that owns it. **Blocking.** ReportGaData() with @p sync true alone does.
  *
  * @warning Requests that are still running use a dead object when the reporter is destroyed. Call
  * StopReport(), go back to the event loop until no children are left, and destroy it then. A
@@ -25,14 +25,16 @@ class ZYBASE_EXPORT CGaReport : public QObject
     Q_OBJECT
 
 public:
-    /** Makes a reporter whose three identifiers are empty. */
+    /** Makes a reporter whose three identifiers are empty. @param parent owns it, in the same thread */
     explicit CGaReport(QObject *parent = nullptr);
+
+    /** Deletes the requests that are its children, running or not. */
     ~CGaReport() override;
 
     /**
      * Sets who reports, for the requests that start from now on. Nothing is checked.
      *
-     * @param clientId the installation, such as CSystemUtils::GetPCID() gives it
+     * @param clientId the installation, such as ZyBase::CSystemUtils::GetPCID() gives it
      * @param measurementId the data stream
      * @param apiSecret the data stream's secret
      */
@@ -41,6 +43,7 @@ public:
     /**
      * Sends an event; empty texts and identifiers go out as well.
      *
+     * @param eventName,eventCategory,eventLabel what it says
      * @param sync true waits for the answer, for at most 10000 ms, in which the thread's other events are
      * delivered; false returns once a thread is started
      * @throws std::system_error with @p sync false, when the system grants no further thread

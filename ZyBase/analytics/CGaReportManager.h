@@ -59,12 +59,14 @@ public:
      * The instance, which the first call makes. The library never deletes it.
      *
      * @param parent of the instance; only that of the first call counts
+     * @return never null
      *
      * @warning With a parent the instance goes when the parent does, and from then on this returns
      * a dangling pointer; requests that are still running then use a dead object. A null parent is safe.
      */
     static CGaReportManager *getInstance(QObject *parent);
 
+    /** Nothing in the library calls it: a host that deletes the instance sees to it that nothing runs. */
     ~CGaReportManager() override;
 
     /**
@@ -94,6 +96,7 @@ public:
     /**
      * Sends the event of the key, if the catalogue has it and its name, category and label aren't empty.
      *
+     * @param eventKey as in the catalogue, in its exact case
      * @param labelOverride takes the place of the label of the catalogue, for this call; none when empty
      * @param sync true waits for the end of the request, for at most 10000 ms, in which the thread's
      * other events are delivered and re-entry must be expected; false sends in the background
@@ -101,7 +104,12 @@ public:
      */
     void SendGaReport(const QString &eventKey, const QString &labelOverride, bool sync);
 
-    /** What the catalogue has of the event, all of its keys; an empty object for an unknown one. */
+    /**
+     * What the catalogue has of an event.
+     *
+     * @param eventKey as for SendGaReport()
+     * @return all of the event's keys; an empty object for an unknown one
+     */
     QJsonObject GetGaData(const QString &eventKey);
 
     /**
@@ -109,6 +117,7 @@ public:
      *
      * @param reportUrl the backend's address without a query
      * @param deviceId such as CSystemUtils::GetPCID() gives it
+     * @param product,version the application's, as the backend knows them
      * @param qd where the installation came from; "home" until the first call, and empty after a call
      * with an empty one
      */
@@ -118,12 +127,11 @@ public:
     /**
      * Sends a record in the background; before InitXdData() it has no address and is lost.
      *
-     * Any texts are taken. These are the words that backends know:
+     * Any texts are taken; these are the words that backends know.
      *
-     * - @p action: "install", "uninstall", "uninstall_opt", "update", "feedback", "mf_show",
-     *   "payment_completed", "crash", "server_run"
-     * - @p status: "start", "end", "cancel", "fail", "none"
-     *
+     * @param action "install", "uninstall", "uninstall_opt", "update", "feedback", "mf_show",
+     * "payment_completed", "crash" or "server_run"
+     * @param status "start", "end", "cancel", "fail" or "none"
      * @throws std::system_error when the system grants no further thread
      */
     void SendXdReport(const QString &action, const QString &status);

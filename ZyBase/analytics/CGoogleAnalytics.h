@@ -42,6 +42,8 @@
  * **Threads.** A background request runs in a thread of its own, which nothing waits for; its outcome
  * signal is emitted there. A receiver in another thread gets it queued, in need of a running event loop.
  *
+ * **Blocking.** StartRequestSync() alone does, for at most 10000 ms.
+ *
  * @warning The object must outlive its running background request. The destructor drops all connections
  * from the object, those to destroyed() too, but neither waits nor cancels; a request that is
  * still running then uses a dead object. Delete it only by deleteLater() from its outcome.
@@ -51,7 +53,10 @@ class ZYBASE_EXPORT CGoogleAnalytics : public QObject
     Q_OBJECT
 
 public:
+    /** Makes an object without a request. @param parent none for an object that serves in the background */
     explicit CGoogleAnalytics(QObject *parent = nullptr);
+
+    /** Drops all connections from the object; neither waits for a running request nor cancels it. */
     ~CGoogleAnalytics() override;
 
     /**
@@ -63,17 +68,21 @@ public:
      * @param clientId whose event it is; also sent as the user identifier
      * @param measurementId names the data stream
      * @param apiSecret the data stream's secret
+     * @param eventName,eventCategory,eventLabel what the event says
      * @return true when the answer came in time with no error; false for a refused connection, a
      * certificate that doesn't hold, an HTTP status of 400 or more, and after the time limit
+     *
+     * @warning When the application quits meanwhile the call returns at once, with true but without an
+     * answer.
      */
     bool StartRequestSync(const QString &clientId, const QString &measurementId, const QString &apiSecret,
                           const QString &eventName, const QString &eventCategory, const QString &eventLabel);
 
     /**
-     * Sends the event in a thread of its own, and returns at once; the arguments are those of
-     * StartRequestSync(). The outcome is one of SignalRequestTimeout(), SignalRequestCancel() and
-     * SignalRequestResult().
+     * Sends the event in a thread of its own, and returns at once. The outcome is one of
+     * SignalRequestTimeout(), SignalRequestCancel() and SignalRequestResult().
      *
+     * @param clientId,measurementId,apiSecret,eventName,eventCategory,eventLabel as for StartRequestSync()
      * @throws std::system_error when the system grants no further thread; no signal follows then
      */
     void StartRequestAsync(const QString &clientId, const QString &measurementId, const QString &apiSecret,

@@ -37,7 +37,7 @@
  * thread must run an event loop. Nobody learns how a request ended, the answer isn't read, and a lost
  * record is lost.
  *
- * **Threads.** For the thread that owns it.
+ * **Threads.** For the thread that owns it. **Blocking.** Never.
  *
  * @warning Requests that are still running use a dead object when the reporter is destroyed. Call
  * StopReport(), go back to the event loop until no children are left, and destroy it then.
@@ -47,8 +47,14 @@ class ZYBASE_EXPORT CXdReport : public QObject
     Q_OBJECT
 
 public:
-    /** Makes a reporter without an address, whose records carry the "qd" "home" and else empty texts. */
+    /**
+     * Makes a reporter without an address, whose records carry the "qd" "home" and else empty texts.
+     *
+     * @param parent owns it, in the same thread
+     */
     explicit CXdReport(QObject *parent = nullptr);
+
+    /** Deletes the requests that are its children, running or not. */
     ~CXdReport() override;
 
     /**
@@ -57,14 +63,16 @@ public:
      *
      * @param reportUrl the backend's address without a query; to one that has a query, "?sign=" is
      * appended all the same
+     * @param deviceId,product,version,qd as for ZyBase::CGaReportManager::InitXdData()
      */
     void InitData(const QString &reportUrl, const QString &deviceId, const QString &product,
                   const QString &version, const QString &qd);
 
     /**
-     * Sends a record, and returns once a thread is started. Any texts will do; those that backends know
-     * are told at ZyBase::CGaReportManager::SendXdReport().
+     * Sends a record, and returns once a thread is started.
      *
+     * @param action,status any texts; those that backends know are told at
+     * ZyBase::CGaReportManager::SendXdReport()
      * @throws std::system_error when the system grants no further thread
      */
     void ReportXdData(const QString &action, const QString &status);

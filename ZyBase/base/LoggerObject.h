@@ -25,9 +25,9 @@ namespace ZyBase {
  * Each line is in the file when the call returns; a crash of the host loses none. The log is the
  * host's alone: the library writes nothing to it.
  *
- * Texts are NUL-terminated UTF-8. No function reports a failure or throws. A log file that can't be
- * opened costs nothing but the lines: log4qt says so on the standard error stream, once at
- * InitLogger() and once for each line.
+ * Texts are NUL-terminated UTF-8; the file is in the encoding of the locale, UTF-8 as a rule. No function
+ * reports a failure or throws. A log file that can't be opened costs nothing but the lines: log4qt says so on
+ * the standard error stream, once at InitLogger() and once for each line.
  *
  * **Threads.** The first call of any function, InitLogger() and ReleaseLogger() are for one thread
  * at a time and must not overlap any other call. Between the two, error(), warn(), info() and
@@ -49,8 +49,10 @@ public:
      * continues the old file.
      *
      * The folder "log" is made when it is missing; the base directory is not, and without it there
-     * is no log file. A null @p pszBaseDir means the root of the file system, and with a null
-     * @p pszFileName no file can be opened; neither is refused.
+     * is no log file.
+     *
+     * @param pszFileName the file's name; with a null one no file can be opened
+     * @param pszBaseDir an existing directory; a null one means the root of the file system
      *
      * @warning A second call without ReleaseLogger() in between does not replace the log: it attaches
      * a second appender, so every line then stands in both files, or twice in the one file.
@@ -67,18 +69,24 @@ public:
      */
     static void ReleaseLogger();
 
-    /** Writes a line at level ERROR. The message is taken as it is; a null one gives an empty line. */
+    /**
+     * Writes a line at level ERROR.
+     *
+     * @param pszMessage taken as it is; a null one gives an empty line
+     */
     static void error(const char *pszMessage);
 
-    /** Writes a line at level WARN, as error() does. */
+    /** Writes a line at level WARN. @param pszMessage as for error() */
     static void warn(const char *pszMessage);
 
-    /** Writes a line at level INFO, as error() does. */
+    /** Writes a line at level INFO. @param pszMessage as for error() */
     static void info(const char *pszMessage);
 
     /**
      * Hands the message to log4qt at level DEBUG. It never reaches the log file, which takes INFO and
      * above; appenders that a host attached to the root logger itself do get it.
+     *
+     * @param pszMessage as for error()
      */
     static void debug(const char *pszMessage);
 };

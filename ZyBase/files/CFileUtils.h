@@ -10,23 +10,37 @@
 #include <string>
 
 /**
- * The directory of the running executable as the kernel's bytes, without a "/" at its end; empty for
- * an executable in the root directory, and when the path can't be read.
+ * @file
+ * ZyBase::CFileUtils, and beside it GetAppDirPath(), GetAppFilePath() and getBigFileMd5().
+ */
+
+/**
+ * The directory of the running executable as the kernel's bytes.
+ *
+ * @return the path without a "/" at its end; empty for an executable in the root directory, and when
+ * the path can't be read
+ *
+ * **Threads.** Any. **Blocking.** Never.
  */
 ZYBASE_EXPORT std::string GetAppDirPath();
 
 /**
- * The path of the running executable as the kernel's bytes, every symbolic link resolved; empty when
- * it can't be read: without /proc, or for a path of more than 4095 bytes, which the kernel won't tell.
+ * The path of the running executable as the kernel's bytes, every symbolic link resolved.
  *
  * Read anew at each call. An executable that was replaced or deleted while it runs, as by an update,
  * has " (deleted)" behind its name.
+ *
+ * @return the path; empty when it can't be read: without /proc, or for a path of more than 4095 bytes,
+ * which the kernel won't tell
+ *
+ * **Threads.** Any. **Blocking.** Never.
  */
 ZYBASE_EXPORT std::string GetAppFilePath();
 
 /**
  * The MD5 of a file of any size, in 4096 bytes of memory.
  *
+ * @param strFilePath the file
  * @return the 16 bytes of the digest, not hexadecimal (toHex() gives what CFileUtils::GetFileMd5()
  * does); null when the file can't be opened
  *
@@ -70,16 +84,16 @@ public:
      */
     ///@{
 
-    /** The executable; empty when its path can't be read. */
+    /** The executable. @return its path; empty when that can't be read */
     static QString GetApplicationFilePath();
 
-    /** Its directory; empty for the root directory and when the path can't be read. */
+    /** Its directory. @return the path; empty for the root directory and when the path can't be read */
     static QString GetApplicationDirPath();
 
-    /** The directory "res" beside it, whether it exists or not; "/res" when the path can't be read. */
+    /** The directory "res" beside it, existing or not. @return its path; "/res" when that can't be read */
     static QString GetResDirPath();
 
-    /** Always empty, not null: there is none on Linux. */
+    /** There is none on Linux. @return always empty, not null */
     static QString GetMacResourcesDirPath();
 
     ///@}
@@ -88,9 +102,11 @@ public:
     ///@{
 
     /**
-     * The MD5 of a file as 32 lower-case hexadecimal digits. The whole file is held in memory, and one
-     * of 2 GiB or more reads as empty; for large ones there is getBigFileMd5(), whose result has
-     * another form.
+     * The MD5 of a file. The whole file is held in memory, and one of 2 GiB or more reads as empty; for
+     * large ones there is getBigFileMd5(), whose result has another form.
+     *
+     * @param strFilePath the file
+     * @return 32 lower-case hexadecimal digits
      *
      * @warning A file that can't be opened is not told from an empty one: both give
      * "d41d8cd98f00b204e9800998ecf8427e". Qt writes a warning of its own then.
@@ -101,6 +117,7 @@ public:
      * A text file as a whole, decoded as UTF-8, line endings as they are. It ends at the first NUL
      * byte; a byte order mark at its start is dropped, and what is no UTF-8 becomes U+FFFD.
      *
+     * @param strFilePath the file
      * @return the text; null for a file of zero bytes; empty, not null, when it can't be opened
      */
     static QString ReadFileData(const QString &strFilePath);
@@ -108,6 +125,9 @@ public:
     /**
      * Writes the text as UTF-8 in place of what the file held; a missing file is made, a missing
      * directory is not. No byte order mark, line endings as they are.
+     *
+     * @param strFilePath the file
+     * @param strData its new text
      *
      * @warning Nothing is reported, and the old content is gone before the new is written: after a
      * crash or on a full disk the file is cut short. Where that matters:
@@ -122,13 +142,28 @@ public:
     /**
      * The data with every byte XORed with the key; the same call undoes it. This hides data from a
      * glance and protects nothing.
+     *
+     * @param data any bytes
+     * @param cKey 0 leaves them as they are
+     * @return as many bytes; null for null data
      */
     static QByteArray getEncryptDecryptByte(const QByteArray &data, const char &cKey);
 
-    /** The size as FormatFileSize() shows it; empty, not null, when nothing exists at the path. */
+    /**
+     * The size of a file as text.
+     *
+     * @param strFilePath the file
+     * @return what FormatFileSize() gives; empty, not null, when nothing exists at the path
+     */
     static QString GetFileSize(const QString &strFilePath);
 
-    /** Always true, and the version is left as it came: files carry none on Linux. */
+    /**
+     * Files carry no version on Linux.
+     *
+     * @param strFilePath not looked at
+     * @param strVersion left as it came
+     * @return always true
+     */
     static bool GetFileVersion(const QString &strFilePath, std::string &strVersion);
 
     ///@}
@@ -139,6 +174,8 @@ public:
     /**
      * Copies a file with its permissions.
      *
+     * @param strSourcePath the file
+     * @param strTargetPath the path of the copy, not of the directory that it goes to
      * @param bOverwrite false: an existing target is kept and the result is false. True: it is removed
      *                   first.
      * @return whether the copy was made
@@ -152,6 +189,7 @@ public:
      * Gives the owner write permission when the user of this process lacks it. Failures are not
      * reported.
      *
+     * @param strFilePath the file
      * @param bWritable not looked at: false takes no permission away
      */
     static void SetFileWritable(const QString &strFilePath, bool bWritable);
@@ -160,19 +198,24 @@ public:
      * Sets the permissions to rwxr-xr-x, whatever they were: group and others gain reading and
      * executing even of a file that was private.
      *
+     * @param strFilePath the file
      * @return whether they were set
      */
     static bool SetFileExecutable(const QString &strFilePath);
 
     /**
-     * Whether two paths lead to the same place, symbolic links resolved; false when either doesn't
-     * exist. Two hard links to one file are two places.
+     * Whether two paths lead to the same place, symbolic links resolved. Two hard links to one file are
+     * two places.
+     *
+     * @param strFirstPath,strSecondPath the paths
+     * @return whether they do; false when either doesn't exist
      */
     static bool IsTheSameFile(const QString &strFirstPath, const QString &strSecondPath);
 
     /**
      * Makes a directory with those above it.
      *
+     * @param strDirPath the directory
      * @return true when it was made and when something stood there already, be it a plain file; false
      * for an empty path, where Qt writes warnings of its own
      */
@@ -182,8 +225,9 @@ public:
      * Removes a directory and all that it holds. Symbolic links in it are removed, not followed; one
      * given as the path is: the directory behind it is emptied and the link stays.
      *
-     * @return false when it doesn't exist and when something in it couldn't be removed; what could be
-     * is gone then
+     * @param strDirPath the directory
+     * @return whether it was removed; false when it doesn't exist and when something in it couldn't be
+     * removed; what could be is gone then
      *
      * @warning An empty path means the current directory of the process, which is removed with all it
      * holds. Look that a path is not empty before the call.
@@ -191,7 +235,10 @@ public:
     static bool DeleteDirPath(const QString &strDirPath);
 
     /**
-     * Whether a file can be made there, found out by making one and removing it again.
+     * Whether a file can be made in a folder, found out by making one and removing it again.
+     *
+     * @param strFolderPath the folder, with a "/" at its end
+     * @return whether one could be made
      *
      * @warning Give the folder with a "/" at its end. Without, the answer is about the folder that it
      * lies in, also when the folder itself doesn't exist.
@@ -199,22 +246,34 @@ public:
     static bool isFolderWritable(const QString &strFolderPath);
 
     /**
-     * The free bytes of the root file system; 0 when they can't be had.
+     * The free space of the root file system.
      *
      * @param strPath not looked at. For the disk of a path: QStorageInfo(path).bytesAvailable().
+     * @return the bytes that an ordinary user may fill; 0 when they can't be had
      *
      * @warning Qt asks the root file system once in a process and keeps the answer: the number is that
      * of the first call.
      */
     static qint64 getLeftSpace(const QString &strPath);
 
-    /** The name on the directory: QDir::filePath(). An absolute name stays as it is. */
+    /**
+     * A path made of a directory and a name, as QDir::filePath() makes it.
+     *
+     * @param strDirPath the directory, with or without a "/" at its end
+     * @param strName a name or a relative path; an absolute one is the result as it stands
+     * @return the path; nothing is looked for there
+     */
     static QString CombinePath(const QString &strDirPath, const QString &strName);
 
-    /** Always null: there is none on Linux. */
+    /** There is none on Linux. @return always null */
     static QString GetPublicDesktopPath();
 
-    /** Always true. Nothing is created and no argument looked at. */
+    /**
+     * Nothing is created.
+     *
+     * @param strTargetPath,strLinkPath,strArguments,strDescription not looked at
+     * @return always true
+     */
     static bool CreateDesktopLink(const QString &strTargetPath, const QString &strLinkPath,
                                   const QString &strArguments, const QString &strDescription);
 
@@ -224,8 +283,10 @@ public:
     ///@{
 
     /**
-     * Whether a file may bear this name on any of the systems that the hosts' files travel to: true
-     * when none of the characters \ / : * ? " < > | stands in it.
+     * Whether a file may bear this name on any of the systems that the hosts' files travel to.
+     *
+     * @param strFileName the name, without a directory
+     * @return true when none of the characters \ / : * ? < > | and no double quotation mark stands in it
      *
      * Nothing else is looked at: an empty name passes, and so do control characters, names of any
      * length, "." and "..", blanks and dots at the ends, and reserved device names. A name that is no
@@ -234,8 +295,11 @@ public:
     static bool CheckFileNameValid(const QString &strFileName);
 
     /**
-     * Whether this is a usable path of the form drive letter, colon, separator: true when it is at
-     * least 3 characters long, has a colon among the first 3, and none of : * ? " < > | behind them.
+     * Whether this is a usable path of the form drive letter, colon, separator.
+     *
+     * @param strFilePath the path
+     * @return true when it is at least 3 characters long, has a colon among the first 3, and behind them
+     * none of : * ? < > | and no double quotation mark
      *
      * @warning Made for drive paths only, also on Linux: "/home/user/a.pdf" has no colon and gives
      * false. The first 3 characters may be anything as long as one of them is a colon.
@@ -249,6 +313,7 @@ public:
      *
      * @param nSeconds since the Unix epoch. Those beyond Qt's range, some 292 million years either way,
      *                 come round to another date.
+     * @return the text, never empty
      *
      * @warning "Today" is the day on which this function was first called in the process, to its end.
      * In a host that runs past midnight the times of the new day appear as dates and those of the old
@@ -262,6 +327,9 @@ public:
      *
      * Rounded after the unit was chosen, so that 1048575 gives "1024.00 KB"; above TB the number goes
      * on growing. A negative size is given in bytes.
+     *
+     * @param nSize in bytes
+     * @return the text, never empty
      */
     static QString FormatFileSize(long long nSize);
 
@@ -275,6 +343,7 @@ public:
      *                    file in the root directory with "//".
      * @param strExtension takes the place of the path's own suffix, without a dot; empty for the
      *                     path's own. A file without a suffix gets a dot at its end: "README.".
+     * @return the path
      *
      * @warning The name is free at the time of the test and not reserved. A host that can't have two
      * programs meet opens the file with QIODevice::NewOnly and asks again when that fails.
@@ -299,6 +368,8 @@ public:
      *
      * Paths are made absolute. Of a directory the one above it is its folder, unless the path ends in
      * "/".
+     *
+     * @param strFilePath the file
      *
      * No outcome is reported, and whether the file manager does as it is told is not looked at. Two
      * failures show as Qt warnings in the category "default": "File does not exist:" with the path, and

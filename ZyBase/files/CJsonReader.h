@@ -26,22 +26,37 @@ class ZYBASE_EXPORT CJsonReader
 {
 public:
     /**
-     * The value of @p strKey in the object that the file holds.
+     * The value of a key in the object that the file holds.
      *
+     * @param strFilePath the file
+     * @param strKey one of its top level, in its exact case
      * @return the value; undefined (QJsonValue::isUndefined()) when the object lacks the key; null
      * when the file can't be read, is not valid JSON, or holds an empty object or an array. A key
      * whose value is the JSON null gives null as well.
      */
     static QJsonValue ParseJsonFile(const QString &strFilePath, const QString &strKey);
 
-    /** The object that the file holds; an empty one on any failure and when the file holds an array. */
+    /**
+     * The object that the file holds.
+     *
+     * @param strFilePath the file
+     * @return the object; an empty one on any failure and when the file holds an array
+     */
     static QJsonObject ParseJsonFileToObject(const QString &strFilePath);
 
-    /** The array that the file holds; an empty one on any failure and when the file holds an object. */
+    /**
+     * The array that the file holds.
+     *
+     * @param strFilePath the file
+     * @return the array; an empty one on any failure and when the file holds an object
+     */
     static QJsonArray ParseJsonFileToArray(const QString &strFilePath);
 
     /**
      * Writes the object to the file, indented, as UTF-8, in place of what it held.
+     *
+     * @param strFilePath the file; a missing one is made
+     * @param jsonObject what it is to hold; an empty one is written as an empty object
      *
      * @warning Nothing is reported, and the old content is gone before the new is written: no
      * temporary file, no backup. After a crash or on a full disk the file is cut short, and a reader

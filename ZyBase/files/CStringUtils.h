@@ -8,16 +8,18 @@
 
 namespace ZyBase {
 
-/** Texts. **Threads.** Any. */
+/** Texts. **Threads.** Any. **Blocking.** Never. */
 class ZYBASE_EXPORT CStringUtils
 {
 public:
     /**
-     * Wraps a long text: a line feed between every 100 characters and the next, none at the end. An
-     * empty text gives a null one.
+     * Wraps a long text: a line feed between every 100 characters and the next, none at the end.
      *
      * Characters are QChars. Words, line feeds that stand in the text already, and the two halves of
      * a character beyond U+FFFF are not respected; the name notwithstanding, there is no list.
+     *
+     * @param strText the text
+     * @return the wrapped text; null for an empty one
      */
     static QString SplitString(const QString &strText);
 };

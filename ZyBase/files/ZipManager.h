@@ -10,10 +10,24 @@
 
 namespace ZyBase {
 
-/** Packs nothing: no archive is made. @return always false */
+/**
+ * Packs nothing: no archive is made.
+ *
+ * @param strZipPath,listFilePaths not looked at
+ * @return always false
+ *
+ * **Threads.** Any. **Blocking.** Never.
+ */
 ZYBASE_EXPORT bool zipWriter(const QString &strZipPath, const QStringList &listFilePaths);
 
-/** Unpacks nothing. @return always false */
+/**
+ * Unpacks nothing.
+ *
+ * @param strZipPath,strExtractDir not looked at
+ * @return always false
+ *
+ * **Threads.** Any. **Blocking.** Never.
+ */
 ZYBASE_EXPORT bool zipReader(const QString &strZipPath, QString strExtractDir);
 
 /**
@@ -23,22 +37,38 @@ ZYBASE_EXPORT bool zipReader(const QString &strZipPath, QString strExtractDir);
  * All functions are static: no object is needed.
  *
  * **Threads.** Any. Nothing is shared; archives can be extracted at the same time into different
- * directories.
+ * directories. **Blocking.** QuaUnzipFile() alone does.
  */
 class ZYBASE_EXPORT ZipManager : public QObject
 {
     Q_OBJECT
 
 public:
+    /** Makes an object, which no function needs. @param pParent owns it */
     explicit ZipManager(QObject *pParent = nullptr);
 
-    /** Packs nothing: no archive is made. @return always false */
+    /**
+     * Packs nothing: no archive is made.
+     *
+     * @param strZipPath,listFilePaths not looked at
+     * @return always false
+     */
     static bool ZipDir(const QString &strZipPath, const QStringList &listFilePaths);
 
-    /** Unpacks nothing. @return always false; QuaUnzipFile() is the one that works */
+    /**
+     * Unpacks nothing; QuaUnzipFile() is the one that works.
+     *
+     * @param strZipPath,strExtractDir not looked at
+     * @return always false
+     */
     static bool UnzipFile(const QString &strZipPath, QString strExtractDir);
 
-    /** Packs nothing: no archive is made. @return always true, which says nothing */
+    /**
+     * Packs nothing: no archive is made.
+     *
+     * @param strZipPath,listFilePaths not looked at
+     * @return always true, which says nothing
+     */
     static bool QuaZipDir(const QString &strZipPath, const QStringList &listFilePaths);
 
     /**

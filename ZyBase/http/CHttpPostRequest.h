@@ -74,19 +74,25 @@ namespace ZyBase {
  *
  * **Blocking.** The synchronous forms block for at most 10000 ms while they run an event loop of their
  * own: every other event of the calling thread is delivered meanwhile. Be ready for re-entry, and for
- * the user closing the window that waits.
+ * the user closing the window that waits. When the application quits meanwhile, they return at once as if
+ * the request had failed.
  */
 class ZYBASE_EXPORT CHttpPostRequest : public QObject
 {
     Q_OBJECT
 
 public:
+    /** Makes an object without a request. @param parent none for an object that serves in the background */
     explicit CHttpPostRequest(QObject *parent = nullptr);
+
+    /** Neither waits for running requests nor cancels them. */
     ~CHttpPostRequest() override;
 
     /**
      * Posts the object and waits for the answer. An empty object posts "{}".
      *
+     * @param url the address, with its query if it has one
+     * @param jsonObject the body
      * @param baResult the body of the answer, whatever its status; empty when there was none. Left as
      * it was after ten seconds.
      * @return false when ten seconds passed, else true, for a failed request too
@@ -97,31 +103,47 @@ public:
      * Posts the object in a thread of its own; the outcome is one of SignalRequestResult(),
      * SignalRequestTimeout() and SignalRequestCancel().
      *
+     * @param url,jsonObject as for StartRequestSync()
      * @param strSession the value of the cookie "sessionid"; none is sent when it is empty
      * @throws std::system_error when the system grants no further thread; no signal follows then. The
      * same holds for the other asynchronous forms.
      */
     void StartRequestAsync(const QUrl &url, const QJsonObject &jsonObject, const QString &strSession);
 
-    /** Fetches the address in a thread of its own; arguments and outcome as for StartRequestAsync(). */
+    /**
+     * Fetches the address in a thread of its own; the outcome is as for StartRequestAsync().
+     *
+     * @param url,strSession as there
+     */
     void StartGetRequest(const QUrl &url, const QString &strSession);
 
-    /** Fetches the address and waits for the answer; arguments and result as for StartRequestSync(). */
+    /**
+     * Fetches the address and waits for the answer.
+     *
+     * @param url,baResult as for StartRequestSync()
+     * @return as there
+     */
     bool StartGetRequestSync(const QUrl &url, QByteArray &baResult);
 
     /**
      * Fetches the address in a thread of its own; the outcome is one of
      * SignalRequestResultAndStatusCode(), SignalRequestTimeout() and SignalRequestCancel().
+     *
+     * @param url,strSession as for StartRequestAsync()
      */
     void StartGetRequestAndStatusCode(const QUrl &url, const QString &strSession);
 
     /**
-     * The signature of the object under a shared secret: the MD5 digest, as 32 lower-case hexadecimal
-     * digits, of all its members as "key=value" in the order of their keys, joined by "&", with the
-     * secret straight behind. {"b":"x","a":1.9,"c":true} under "S" is the digest of "a=1&b=x&c=S".
+     * The signature of the object under a shared secret: the MD5 digest of all its members as
+     * "key=value" in the order of their keys, joined by "&", with the secret straight behind.
+     * {"b":"x","a":1.9,"c":true} under "S" is the digest of "a=1&b=x&c=S".
      *
      * Keys are ordered by their UTF-16 code units, upper case before lower case. Texts stand as they
-     * are, unescaped. A null secret is an empty one. Needs no object and never fails; any thread.
+     * are, unescaped. Needs no object and never fails; any thread.
+     *
+     * @param jsonObject what is signed
+     * @param strSecret a null one is an empty one
+     * @return 32 lower-case hexadecimal digits
      *
      * @warning Not all of the object is covered. Of a number only the whole part counts, cut to
      * the range of a 32-bit integer, so all times in milliseconds look alike; true, false, null,
@@ -145,10 +167,19 @@ Q_SIGNALS:
      */
     void SignalStopRequest();
 
-    /** The request of StartRequestAsync() or StartGetRequest() is over; its body, or nothing. */
+    /**
+     * The request of StartRequestAsync() or StartGetRequest() is over.
+     *
+     * @param data the body of the answer, whatever its status; empty when there was none
+     */
     void SignalRequestResult(QByteArray data);
 
-    /** The request of StartGetRequestAndStatusCode() is over; status 0 when no HTTP answer came. */
+    /**
+     * The request of StartGetRequestAndStatusCode() is over.
+     *
+     * @param data as for SignalRequestResult()
+     * @param nStatusCode the HTTP status; 0 when no HTTP answer came
+     */
     void SignalRequestResultAndStatusCode(QByteArray data, int nStatusCode);
 };
 

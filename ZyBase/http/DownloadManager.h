@@ -50,7 +50,10 @@ class ZYBASE_EXPORT DownloadManager : public QObject
     Q_OBJECT
 
 public:
+    /** Makes an object without a download. @param parent owns it, in the same thread */
     explicit DownloadManager(QObject *parent = nullptr);
+
+    /** Drops a running download without a signal, and leaves what it has written. */
     ~DownloadManager() override;
 
     /**
@@ -63,6 +66,7 @@ public:
      * and then, a connection that breaks off, since Qt takes it for the end of the file. Compare the size
      * of the file with the last bytesTotal where that matters.
      *
+     * @param url the address
      * @param strSaveDir an existing directory, with or without a "/" at its end; it is not made. An
      * empty one is the root of the file system.
      * @return true when the request went out, and signalDownloadFinished() follows; false when
@@ -81,12 +85,17 @@ public:
      * The path that a download of the address to the directory has.
      *
      * @warning A file that is there already is deleted by this call.
+     *
+     * @param url,strSaveDir as for StartDownload()
+     * @return the path; one that ends in "/" where the address gives no name
      */
     static QString saveFileName(const QUrl &url, QString strSaveDir);
 
     /**
-     * Whether the running download was answered by 301, 302, 303, 305, 307 or 308. Serves the class
-     * itself; must not be called while none runs.
+     * Whether the running download was answered by a redirect. Serves the class itself; must not be called
+     * while none runs.
+     *
+     * @return true for the statuses 301, 302, 303, 305, 307 and 308
      */
     bool isHttpRedirect() const;
 
@@ -100,7 +109,8 @@ Q_SIGNALS:
     /**
      * Comes many times a second at most, as Qt reports progress.
      *
-     * @param bytesTotal -1 when the server doesn't say
+     * @param bytesReceived of the body, so far
+     * @param bytesTotal of the body; -1 when the server doesn't say
      * @param strSpeed the mean speed since the start, ready to be shown: "512.0 bytes/sec", "1.5 kB/s",
      * "12.3 MB/s", where a kB is 1024 bytes. It may read "inf MB/s" or "nan MB/s" in the first moment.
      */

@@ -6,6 +6,11 @@
 
 #include <QString>
 
+/**
+ * @file
+ * ZyBase::CNetworkUtils, and beside it GetIPInfoAPI(), GetIPInfoMy(), GetIP() and ParseTdValue().
+ */
+
 namespace ZyBase {
 
 /**
@@ -42,13 +47,16 @@ public:
      * @param strLocation city, region and country: "%1, %2, %3"
      * @param dLatitude in degrees
      * @param dLongitude in degrees
-     * @return false when both sources failed; @p strCountry may have changed even so
+     * @return whether one of them told it; false when both failed, and @p strCountry may have changed
+     * even so
      */
     static bool GetIPInfo(QString &strCountry, QString &strLocation, double &dLatitude, double &dLongitude);
 
     /**
-     * The public address with the code of its country, such as "DE".
+     * The public address with the code of its country.
      *
+     * @param strCountryCode such as "DE"
+     * @param strIp the address as text
      * @return false when the service can't be reached or answers nothing of use; both texts are as they
      * were then
      *
@@ -60,12 +68,14 @@ public:
     /**
      * Whether the name of a large public site can be resolved.
      *
+     * @return whether it can; false when the application quits meanwhile
+     *
      * @warning That is all it tests: a resolver that answers from its cache or the login page of a network
      * gives true without a way to the internet, and nothing is sent to the site. Qt remembers for a
      * minute that a name was found, so a loss of the network does not show sooner.
      *
      * @warning Where the resolver doesn't answer, the call lasts until the system gives up, which may
-     * take a minute: no limit of its own ends it. False when the application quits meanwhile.
+     * take a minute: no limit of its own ends it.
      */
     static bool IsNetWorkOnline();
 };
@@ -73,21 +83,26 @@ public:
 } // namespace ZyBase
 
 /**
- * The location as the geolocation service tells it, with arguments as for ZyBase::CNetworkUtils::GetIPInfo().
+ * The location as the geolocation service tells it.
  *
+ * @param strCountry,strLocation,dLatitude,dLongitude as for ZyBase::CNetworkUtils::GetIPInfo()
  * @return false when the service can't be reached or doesn't answer with its "success"; no argument is
  * touched then. A success may still lack parts: their texts are empty, their numbers 0.
+ *
+ * **Threads.** **Blocking.** As for that class: one request, ten seconds at most.
  */
 ZYBASE_EXPORT bool GetIPInfoAPI(QString &strCountry, QString &strLocation, double &dLatitude,
                                 double &dLongitude);
 
 /**
- * The location as it stands on the page of another service, with arguments as for
- * ZyBase::CNetworkUtils::GetIPInfo(). Values are taken as they stand in the page's source: entities
- * such as "&amp;" stay.
+ * The location as it stands on the page of another service. Values are taken as they stand in the page's
+ * source: entities such as "&amp;" stay.
  *
+ * @param strCountry,strLocation,dLatitude,dLongitude as for ZyBase::CNetworkUtils::GetIPInfo()
  * @return false when the page can't be had or has less than five of its entries; @p strCountry has
  * changed then if the page had a country, the others are as they were
+ *
+ * **Threads.** **Blocking.** As for GetIPInfoAPI().
  */
 ZYBASE_EXPORT bool GetIPInfoMy(QString &strCountry, QString &strLocation, double &dLatitude,
                                double &dLongitude);
@@ -97,6 +112,8 @@ ZYBASE_EXPORT bool GetIPInfoMy(QString &strCountry, QString &strLocation, double
  *
  * @return an empty text when the service can't be reached or answers nothing of use; a null one when
  * its answer lacks the address
+ *
+ * **Threads.** **Blocking.** As for GetIPInfoAPI().
  */
 ZYBASE_EXPORT QString GetIP();
 
@@ -104,6 +121,9 @@ ZYBASE_EXPORT QString GetIP();
  * What stands between the first ">" of the line and the next "<": the text of the first cell in
  * "<td>Berlin</td>". A missing ">" or "<" widens it to the line's beginning or end. Needs no network.
  *
+ * @param strLine the line
  * @return the text as it stands; an empty one where there is nothing behind the first ">"
+ *
+ * **Threads.** Any. **Blocking.** Never.
  */
 ZYBASE_EXPORT QString ParseTdValue(const QString &strLine);

@@ -34,7 +34,7 @@ public:
      * Whether the application opens PDF files by default.
      *
      * @param strApp the name of its desktop entry, with or without ".desktop", in its exact case
-     * @return false also when xdg-mime can't tell or is not installed
+     * @return whether it does; false also when xdg-mime can't tell or is not installed
      *
      * @warning A part of the entry's name is enough, and an empty @p strApp is true always. Pass the
      * full name with ".desktop" to be told from an application whose name contains this one.
@@ -51,7 +51,12 @@ public:
      */
     static bool SetPdfLauncher(const QString &strApp, const QString &strUnread, bool bUnread);
 
-    /** Does nothing: there is no former default to go back to. @return true always */
+    /**
+     * Does nothing: there is no former default to go back to.
+     *
+     * @param strApp not looked at
+     * @return true always
+     */
     static bool ResetPdfLauncher(const QString &strApp);
 };
 

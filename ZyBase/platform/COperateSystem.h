@@ -15,6 +15,8 @@ namespace ZyBase {
  * both have the function.
  *
  * **Threads.** Any. No other thread may change the environment meanwhile.
+ *
+ * **Blocking.** For the time of reading some small files at most, unless a function says otherwise.
  */
 class ZYBASE_EXPORT COperateSystem
 {
@@ -93,6 +95,7 @@ public:
      *
      * @param strApp the application's desktop entry, such as "org.example.reader" or
      * "org.example.reader.desktop", in its exact case
+     * @param strMimeType such as "application/pdf"
      * @return true when the name of the default's entry contains @p strApp; false when it doesn't and
      * when xdg-mime can't tell or is not installed
      *
@@ -110,6 +113,7 @@ public:
      *
      * @param strApp the application's desktop entry without the suffix ".desktop", which is always
      * appended: "org.example.reader"
+     * @param strMimeType as for IsDefaultLauncher()
      * @param strUnread not read
      * @param bUnread not read
      * @return true always, also when nothing was changed; see IsDefaultLauncher() for what holds after it
@@ -123,7 +127,12 @@ public:
     static bool SetDefaultLauncher(const QString &strApp, const QString &strMimeType,
                                    const QString &strUnread, bool bUnread);
 
-    /** Does nothing: there is no former default to go back to. @return true always */
+    /**
+     * Does nothing: there is no former default to go back to.
+     *
+     * @param strApp,strMimeType not looked at
+     * @return true always
+     */
     static bool ResetDefaultLauncher(const QString &strApp, const QString &strMimeType);
 };
 
@@ -133,16 +142,17 @@ public:
  *
  * @return 1 for dark, 0 for light, 2 where they don't tell or gsettings is not installed
  *
- * @warning Blocks the caller for up to three child processes, 90 seconds where they hang.
+ * **Threads.** As for COperateSystem. **Blocking.** Up to three child processes, 90 seconds where they
+ * hang.
  */
 ZYBASE_EXPORT int getGnomeTheme();
 
 /**
  * The content of /etc/machine-id without the white space around it, read in the encoding of the locale.
  *
- * @return a null text where the file can't be opened
+ * @return the content, 32 hexadecimal digits as a rule; a null text where the file can't be opened
  *
- * **Threads.** Any.
+ * **Threads.** Any. **Blocking.** For the time of reading one small file.
  */
 ZYBASE_EXPORT QString getMachineId();
 
@@ -150,13 +160,13 @@ ZYBASE_EXPORT QString getMachineId();
  * The hardware address of the first network interface that is up, has one, and is neither the loopback
  * nor a point-to-point link, such as "52:54:00:12:34:56".
  *
- * @return a null text where there is no such interface
+ * @return the address; a null text where there is no such interface
  *
  * @warning First means first in the order of QNetworkInterface::allInterfaces(): a bridge or a virtual
  * machine's interface counts as well as a card, plugged in or not, and an address of zeros is one. The
  * result may change with each interface that comes or goes.
  *
- * **Threads.** Any.
+ * **Threads.** Any. **Blocking.** For the time of asking the kernel.
  */
 ZYBASE_EXPORT QString getMainMacAddress();
 

@@ -23,7 +23,7 @@ namespace ZyBase {
  *
  * **Threads.** Any, unless a function says otherwise.
  *
- * **Blocking.** For the time of reading one small file at most, unless a function says otherwise.
+ * **Blocking.** For the time of reading or writing one small file at most, unless a function says otherwise.
  *
  * The identity of the installation, once at the host's start:
  * @code
@@ -37,8 +37,10 @@ class ZYBASE_EXPORT CSystemUtils
 {
 public:
     /**
-     * The MD5 digest of the text's UTF-8 bytes as 32 lower-case hexadecimal digits. A null text has
-     * the digest of an empty one, "d41d8cd98f00b204e9800998ecf8427e".
+     * The MD5 digest of the text's UTF-8 bytes.
+     *
+     * @param strText a null one has the digest of an empty one, "d41d8cd98f00b204e9800998ecf8427e"
+     * @return 32 lower-case hexadecimal digits
      *
      * @warning MD5 tells texts apart, it protects nothing: never keep a password in this form.
      */
@@ -73,8 +75,11 @@ public:
     static QString GetPCID(const QString &strDirPrefix, const QString &strDirName);
 
     /**
-     * A random number from @p nMin to one below @p nMax, from Qt's process-wide generator. Equal
-     * arguments give @p nMin.
+     * A random number from Qt's process-wide generator.
+     *
+     * @param nMin the lowest
+     * @param nMax one above the highest
+     * @return the number; @p nMin for equal arguments
      *
      * @warning The arguments are not put in order: a maximum below the minimum gives nearly any int.
      * @warning Not for secrets: take QRandomGenerator::system() for these.
@@ -82,9 +87,10 @@ public:
     static int GetRandomNum(int nMin, int nMax);
 
     /**
-     * Whether this is the first call for the directory, which is told as for GetPCID(). The call itself
-     * makes the next one answer false: it sets the key "NewUser" of the same file.
+     * Whether this is the first call for the directory. The call itself makes the next one answer false: it
+     * sets the key "NewUser" of the file that GetPCID() tells of.
      *
+     * @param strDirPrefix,strDirName as for GetPCID()
      * @return true for the first call; false once the key is there, whatever its value is, so a stored
      * "false" is no new user either
      *
@@ -93,33 +99,42 @@ public:
      */
     static bool IsNewUser(const QString &strDirPrefix, const QString &strDirName);
 
-    /** Three zeros; no monitor is asked. QScreen::logicalDotsPerInch() has the real ones. */
+    /** No monitor is asked: QScreen::logicalDotsPerInch() has the real numbers. @return three zeros */
     static std::array<quint64, 3> GetDpiFromMonitors();
 
     /**
      * Switches on Qt's scaling for screens of high density and its pixmaps of high density, for the
      * whole application. To be called from the main thread before the application object is made.
      *
-     * @warning The argument is not read: @c false switches them on as well. To leave them off, don't
-     * call it.
+     * @param bEnable not read
+     *
+     * @warning A @c false switches them on as well. To leave them off, don't call it.
      */
     static void EnableHighDPISupport(bool bEnable);
 
-    /** @return true on every machine. QSysInfo::WordSize says what this process was built for. */
+    /** No system is asked: QSysInfo::WordSize says what this process was built for. @return true always */
     static bool IsOn64BitSystem();
 
-    /** Name and version of the system as a user knows them, such as "Debian GNU/Linux 12 (bookworm)". */
+    /**
+     * Name and version of the system as a user knows them: what QSysInfo::prettyProductName() gives.
+     *
+     * @return such as "Debian GNU/Linux 12 (bookworm)"
+     */
     static QString GetSystemVersion();
 
     /**
-     * @return an empty text, whatever the arguments are
-     * @warning Nothing is encrypted. A host that needs it calls a library for cryptography.
+     * Encrypts nothing. A host that needs it calls a library for cryptography.
+     *
+     * @param strText,strPublicKey not read
+     * @return an empty text, not null, always
      */
     static QString RsaPublicEncrypt(const QString &strText, const QString &strPublicKey);
 
     /**
-     * @return an empty text, whatever the arguments are
-     * @warning Nothing is decrypted. A host that needs it calls a library for cryptography.
+     * Decrypts nothing. A host that needs it calls a library for cryptography.
+     *
+     * @param strText,strPrivateKey not read
+     * @return an empty text, not null, always
      */
     static QString RsaPrivateDecrypt(const QString &strText, const QString &strPrivateKey);
 
@@ -129,20 +144,22 @@ public:
     /** Does nothing: the machine keeps running. */
     static void ShutdownComputer();
 
-    /** Does nothing: the session starts what it started before. */
+    /** Does nothing: the session starts what it started before. @param bAutoStart not read */
     static void SetSelfAutoStart(bool bAutoStart);
 
-    /** Does nothing: the session starts what it started before. */
+    /** Does nothing: the session starts what it started before. @param strApp,bAutoStart not read */
     static void SetAppAutoStart(const QString &strApp, bool bAutoStart);
 
     /**
      * Whether the user's desktop is in a dark theme, as COperateSystem::IsDarkTheme() tells it.
      *
+     * @return true for dark; false for light and where nothing knows
+     *
      * @warning Blocks the caller for up to eight child processes, 240 seconds where they hang.
      */
     static bool IsDarkTheme();
 
-    /** What COperateSystem::GetBundleIdentifier() gives. */
+    /** What COperateSystem::GetBundleIdentifier() gives. @return the name, as there */
     static QString GetBundleIdentifier();
 
     /**
@@ -154,23 +171,30 @@ public:
      */
     static QString GetLinuxOsInfo();
 
-    /** Whether GetLinuxOsInfo() holds "Kylin", in any case. */
+    /** Whether this is a Kylin. @return whether GetLinuxOsInfo() holds "Kylin", in any case */
     static bool IsKylinOs();
 
     /**
-     * Whether GetLinuxOsInfo() holds "UnionTech" or "UOS", in any case.
+     * Whether this is a UOS.
+     *
+     * @return whether GetLinuxOsInfo() holds "UnionTech" or "UOS", in any case
      *
      * @warning Any name with these three letters in a row counts, as "Virtuoso Linux" does.
      */
     static bool IsUOS();
 
     /**
+     * Tells no system from another: Q_OS_WIN does when the host is compiled.
+     *
      * @return true on every machine, on Linux too
-     * @warning It tells no system from another. Q_OS_WIN does when the host is compiled.
      */
     static bool IsWindows11OrGreater();
 
-    /** The processor's architecture as QSysInfo::currentCpuArchitecture() names it, such as "x86_64". */
+    /**
+     * The processor's architecture as QSysInfo::currentCpuArchitecture() names it.
+     *
+     * @return such as "x86_64"
+     */
     static QString GetHardwareCpuArchitecture();
 
     /**
@@ -205,7 +229,7 @@ public:
  * @return the value, a text or a list of texts as a rule; an invalid QVariant where the file or the key
  * is lacking or the file can't be read
  *
- * **Threads.** Any.
+ * **Threads.** Any. **Blocking.** For the time of reading the file.
  */
 ZYBASE_EXPORT QVariant ReadRegeditValue(const QString &strPath, const QString &strKey);
 
