@@ -71,6 +71,9 @@ public:
      * @param eventName,eventCategory,eventLabel what the event says
      * @return true when the answer came in time with no error; false for a refused connection, a
      * certificate that doesn't hold, an HTTP status of 400 or more, and after the time limit
+     *
+     * @warning When the application quits meanwhile the call returns at once, with true but without an
+     * answer.
      */
     bool StartRequestSync(const QString &clientId, const QString &measurementId, const QString &apiSecret,
                           const QString &eventName, const QString &eventCategory, const QString &eventLabel);

@@ -25,9 +25,9 @@ namespace ZyBase {
  * Each line is in the file when the call returns; a crash of the host loses none. The log is the
  * host's alone: the library writes nothing to it.
  *
- * Texts are NUL-terminated UTF-8. No function reports a failure or throws. A log file that can't be
- * opened costs nothing but the lines: log4qt says so on the standard error stream, once at
- * InitLogger() and once for each line.
+ * Texts are NUL-terminated UTF-8; the file is in the encoding of the locale, UTF-8 as a rule. No function
+ * reports a failure or throws. A log file that can't be opened costs nothing but the lines: log4qt says so on
+ * the standard error stream, once at InitLogger() and once for each line.
  *
  * **Threads.** The first call of any function, InitLogger() and ReleaseLogger() are for one thread
  * at a time and must not overlap any other call. Between the two, error(), warn(), info() and

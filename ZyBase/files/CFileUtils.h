@@ -286,7 +286,7 @@ public:
      * Whether a file may bear this name on any of the systems that the hosts' files travel to.
      *
      * @param strFileName the name, without a directory
-     * @return true when none of the characters \ / : * ? " < > | stands in it
+     * @return true when none of the characters \ / : * ? < > | and no double quotation mark stands in it
      *
      * Nothing else is looked at: an empty name passes, and so do control characters, names of any
      * length, "." and "..", blanks and dots at the ends, and reserved device names. A name that is no
@@ -298,8 +298,8 @@ public:
      * Whether this is a usable path of the form drive letter, colon, separator.
      *
      * @param strFilePath the path
-     * @return true when it is at least 3 characters long, has a colon among the first 3, and none of
-     * : * ? " < > | behind them
+     * @return true when it is at least 3 characters long, has a colon among the first 3, and behind them
+     * none of : * ? < > | and no double quotation mark
      *
      * @warning Made for drive paths only, also on Linux: "/home/user/a.pdf" has no colon and gives
      * false. The first 3 characters may be anything as long as one of them is a colon.

@@ -74,7 +74,8 @@ namespace ZyBase {
  *
  * **Blocking.** The synchronous forms block for at most 10000 ms while they run an event loop of their
  * own: every other event of the calling thread is delivered meanwhile. Be ready for re-entry, and for
- * the user closing the window that waits.
+ * the user closing the window that waits. When the application quits meanwhile, they return at once as if
+ * the request had failed.
  */
 class ZYBASE_EXPORT CHttpPostRequest : public QObject
 {

@@ -23,7 +23,7 @@ namespace ZyBase {
  *
  * **Threads.** Any, unless a function says otherwise.
  *
- * **Blocking.** For the time of reading one small file at most, unless a function says otherwise.
+ * **Blocking.** For the time of reading or writing one small file at most, unless a function says otherwise.
  *
  * The identity of the installation, once at the host's start:
  * @code

@@ -4,6 +4,7 @@
 
 #include "ProcessFigures.h"
 
+#include <QElapsedTimer>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QTimer>
@@ -382,6 +383,23 @@ private Q_SLOTS:
         timer.start(20);
         QVERIFY(sendSync(analytics));
         QVERIFY(stops > 1); // which also shows that the caller's events are delivered meanwhile
+    }
+
+    void quittingEndsTheWaitAsIfAllWereWell()
+    {
+        const SilentServer silent;
+        m_collectors->leadTo(silent.url());
+        bool returned = false;
+        QTimer::singleShot(0, this, [&returned] {
+            CGoogleAnalytics analytics;
+            returned = sendSync(analytics);
+        });
+        QTimer::singleShot(100, QCoreApplication::instance(), &QCoreApplication::quit);
+        QElapsedTimer clock;
+        clock.start();
+        QCoreApplication::exec();
+        QVERIFY(clock.elapsed() < 9000); // not by the time limit
+        QVERIFY(returned);
     }
 
     void synchronousRequestEmitsNothing()

@@ -144,6 +144,36 @@ private Q_SLOTS:
         QCOMPARE(data, HttpServer::content(1000));
     }
 
+    void quittingEndsTheWait_data() { addForms(syncForms); }
+    void quittingEndsTheWait()
+    {
+        QFETCH(Form, form);
+        bool returned = false;
+        QByteArray data = "before";
+        QTimer::singleShot(0, this, [&] { returned = call(form, url("/never"), data); });
+        QTimer::singleShot(100, QCoreApplication::instance(), &QCoreApplication::quit);
+        QElapsedTimer clock;
+        clock.start();
+        QCoreApplication::exec();
+        QVERIFY(clock.elapsed() < 9000); // not by the time limit
+        QVERIFY(returned);
+        QCOMPARE(data, QByteArray());
+    }
+
+    // Here a host has its last word.
+    void quittingApplicationMayStillWait_data() { addForms(syncForms); }
+    void quittingApplicationMayStillWait()
+    {
+        QFETCH(Form, form);
+        QByteArray data;
+        QObject guard;
+        connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, &guard,
+                [&] { call(form, url("/bytes/10"), data); });
+        QTimer::singleShot(0, QCoreApplication::instance(), &QCoreApplication::quit);
+        QCoreApplication::exec();
+        QCOMPARE(data.size(), 10);
+    }
+
     void synchronousFormsEmitNothing_data() { addForms(syncForms); }
     void synchronousFormsEmitNothing()
     {
