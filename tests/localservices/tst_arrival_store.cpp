@@ -8,6 +8,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <algorithm>
 #include <set>
 #include <thread>
 #include <vector>
@@ -146,6 +147,7 @@ private Q_SLOTS:
         constexpr int perThread = 50;
         ArrivalStore store(path());
         std::vector<std::thread> threads;
+        threads.reserve(threadCount);
         std::vector<std::vector<qint64>> ids(threadCount);
         for (int i = 0; i < threadCount; ++i) {
             threads.emplace_back([&store, &mine = ids.at(size_t(i)), i] {
