@@ -27,16 +27,15 @@ LocalServicesProcess::~LocalServicesProcess()
 
 bool LocalServicesProcess::start(const QStringList &options)
 {
+    m_standardError.clear();
     m_process.setArguments(QStringList {QStringLiteral("--folder"), folder()} + options);
     m_process.start();
-    const QString path = filePath(QStringLiteral("services.json"));
-    return QTest::qWaitFor(
-               [&] {
-                   m_services = QJsonDocument::fromJson(readFile(path)).object();
-                   return !m_services.isEmpty() || m_process.state() == QProcess::NotRunning;
-               },
-               patienceMs)
-           && !m_services.isEmpty();
+    // What lies there before may be that of a run that was killed.
+    const bool isOver = QTest::qWaitFor(
+        [&] { return standardError().contains("shows up at") || m_process.state() == QProcess::NotRunning; },
+        patienceMs);
+    m_services = QJsonDocument::fromJson(readFile(filePath(QStringLiteral("services.json")))).object();
+    return isOver && m_process.state() == QProcess::Running && !m_services.isEmpty();
 }
 
 bool LocalServicesProcess::startCommand(const QStringList &command)
