@@ -11,6 +11,8 @@
 #include <QFileInfo>
 #include <QTest>
 
+#include <unistd.h>
+
 namespace {
 
 const QByteArray secret = QByteArrayLiteral("0123456789abcdef0123456789ABCDEF");
@@ -47,7 +49,11 @@ private Q_SLOTS:
         if (!Browser::isAvailable())
             QSKIP("chromium or chromium-driver isn't installed");
         m_browser = std::make_unique<Browser>();
-        QVERIFY2(m_browser->start(), qPrintable(m_browser->error()));
+        const bool isRunning = m_browser->start();
+        // Not every machine lets a user have the sandbox that a browser puts its pages in.
+        if (!isRunning && ::geteuid() != 0)
+            QSKIP(qPrintable(QStringLiteral("chromium can't run here: ") + m_browser->error()));
+        QVERIFY2(isRunning, qPrintable(m_browser->error()));
     }
 
     void cleanupTestCase() { m_browser.reset(); }
