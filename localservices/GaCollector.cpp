@@ -81,8 +81,9 @@ private:
 
 } // namespace
 
-GaCollector::GaCollector()
-    : m_server({}, {{QStringLiteral("/mp/collect"),
+GaCollector::GaCollector(Watcher watcher)
+    : m_watcher(std::move(watcher))
+    , m_server({}, {{QStringLiteral("/mp/collect"),
                      [this](const HttpServer::Request &request) { return collect(request); }}})
 {
 }
@@ -99,8 +100,11 @@ HttpServer::Response GaCollector::collect(const HttpServer::Request &request)
     Validation validation;
     validation.checkRequest(request);
     validation.checkBody(body);
+    const Event event {request, body, validation.problems()};
+    if (m_watcher)
+        m_watcher(event);
     const std::lock_guard<std::mutex> lock(m_mutex);
-    m_events.append({request, body, validation.problems()});
+    m_events.append(event);
     return {noContent, {}};
 }
 

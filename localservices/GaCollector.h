@@ -7,6 +7,7 @@
 #include <QJsonObject>
 #include <QStringList>
 
+#include <functional>
 #include <mutex>
 
 namespace LocalServices {
@@ -26,18 +27,25 @@ public:
         QStringList problems; ///< what the validation finds; empty for a good event
     };
 
-    GaCollector();
+    /** Is told of each event before its answer goes out, in a thread of the event's connection. */
+    using Watcher = std::function<void(const Event &)>;
+
+    explicit GaCollector(Watcher watcher = {});
 
     QUrl url() const { return m_server.url(QStringLiteral("/mp/collect")); }
 
     /** The events so far. Any thread. */
     QList<Event> events() const;
 
+    /** How many connections are open. Any thread. */
+    int openConnections() const { return m_server.openConnections(); }
+
 private:
     Q_DISABLE_COPY(GaCollector)
 
     HttpServer::Response collect(const HttpServer::Request &request);
 
+    const Watcher m_watcher;
     mutable std::mutex m_mutex;
     QList<Event> m_events; ///< under m_mutex
     HttpServer m_server; ///< goes first: its threads use the rest

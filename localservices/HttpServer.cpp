@@ -225,7 +225,7 @@ void HttpServer::Private::addAnswer(const QString &path, const HttpServer::Answe
         const HttpServer::Response own = answer(record(request));
         response.status = own.status;
         if (!own.body.isEmpty())
-            response.set_content(own.body.toStdString(), "application/json");
+            response.set_content(own.body.toStdString(), own.contentType.constData());
     });
 }
 

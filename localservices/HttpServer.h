@@ -51,6 +51,7 @@ public:
     {
         int status;
         QByteArray body;
+        QByteArray contentType = QByteArrayLiteral("application/json");
     };
     using Answer = std::function<Response(const Request &)>;
 

@@ -39,8 +39,10 @@ bool areTexts(const QJsonObject &body)
 
 } // namespace
 
-StatisticsBackend::StatisticsBackend(const QByteArray &secret, const Certificate &certificate)
+StatisticsBackend::StatisticsBackend(const QByteArray &secret, const Certificate &certificate,
+                                     Watcher watcher)
     : m_secret(secret)
+    , m_watcher(std::move(watcher))
     , m_server(certificate, {{QStringLiteral("/report"),
                               [this](const HttpServer::Request &request) { return receive(request); }}})
 {
@@ -74,6 +76,8 @@ HttpServer::Response StatisticsBackend::receive(const HttpServer::Request &reque
     check(record.body.keys() == keys() && areTexts(record.body), "keys");
     check(QRegularExpression(dayForm).match(record.body.value(QStringLiteral("day")).toString()).hasMatch(),
           "day");
+    if (m_watcher)
+        m_watcher(record);
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_records.append(record);
     return record.problems.isEmpty() ? HttpServer::Response {taken, "{\"code\":0}"}

@@ -7,6 +7,7 @@
 #include <QJsonObject>
 #include <QStringList>
 
+#include <functional>
 #include <mutex>
 
 namespace LocalServices {
@@ -28,13 +29,20 @@ public:
         QStringList problems; ///< why it is refused; empty for one that was taken
     };
 
+    /** Is told of each record before its answer goes out, in a thread of the record's connection. */
+    using Watcher = std::function<void(const Record &)>;
+
     /** Under TLS where a certificate is given. */
-    explicit StatisticsBackend(const QByteArray &secret, const Certificate &certificate = {});
+    explicit StatisticsBackend(const QByteArray &secret, const Certificate &certificate = {},
+                               Watcher watcher = {});
 
     QUrl url() const { return m_server.url(QStringLiteral("/report")); }
 
     /** The records so far, those that were refused too. Any thread. */
     QList<Record> records() const;
+
+    /** How many connections are open. Any thread. */
+    int openConnections() const { return m_server.openConnections(); }
 
 private:
     Q_DISABLE_COPY(StatisticsBackend)
@@ -42,6 +50,7 @@ private:
     HttpServer::Response receive(const HttpServer::Request &request);
 
     const QByteArray m_secret;
+    const Watcher m_watcher;
     mutable std::mutex m_mutex;
     QList<Record> m_records; ///< under m_mutex
     HttpServer m_server; ///< goes first: its threads use the rest

@@ -3,28 +3,24 @@
 #include "services.h"
 
 #include "Report.h"
+#include "World.h"
 
 #include <ZyBase/netinfo/CNetworkUtils.h>
 #include <ZyBase/netinfo/Services.h>
 
 #include <localservices/Proxy.h>
+#include <localservices/PublicServices.h>
 #include <localservices/RawServer.h>
 
 #include <QNetworkProxy>
 
 using LocalServices::Authority;
 using LocalServices::Proxy;
+using LocalServices::PublicServices;
 using LocalServices::RawServer;
 using ZyBase::CNetworkUtils;
 
 namespace {
-
-const char *const location =
-    "{\"status\":\"success\",\"country\":\"Germany\",\"countryCode\":\"DE\",\"regionName\":\"Land Berlin\","
-    "\"city\":\"Berlin\",\"lat\":52.52,\"lon\":13.405,\"query\":\"192.0.2.1\"}";
-const char *const page = "<tr>\n<td>City:</td>\n<td>Paris</td>\n<td>Country:</td>\n<td>France</td>\n"
-                         "<td>State:</td>\n<td>Ile-de-France</td>\n<td>Latitude:</td>\n<td>48.85</td>\n"
-                         "<td>Longitude:</td>\n<td>2.35</td>\n</tr>\n";
 
 QString locate(Report &report, const QString &what)
 {
@@ -38,6 +34,23 @@ QString locate(Report &report, const QString &what)
     return text;
 }
 
+// The local services never refuse: this goes through a proxy of its own.
+QString locateWhereTheFirstRefuses(Report &report)
+{
+    const PublicServices services;
+    const RawServer refusal(RawServer::answerWith("{\"status\":\"fail\"}"));
+    const Authority authority;
+    Proxy proxy(authority);
+    services.lead(proxy);
+    proxy.lead(QLatin1String(ZyBase::Services::pszGeolocationHost), refusal.url());
+    const QNetworkProxy previous = QNetworkProxy::applicationProxy();
+    QNetworkProxy::setApplicationProxy(
+        QNetworkProxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), proxy.port()));
+    QString text = locate(report, QStringLiteral("GetIPInfo, refused"));
+    QNetworkProxy::setApplicationProxy(previous);
+    return text;
+}
+
 } // namespace
 
 void showLocation(Report &report, const QDir &)
@@ -45,19 +58,7 @@ void showLocation(Report &report, const QDir &)
     report.heading(QStringLiteral("Address and location"), QStringLiteral("ZyBase/netinfo/CNetworkUtils.h"));
 
     // The tour stays on this machine: the services that are asked are stand-ins.
-    const RawServer addressService(RawServer::answerWith("{\"ip\":\"192.0.2.1\"}"));
-    const RawServer countryService(RawServer::answerWith("{\"country_code\":\"DE\",\"ip\":\"192.0.2.1\"}"));
-    const RawServer locationService(RawServer::answerWith(location));
-    const RawServer locationPage(RawServer::answerWith(page));
-    const Authority authority;
-    Proxy proxy(authority);
-    proxy.lead(QLatin1String(ZyBase::Services::pszAddressHost), addressService.url());
-    proxy.lead(QLatin1String(ZyBase::Services::pszCountryHost), countryService.url());
-    proxy.lead(QLatin1String(ZyBase::Services::pszGeolocationHost), locationService.url());
-    proxy.lead(QLatin1String(ZyBase::Services::pszGeolocationPageHost), locationPage.url());
-    QNetworkProxy::setApplicationProxy(
-        QNetworkProxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), proxy.port()));
-
+    const World world;
     const QString address = GetIP();
     report.line(QStringLiteral("GetIP"), address);
     report.promise(QStringLiteral("the address is the one that the service sees"),
@@ -73,12 +74,8 @@ void showLocation(Report &report, const QDir &)
     report.promise(QStringLiteral("the location is that of the first source"),
                    locate(report, QStringLiteral("GetIPInfo"))
                        == QLatin1String("Berlin, Land Berlin, Germany"));
-    const RawServer refusal(RawServer::answerWith("{\"status\":\"fail\"}"));
-    proxy.lead(QLatin1String(ZyBase::Services::pszGeolocationHost), refusal.url());
     report.promise(QStringLiteral("where that one fails, the page of the second is read"),
-                   locate(report, QStringLiteral("GetIPInfo, refused"))
-                       == QLatin1String("Paris, Ile-de-France, France"));
-    QNetworkProxy::setApplicationProxy(QNetworkProxy(QNetworkProxy::NoProxy));
+                   locateWhereTheFirstRefuses(report) == QLatin1String("Paris, Ile-de-France, France"));
 
     report.line(QStringLiteral("IsNetWorkOnline"), CNetworkUtils::IsNetWorkOnline()
                                                        ? QStringLiteral("true on this machine")

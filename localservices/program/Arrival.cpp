@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include "Arrival.h"
+
+#include <QDateTime>
+#include <QJsonArray>
+#include <QMap>
+
+using LocalServices::GaCollector;
+using LocalServices::StatisticsBackend;
+
+namespace {
+
+const QString good = QStringLiteral("good");
+const QString bad = QStringLiteral("bad: ");
+
+// The collectors' words for what they find, for someone who doesn't know their rules.
+const QMap<QString, QString> &eventSentences()
+{
+    static const QMap<QString, QString> sentences {
+        {QStringLiteral("method"), QStringLiteral("The method isn't POST.")},
+        {QStringLiteral("measurement_id"), QStringLiteral("The query has no measurement_id.")},
+        {QStringLiteral("api_secret"), QStringLiteral("The query has no api_secret.")},
+        {QStringLiteral("query"),
+         QStringLiteral("The query has other keys than measurement_id and api_secret.")},
+        {QStringLiteral("Content-Type"), QStringLiteral("The Content-Type isn't application/json.")},
+        {QStringLiteral("size"), QStringLiteral("The body has 130 KiB or more.")},
+        {QStringLiteral("keys"),
+         QStringLiteral("The body isn't an object with the keys client_id, events and user_id.")},
+        {QStringLiteral("client_id"), QStringLiteral("The client_id is empty.")},
+        {QStringLiteral("user_id"), QStringLiteral("The user_id is empty or longer than 256 characters.")},
+        {QStringLiteral("events"), QStringLiteral("There is no event or more than 25.")},
+        {QStringLiteral("event"), QStringLiteral("An event has other keys than name and params.")},
+        {QStringLiteral("name"),
+         QStringLiteral("An event's name isn't a letter with up to 39 letters, digits and underscores behind "
+                        "it, or begins as reserved names do.")},
+        {QStringLiteral("params"), QStringLiteral("An event has more than 25 params.")},
+        {QStringLiteral("param"), QStringLiteral("A param's name breaks the rules for names.")},
+        {QStringLiteral("value"), QStringLiteral("A param's value is no text of at most 100 characters.")}};
+    return sentences;
+}
+
+const QMap<QString, QString> &recordSentences()
+{
+    static const QMap<QString, QString> sentences {
+        {QStringLiteral("method"), QStringLiteral("The method isn't POST.")},
+        {QStringLiteral("Content-Type"), QStringLiteral("The Content-Type isn't application/json.")},
+        {QStringLiteral("keys"),
+         QStringLiteral("The body isn't an object with the texts action, day, device_id, os, product, qd, "
+                        "status and version.")},
+        {QStringLiteral("day"), QStringLiteral("The day isn't a date and a time like 2026-11-20 17:05:09.")}};
+    return sentences;
+}
+
+// A wrong query has no signature to speak of, and a wrong time stamp goes before what was made with it.
+QString signatureVerdict(const QStringList &problems)
+{
+    if (problems.contains(QStringLiteral("query")))
+        return bad + QStringLiteral("the query doesn't end in sign and timestamp");
+    if (problems.contains(QStringLiteral("sign")))
+        return bad + QStringLiteral("it isn't the one of this secret, time stamp and body");
+    if (problems.contains(QStringLiteral("timestamp")))
+        return bad + QStringLiteral("the time stamp is more than 300 seconds from now");
+    return good;
+}
+
+// Each once, however many events have it.
+QStringList inSentences(QStringList problems, const QMap<QString, QString> &sentences)
+{
+    problems.removeDuplicates();
+    for (QString &problem : problems)
+        problem = sentences.value(problem, problem);
+    return problems;
+}
+
+QStringList withoutSignature(QStringList problems)
+{
+    for (const char *word : {"query", "sign", "timestamp"})
+        problems.removeAll(QLatin1String(word));
+    return problems;
+}
+
+QString now()
+{
+    return QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs);
+}
+
+QString joined(QStringList texts)
+{
+    texts.removeAll(QString());
+    return texts.join(QStringLiteral(" · "));
+}
+
+} // namespace
+
+Arrival Arrival::of(const GaCollector::Event &event)
+{
+    QStringList names;
+    QStringList details;
+    const QJsonArray events = event.body.value(QStringLiteral("events")).toArray();
+    for (const QJsonValue &each : events) {
+        const QJsonObject params = each.toObject().value(QStringLiteral("params")).toObject();
+        names << each.toObject().value(QStringLiteral("name")).toString();
+        details << params.value(QStringLiteral("event_category")).toString()
+                << params.value(QStringLiteral("event_label")).toString();
+    }
+    return {0,
+            Arrival::event(),
+            now(),
+            joined(names),
+            joined(details),
+            event.request,
+            QString(),
+            inSentences(event.problems, eventSentences())};
+}
+
+Arrival Arrival::of(const StatisticsBackend::Record &record)
+{
+    return {0,
+            Arrival::record(),
+            now(),
+            record.body.value(QStringLiteral("action")).toString(),
+            record.body.value(QStringLiteral("status")).toString(),
+            record.request,
+            signatureVerdict(record.problems),
+            inSentences(withoutSignature(record.problems), recordSentences())};
+}
+
+bool Arrival::isGood() const
+{
+    return problems.isEmpty() && !signature.startsWith(bad);
+}
+
+QJsonObject Arrival::toJson() const
+{
+    QJsonArray headers;
+    for (const QPair<QByteArray, QByteArray> &header : request.headers)
+        headers << QJsonArray {QString::fromLatin1(header.first), QString::fromLatin1(header.second)};
+    return {{QStringLiteral("id"), id},
+            {QStringLiteral("kind"), kind},
+            {QStringLiteral("time"), time},
+            {QStringLiteral("name"), name},
+            {QStringLiteral("detail"), detail},
+            {QStringLiteral("method"), QString::fromLatin1(request.method)},
+            {QStringLiteral("target"), QString::fromLatin1(request.target)},
+            {QStringLiteral("headers"), headers},
+            {QStringLiteral("body"), QString::fromUtf8(request.body)},
+            {QStringLiteral("signature"), signature},
+            {QStringLiteral("problems"), QJsonArray::fromStringList(problems)},
+            {QStringLiteral("good"), isGood()}};
+}

@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include "ArrivalFeed.h"
+
+#include <QJsonDocument>
+
+ArrivalFeed::ArrivalFeed(ArrivalStore &store)
+    : m_store(store)
+{
+}
+
+void ArrivalFeed::add(const Arrival &arrival)
+{
+    if (m_store.add(arrival) == 0)
+        qWarning("An arrival can't be kept in the database.");
+    count(arrival);
+    wakeReaders();
+}
+
+void ArrivalFeed::clear()
+{
+    m_store.clear();
+    wakeReaders();
+}
+
+void ArrivalFeed::count(const Arrival &arrival)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    const bool isEvent = arrival.kind == Arrival::event();
+    ++(isEvent ? m_counts.events : m_counts.records);
+    if (arrival.isGood())
+        ++(isEvent ? m_counts.goodEvents : m_counts.goodRecords);
+}
+
+void ArrivalFeed::wakeReaders()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    ++m_changes;
+    m_change.notify_all();
+}
+
+QList<Arrival> ArrivalFeed::waitAfter(qint64 id, std::chrono::milliseconds time)
+{
+    std::unique_lock<std::mutex> lock(m_mutex);
+    const quint64 changes = m_changes;
+    lock.unlock();
+    const QList<Arrival> there = after(id);
+    if (!there.isEmpty())
+        return there;
+    // What came since the look into the store has changed the number.
+    lock.lock();
+    m_change.wait_for(lock, time, [&] { return m_changes != changes || m_isStopped; });
+    lock.unlock();
+    return after(id);
+}
+
+ArrivalFeed::Counts ArrivalFeed::counts() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_counts;
+}
+
+void ArrivalFeed::stop()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_isStopped = true;
+    m_change.notify_all();
+}
+
+bool ArrivalFeed::isStopped() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_isStopped;
+}
+
+QByteArray ArrivalFeed::toServerSentEvent(const Arrival &arrival)
+{
+    return "id: " + QByteArray::number(arrival.id) + "\nevent: " + arrival.kind.toLatin1()
+           + "\ndata: " + QJsonDocument(arrival.toJson()).toJson(QJsonDocument::Compact) + "\n\n";
+}

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include "Command.h"
+
+#include "Termination.h"
+
+#include <QEventLoop>
+
+#include <csignal>
+#include <cstdio>
+
+namespace {
+
+constexpr int notFound = 127;
+constexpr int endedBySignal = 128;
+
+} // namespace
+
+Command::Command(const QStringList &command, const QProcessEnvironment &environment)
+    : m_command(command)
+{
+    m_process.setProcessEnvironment(environment);
+    m_process.setProcessChannelMode(QProcess::ForwardedChannels);
+    m_process.setInputChannelMode(QProcess::ForwardedInputChannel);
+}
+
+int Command::run(Termination &termination)
+{
+    QEventLoop loop;
+    QObject::connect(&m_process, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), &loop,
+                     &QEventLoop::quit);
+    m_process.start(m_command.first(), m_command.mid(1));
+    constexpr int forEver = -1;
+    if (!m_process.waitForStarted(forEver)) {
+        std::fprintf(stderr, "local-services: %s: %s\n", m_command.first().toLocal8Bit().constData(),
+                     m_process.errorString().toLocal8Bit().constData());
+        return notFound;
+    }
+    termination.setHandler([this](int signal, bool isFromTerminal) {
+        if (!isFromTerminal)
+            ::kill(pid_t(m_process.processId()), signal);
+    });
+    if (m_process.state() != QProcess::NotRunning)
+        loop.exec();
+    termination.setHandler({});
+    return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode()
+                                                          : endedBySignal + m_process.exitCode();
+}

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include "Folder.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QSaveFile>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr mode_t onlyMine = 0700;
+constexpr mode_t others = 0077;
+
+bool make(const QString &path)
+{
+    QDir().mkpath(QFileInfo(path).path());
+    return ::mkdir(QFile::encodeName(path).constData(), onlyMine) == 0 || QFileInfo(path).isDir();
+}
+
+bool isPrivate(const QString &path)
+{
+    struct stat info;
+    return ::stat(QFile::encodeName(path).constData(), &info) == 0 && info.st_uid == ::geteuid()
+           && (info.st_mode & others) == 0;
+}
+
+} // namespace
+
+Folder::Folder(const QString &path)
+    : m_path(QDir::cleanPath(QDir(path).absolutePath()))
+    , m_lock(std::make_unique<QLockFile>(filePath(QStringLiteral("lock"))))
+{
+    m_lock->setStaleLockTime(0); // that of a process that is gone is stale all the same
+    if (!make(m_path))
+        m_error = QStringLiteral("the folder %1 can't be made").arg(m_path);
+    else if (!isPrivate(m_path))
+        m_error = QStringLiteral("the folder %1 is open to others; name another by --folder").arg(m_path);
+    else if (!m_lock->tryLock())
+        m_error = QStringLiteral("the folder %1 is in use by another local-services, or can't be written to")
+                      .arg(m_path);
+}
+
+QString Folder::filePath(const QString &name) const
+{
+    return m_path + QLatin1Char('/') + name;
+}
+
+bool Folder::write(const QString &name, const QByteArray &content) const
+{
+    QSaveFile file(filePath(name));
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.commit();
+}
+
+void Folder::remove(const QString &name) const
+{
+    QFile::remove(filePath(name));
+}

@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include "Program.h"
+
+#include "Command.h"
+#include "Termination.h"
+
+#include <QEventLoop>
+#include <QJsonDocument>
+
+#include <cstdio>
+
+namespace {
+
+constexpr int failure = 1;
+constexpr quint16 usualPort = 8377; // so that a page that is open finds the next run
+constexpr quint16 anyPort = 0;
+
+const QString servicesFile = QStringLiteral("services.json");
+const QString authorityFile = QStringLiteral("authority.pem");
+const QString arrivalsFile = QStringLiteral("arrivals.sqlite");
+
+// The standard output stream is the command's own.
+void say(const QString &text)
+{
+    std::fprintf(stderr, "local-services: %s\n", text.toLocal8Bit().constData());
+}
+
+int fail(const QString &text)
+{
+    say(text);
+    return failure;
+}
+
+std::unique_ptr<PageServer> createPage(ArrivalFeed &feed, int port, const QString &services)
+{
+    if (port != Options::anyPreferred)
+        return std::make_unique<PageServer>(feed, quint16(port), services);
+    auto page = std::make_unique<PageServer>(feed, usualPort, services);
+    if (!page->isListening())
+        page = std::make_unique<PageServer>(feed, anyPort, services);
+    return page;
+}
+
+QString count(int number, int good, const char *what)
+{
+    return QStringLiteral("%1 %2%3 (%4 good)")
+        .arg(number)
+        .arg(QLatin1String(what), number == 1 ? QString() : QStringLiteral("s"))
+        .arg(good);
+}
+
+} // namespace
+
+Program::Program(const Options &options)
+    : m_options(options)
+    , m_folder(options.folder)
+{
+}
+
+int Program::run(Termination &termination)
+{
+    if (!m_folder.error().isEmpty())
+        return fail(m_folder.error());
+    m_folder.remove(servicesFile); // that of a run that was killed names services that are gone
+    ArrivalStore store(m_folder.filePath(arrivalsFile));
+    if (!store.error().isEmpty())
+        return fail(QStringLiteral("%1: %2").arg(m_folder.filePath(arrivalsFile), store.error()));
+    ArrivalFeed feed(store);
+    StandIns standIns(feed);
+    const auto page = createPage(feed, m_options.port, m_folder.filePath(servicesFile));
+    if (!page->isListening())
+        return fail(QStringLiteral("the port %1 is taken").arg(m_options.port));
+    if (!describe(standIns, page->url()))
+        return fail(QStringLiteral("%1 can't be written").arg(m_folder.filePath(servicesFile)));
+
+    int exitCode = 0;
+    if (m_options.command.isEmpty()) {
+        announce(page->url());
+        waitForEnd(termination);
+    } else {
+        exitCode = runCommand(termination, standIns, page->url());
+    }
+    m_folder.remove(servicesFile);
+    m_folder.remove(authorityFile);
+    tell(feed.counts());
+    return exitCode;
+}
+
+// The description comes last: whoever finds it finds all that it names.
+bool Program::describe(const StandIns &standIns, const QUrl &page) const
+{
+    const QJsonObject services {{QStringLiteral("authority"), m_folder.filePath(authorityFile)},
+                                {QStringLiteral("downloads"), standIns.downloads().toString()},
+                                {QStringLiteral("page"), page.toString()},
+                                {QStringLiteral("proxy"), standIns.proxy().toString()},
+                                {QStringLiteral("statistics"), standIns.statistics().toString()}};
+    return m_folder.write(authorityFile, standIns.authority())
+           && m_folder.write(servicesFile, QJsonDocument(services).toJson());
+}
+
+int Program::runCommand(Termination &termination, StandIns &standIns, const QUrl &page) const
+{
+    say(QStringLiteral("what arrives shows up at %1").arg(page.toString()));
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("LOCAL_SERVICES"), m_folder.filePath(servicesFile));
+    const int exitCode = Command(m_options.command, environment).run(termination);
+    standIns.settle();
+    return exitCode;
+}
+
+void Program::waitForEnd(Termination &termination)
+{
+    QEventLoop loop;
+    termination.setHandler([&loop](int, bool) { loop.quit(); });
+    loop.exec();
+    termination.setHandler({});
+}
+
+void Program::announce(const QUrl &page) const
+{
+    say(QStringLiteral("what arrives shows up at %1").arg(page.toString()));
+    std::fprintf(stderr,
+                 "\n"
+                 "Have a host send it here, in either of two ways:\n"
+                 "    scripts/local-services COMMAND ARGUMENT...    runs the host and ends with it\n"
+                 "    export LOCAL_SERVICES=%s\n"
+                 "Its main() calls useDevelopmentServices() of examples/recipes/seeing-what-is-sent.\n"
+                 "Ctrl-C ends this.\n\n",
+                 m_folder.filePath(servicesFile).toLocal8Bit().constData());
+}
+
+void Program::tell(const ArrivalFeed::Counts &counts)
+{
+    say(QStringLiteral("%1 and %2 arrived")
+            .arg(count(counts.events, counts.goodEvents, "event"),
+                 count(counts.records, counts.goodRecords, "record")));
+}
