@@ -2,6 +2,8 @@
 
 #include "Background.h"
 
+#include <QCoreApplication>
+
 namespace {
 
 // More than pages have calls that wait. They cost no processor.
@@ -16,4 +18,10 @@ QThreadPool *waitingThreads()
     if (pool->maxThreadCount() < mostWaitingCalls)
         pool->setMaxThreadCount(mostWaitingCalls);
     return pool;
+}
+
+void tidyThread()
+{
+    QCoreApplication::sendPostedEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }

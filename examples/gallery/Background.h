@@ -9,6 +9,9 @@
 /** Threads for calls that wait; one that hangs doesn't keep the others from running. */
 QThreadPool *waitingThreads();
 
+/** Deletes what a call with an event loop of its own left to the next one, which this thread never runs. */
+void tidyThread();
+
 /**
  * Runs the blocking call @p work in a thread of its own, and then @p done with its result in that of
  * @p receiver, if that still lives. @p work must refer to nothing that may go earlier.
@@ -20,5 +23,9 @@ template <typename Work, typename Done> void inBackground(QObject *receiver, Wor
         watcher->deleteLater();
         done(watcher->result());
     });
-    watcher->setFuture(QtConcurrent::run(waitingThreads(), work));
+    watcher->setFuture(QtConcurrent::run(waitingThreads(), [work] {
+        auto result = work();
+        tidyThread();
+        return result;
+    }));
 }

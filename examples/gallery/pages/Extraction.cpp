@@ -38,13 +38,21 @@ void take(QtMsgType type, const QMessageLogContext &context, const QString &mess
         s_entries->append({message, Extraction::Failed});
 }
 
-// Takes the messages of this thread while it lives. The handler is the process's and stays.
+// The handler is the process's and stays. That of before is known before any message can need it.
+bool install()
+{
+    s_previous = qInstallMessageHandler(nullptr);
+    qInstallMessageHandler(take);
+    return true;
+}
+
+// Takes the messages of this thread while it lives.
 class Listening
 {
 public:
     explicit Listening(QList<Extraction::Entry> *entries)
     {
-        static const bool isInstalled = (s_previous = qInstallMessageHandler(take), true);
+        static const bool isInstalled = install();
         Q_UNUSED(isInstalled)
         s_entries = entries;
     }

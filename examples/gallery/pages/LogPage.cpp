@@ -18,7 +18,7 @@ using ZyBase::LoggerObject;
 namespace {
 
 constexpr const char *fileName = "gallery.log";
-constexpr qint64 shownBytes = 64 * 1024;
+constexpr qint64 shownBytes = 65536;
 
 class LevelHighlighter : public QSyntaxHighlighter
 {
