@@ -126,7 +126,7 @@ private Q_SLOTS:
     {
         m_path = qgetenv("PATH");
         m_threads = ProcessFigures::threadCount();
-        qputenv("QT_QPA_PLATFORM", "offscreen"); // for the hosts
+        qputenv("QT_QPA_PLATFORM", "minimal"); // for the hosts
     }
     void init()
     {
@@ -318,7 +318,7 @@ private Q_SLOTS:
 
 int main(int argc, char **argv)
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_QPA_PLATFORM", "minimal");
     const QGuiApplication application(argc, argv);
     TestWatchingTheTheme test;
     return QTest::qExec(&test, argc, argv);
