@@ -56,17 +56,17 @@ private:
         return sent;
     }
 
-    const ::LocalServices::Authority m_authority;
-    const ::LocalServices::PublicServices m_publicServices;
-    const ::LocalServices::GaCollector m_collector;
-    const ::LocalServices::StatisticsBackend m_backend;
-    ::LocalServices::Proxy m_proxy;
+    const LocalServices::Authority m_authority;
+    const LocalServices::PublicServices m_publicServices;
+    const LocalServices::GaCollector m_collector;
+    const LocalServices::StatisticsBackend m_backend;
+    LocalServices::Proxy m_proxy;
 };
 
-class World::LocalServices : public World::Services
+class World::LedServices : public World::Services
 {
 public:
-    explicit LocalServices(const QString &description)
+    explicit LedServices(const QString &description)
         : m_services(useDevelopmentServices())
         , m_page(ZyBase::CJsonReader::ParseJsonFile(description, QStringLiteral("page")).toString())
         , m_before(lastId())
@@ -113,7 +113,7 @@ World::World()
     if (description.isEmpty())
         m_services = std::make_unique<OwnServices>();
     else
-        m_services = std::make_unique<LocalServices>(description);
+        m_services = std::make_unique<LedServices>(description);
 }
 
 World::~World()

@@ -38,7 +38,7 @@ private:
     Q_DISABLE_COPY(World)
     class Services;
     class OwnServices;
-    class LocalServices;
+    class LedServices;
 
     const QNetworkProxy m_previousProxy;
     const QSslConfiguration m_previousConfiguration;

@@ -46,7 +46,7 @@ QString locateWhereTheFirstRefuses(Report &report)
     const QNetworkProxy previous = QNetworkProxy::applicationProxy();
     QNetworkProxy::setApplicationProxy(
         QNetworkProxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), proxy.port()));
-    const QString text = locate(report, QStringLiteral("GetIPInfo, refused"));
+    QString text = locate(report, QStringLiteral("GetIPInfo, refused"));
     QNetworkProxy::setApplicationProxy(previous);
     return text;
 }

@@ -7,7 +7,6 @@
 #include <QMap>
 
 using LocalServices::GaCollector;
-using LocalServices::HttpServer;
 using LocalServices::StatisticsBackend;
 
 namespace {
@@ -65,16 +64,20 @@ QString signatureVerdict(const QStringList &problems)
     return good;
 }
 
-// Each once, however many events have it. What has no sentence isn't told here.
+// Each once, however many events have it.
 QStringList inSentences(QStringList problems, const QMap<QString, QString> &sentences)
 {
-    QStringList result;
     problems.removeDuplicates();
-    for (const QString &problem : qAsConst(problems)) {
-        if (sentences.contains(problem))
-            result << sentences.value(problem);
-    }
-    return result;
+    for (QString &problem : problems)
+        problem = sentences.value(problem, problem);
+    return problems;
+}
+
+QStringList withoutSignature(QStringList problems)
+{
+    for (const char *word : {"query", "sign", "timestamp"})
+        problems.removeAll(QLatin1String(word));
+    return problems;
 }
 
 QString now()
@@ -120,7 +123,7 @@ Arrival Arrival::of(const StatisticsBackend::Record &record)
             record.body.value(QStringLiteral("status")).toString(),
             record.request,
             signatureVerdict(record.problems),
-            inSentences(record.problems, recordSentences())};
+            inSentences(withoutSignature(record.problems), recordSentences())};
 }
 
 bool Arrival::isGood() const

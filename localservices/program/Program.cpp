@@ -62,6 +62,7 @@ int Program::run(Termination &termination)
 {
     if (!m_folder.error().isEmpty())
         return fail(m_folder.error());
+    m_folder.remove(servicesFile); // that of a run that was killed names services that are gone
     ArrivalStore store(m_folder.filePath(arrivalsFile));
     if (!store.error().isEmpty())
         return fail(QStringLiteral("%1: %2").arg(m_folder.filePath(arrivalsFile), store.error()));

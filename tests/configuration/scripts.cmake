@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: LGPL-2.1-or-later
 #
-# What installs the dependencies says why it can't, and is silent where there is nothing to do.
+# What installs the dependencies says why it can't, and is silent where there is nothing to do. What builds
+# and starts something ends as that does.
 
 include(${CMAKE_CURRENT_LIST_DIR}/support.cmake)
 
@@ -50,3 +51,59 @@ expect_failure_with("the package lists can't be had; is there a network?")
 execute_process(COMMAND ${ENV_COMMAND} PATH=${WORK_DIR}/user:$ENV{PATH} ${BASH} ${script} build
     RESULT_VARIABLE RESULT OUTPUT_VARIABLE OUTPUT ERROR_VARIABLE OUTPUT)
 expect_failure_with("sudo refused; run as root or install by hand: apt-get update")
+
+# The scripts that build and start something, in a tree where cmake makes a program that prints its
+# arguments and ends as the test wants.
+file(COPY ${SOURCE_DIR}/scripts DESTINATION ${WORK_DIR}/tree)
+file(WRITE ${WORK_DIR}/program "#!/bin/sh\necho \"started: $*\"\nexit 7\n")
+file(WRITE ${WORK_DIR}/good/cmake "#!/bin/sh
+echo \"cmake $*\"
+mkdir -p ${WORK_DIR}/tree/build/demo/localservices/program
+cp ${WORK_DIR}/program ${WORK_DIR}/tree/build/demo/localservices/program/local-services
+")
+file(WRITE ${WORK_DIR}/bad/cmake "#!/bin/sh\necho 'no compiler'\nexit 1\n")
+run(chmod +x ${WORK_DIR}/program ${WORK_DIR}/good/cmake ${WORK_DIR}/bad/cmake)
+set(demo ${WORK_DIR}/tree/build/demo)
+
+# run_script(<folder of cmake> <script> [ARGUMENT...]): leaves RESULT, OUTPUT and ERRORS.
+function(run_script folder script)
+    execute_process(
+        COMMAND ${ENV_COMMAND} PATH=${WORK_DIR}/${folder}:${WORK_DIR}/all:$ENV{PATH} ${BASH}
+            ${WORK_DIR}/tree/scripts/${script} ${ARGN}
+        RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE errors)
+    set(RESULT "${result}" PARENT_SCOPE)
+    set(OUTPUT "${output}" PARENT_SCOPE)
+    set(ERRORS "${errors}" PARENT_SCOPE)
+endfunction()
+
+run_script(bad local-services true)
+set(OUTPUT "${ERRORS}")
+expect_failure_with("build-demo: the build failed; all of it stands in ${demo}/build.log")
+expect_failure_with("no compiler")
+run_script(bad demo)
+set(OUTPUT "${ERRORS}")
+expect_failure_with("build-demo: the build failed")
+
+run_script(good local-services --port 0 host --its own)
+if(NOT RESULT EQUAL 7)
+    message(FATAL_ERROR "The exit code is to be the program's; it is: ${RESULT} ${ERRORS}")
+endif()
+if(NOT OUTPUT STREQUAL "started: --folder ${demo}/local-services --port 0 host --its own\n")
+    message(FATAL_ERROR "The standard output stream is the program's alone; it holds: ${OUTPUT}")
+endif()
+file(READ ${demo}/build.log log)
+if(NOT log MATCHES "--target local-services\n")
+    message(FATAL_ERROR "Only the program should be built: ${log}")
+endif()
+
+run_script(good demo)
+if(NOT RESULT EQUAL 7)
+    message(FATAL_ERROR "The exit code is to be the tour's; it is: ${RESULT} ${ERRORS}")
+endif()
+foreach(text "started: --folder ${demo}/local-services ${demo}/examples/tour/tour ${demo}/tour\n"
+        "== Where to look next" "scripts/local-services")
+    string(FIND "${OUTPUT}" "${text}" position)
+    if(position EQUAL -1)
+        message(FATAL_ERROR "The demo should say \"${text}\"; it said: ${OUTPUT}")
+    endif()
+endforeach()

@@ -6,6 +6,7 @@
 #include "MessageCapture.h"
 #include "RecordedPrograms.h"
 #include "TemporaryHome.h"
+#include "VirtualDisplay.h"
 
 #include <QDir>
 #include <QGuiApplication>
@@ -44,44 +45,30 @@ public:
         return nullptr;
     }
 
-    bool start()
-    {
-        const QByteArray display =
-            firstLineOf(&m_display, QStringLiteral("Xvfb"),
-                        {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
-                         QStringLiteral("0"), QStringLiteral("1024x768x24"), QStringLiteral("-nolisten"),
-                         QStringLiteral("tcp")});
-        const QByteArray bus = firstLineOf(
-            &m_bus, QStringLiteral("dbus-daemon"),
-            {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address")});
-        qputenv("DISPLAY", ":" + display);
-        qputenv("DBUS_SESSION_BUS_ADDRESS", bus);
-        qputenv("QT_QPA_PLATFORM", "xcb");
-        return !display.isEmpty() && !bus.isEmpty();
-    }
+    bool start() { return m_display.start() && startBus(); }
 
     ~Desktop()
     {
-        for (QProcess *process : {&m_bus, &m_display}) {
-            process->terminate();
-            process->waitForFinished(patience);
-        }
+        m_bus.terminate();
+        m_bus.waitForFinished(patience);
     }
 
 private:
-    static QByteArray firstLineOf(QProcess *process, const QString &program, const QStringList &arguments)
+    bool startBus()
     {
-        process->setStandardErrorFile(QProcess::nullDevice());
-        process->start(program, arguments);
-        while (!process->canReadLine()) {
-            if (!process->waitForReadyRead(patience))
-                return QByteArray();
+        m_bus.setStandardErrorFile(QProcess::nullDevice());
+        m_bus.start(QStringLiteral("dbus-daemon"), {QStringLiteral("--session"), QStringLiteral("--nofork"),
+                                                    QStringLiteral("--print-address")});
+        while (!m_bus.canReadLine()) {
+            if (!m_bus.waitForReadyRead(patience))
+                return false;
         }
-        return process->readLine().trimmed();
+        qputenv("DBUS_SESSION_BUS_ADDRESS", m_bus.readLine().trimmed());
+        return true;
     }
 
     TemporaryHome m_home;
-    QProcess m_display;
+    VirtualDisplay m_display;
     QProcess m_bus;
 };
 

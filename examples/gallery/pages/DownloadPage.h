@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#pragma once
+
+#include "../widgets/Pill.h"
+#include "Page.h"
+
+#include <ZyBase/http/DownloadManager.h>
+
+class Card;
+class QLabel;
+class QLineEdit;
+class QProgressBar;
+class QPushButton;
+class QTreeWidget;
+
+/** One download at a time, as it comes along. */
+class DownloadPage : public Page
+{
+    Q_OBJECT
+
+public:
+    /** @param address what is downloaded at first, or empty @param directory where to, in a folder there */
+    DownloadPage(const QString &address, const QString &directory, QWidget *parent = nullptr);
+
+    void stop() override;
+
+private:
+    void fillProgressCard(Card *card);
+    void fillHistoryCard(Card *card);
+    void start();
+    void showProgress(qint64 received, qint64 total, const QString &speed);
+    void finish(bool isDone, const QString &path);
+    void tell(Pill::Tone tone, const QString &outcome);
+    void setRunning(bool isRunning);
+
+    const QString m_directory;
+    ZyBase::DownloadManager m_download;
+    bool m_isStopped = false;
+    QString m_path; ///< of the last file that came
+    QLineEdit *m_url;
+    QPushButton *m_start;
+    QPushButton *m_stop;
+    Pill *m_state;
+    QLabel *m_file;
+    QLabel *m_amount;
+    QLabel *m_speed;
+    QProgressBar *m_bar;
+    QPushButton *m_reveal;
+    QTreeWidget *m_history;
+};

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#pragma once
+
+#include "Page.h"
+
+#include <QFileSystemWatcher>
+
+class QLineEdit;
+class QPlainTextEdit;
+class QSyntaxHighlighter;
+
+/** The host's log, which is on as long as this page lives. */
+class LogPage : public Page
+{
+    Q_OBJECT
+
+public:
+    explicit LogPage(const QString &directory, QWidget *parent = nullptr);
+    ~LogPage() override;
+
+protected:
+    void changeEvent(QEvent *event) override;
+
+private:
+    QWidget *createButtons();
+    void write(void (*level)(const char *));
+    void showFile();
+
+    const QString m_path;
+    QLineEdit *m_message;
+    QPlainTextEdit *m_file;
+    QSyntaxHighlighter *m_levels;
+    QFileSystemWatcher m_watcher;
+};

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include "Card.h"
+
+#include "controls.h"
+
+Card::Card(const QString &title, QWidget *parent)
+    : QFrame(parent)
+    , m_column(new QVBoxLayout(this))
+{
+    setObjectName(QStringLiteral("card"));
+    m_column->setContentsMargins(20, 16, 20, 18);
+    m_column->setSpacing(12);
+    if (!title.isEmpty())
+        m_column->addWidget(heading(title));
+}
+
+QHBoxLayout *Card::addRow()
+{
+    auto *const row = new QHBoxLayout;
+    row->setSpacing(10);
+    m_column->addLayout(row);
+    return row;
+}

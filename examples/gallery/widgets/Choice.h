@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#pragma once
+
+#include <QComboBox>
+
+/** A drop-down list whose arrow has the colours of the look. */
+class Choice : public QComboBox
+{
+    Q_OBJECT
+
+public:
+    Choice(const QStringList &items, const char *name, QWidget *parent = nullptr);
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+};

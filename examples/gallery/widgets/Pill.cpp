@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include "Pill.h"
+
+#include <QStyle>
+#include <QVariant>
+
+Pill::Pill(const QString &text, const char *name, QWidget *parent)
+    : QLabel(parent)
+{
+    setObjectName(QLatin1String(name));
+    setTextFormat(Qt::PlainText);
+    setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Maximum);
+    tell(Neutral, text);
+}
+
+void Pill::tell(Tone tone, const QString &text)
+{
+    static constexpr const char *names[] = {"neutral", "busy", "good", "warning", "bad"};
+    setText(text);
+    setProperty("tone", QLatin1String(names[tone]));
+    style()->unpolish(this); // the style sheet looks at properties here only
+    style()->polish(this);
+}

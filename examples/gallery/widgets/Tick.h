@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#pragma once
+
+#include <QCheckBox>
+
+/** A check box whose mark has the colours of the look. */
+class Tick : public QCheckBox
+{
+    Q_OBJECT
+
+public:
+    Tick(const QString &text, const char *name, QWidget *parent = nullptr);
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+};

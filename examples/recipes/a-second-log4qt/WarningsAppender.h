@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#pragma once
+
+#include <log4qt/appenderskeleton.h>
+#include <log4qt/loggingevent.h>
+
+#include <QMutex>
+#include <QStringList>
+
+/**
+ * Keeps the texts of warnings and errors, for a host that shows them. To be attached to the root logger of
+ * log4qt, which the library's log writes to; works with any log4qt that the host is built with.
+ */
+class WarningsAppender : public Log4Qt::AppenderSkeleton
+{
+public:
+    WarningsAppender()
+    {
+        setThreshold(Log4Qt::Level(Log4Qt::Level::WARN_INT));
+        activateOptions();
+    }
+    bool requiresLayout() const override { return false; }
+
+    QStringList texts() const
+    {
+        const QMutexLocker lock(&m_textsMutex);
+        return m_texts;
+    }
+
+protected:
+    void append(const Log4Qt::LoggingEvent &event) override // on the thread that logs
+    {
+        const QMutexLocker lock(&m_textsMutex);
+        m_texts << event.message();
+    }
+
+private:
+    mutable QMutex m_textsMutex;
+    QStringList m_texts;
+};

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+//
+// Shows the log's warnings by an appender of the host's own, beside a plug-in that brings another log4qt.
+//
+//     recipe-a-second-log4qt DIRECTORY [PLUGIN]    the log is DIRECTORY/log/host.log
+
+#include "WarningsAppender.h"
+
+#include <ZyBase/base/LoggerObject.h>
+
+#include <log4qt/logger.h>
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QLibrary>
+#include <QTextStream>
+
+using ZyBase::LoggerObject;
+
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    QTextStream out(stdout);
+    out.setCodec("UTF-8");
+    if (argc < 2) {
+        out << "recipe-a-second-log4qt DIRECTORY [PLUGIN]\n";
+        return 2;
+    }
+    // "Log4Qt::zy::Logger" is the library's own log4qt, "Log4Qt::Logger" an installed one.
+    out << "the log's log4qt: " << Log4Qt::Logger::staticMetaObject.className() << '\n';
+
+    LoggerObject::InitLogger("host.log", argv[1]);
+    const QSharedPointer<WarningsAppender> warnings(new WarningsAppender);
+    Log4Qt::Logger::rootLogger()->addAppender(Log4Qt::AppenderSharedPtr(warnings)); // behind InitLogger()
+
+    if (argc > 2) {
+        QLibrary plugin(QFile::decodeName(argv[2]));
+        out << (plugin.load() ? "plug-in loaded" : "no plug-in") << '\n';
+    }
+    LoggerObject::info("the host runs");
+    LoggerObject::warn("the disk is nearly full");
+
+    out << "to be shown: " << warnings->texts().join(QStringLiteral(", ")) << '\n';
+    LoggerObject::ReleaseLogger(); // takes the host's appender off as well
+    return 0;
+}

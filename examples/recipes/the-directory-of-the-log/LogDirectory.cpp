@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include "LogDirectory.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+namespace {
+
+const QLatin1String monthPattern("yyyy-MM");
+const QLatin1String monthWildcard(".[0-9][0-9][0-9][0-9]-[0-9][0-9]");
+
+// The log goes to a new file in a month that it sees begin. A host that is ended every evening sees none.
+void setFormerMonthAside(const QString &path)
+{
+    const QString month = QFileInfo(path).lastModified().toString(monthPattern);
+    if (!month.isEmpty() && month < QDateTime::currentDateTime().toString(monthPattern))
+        QFile::rename(path, path + QLatin1Char('.') + month); // a file of that name is kept
+}
+
+void deleteOldMonths(QDir folder, const QString &fileName, int keptMonths)
+{
+    const QStringList months = folder.entryList({fileName + monthWildcard}, QDir::Files, QDir::Name);
+    for (int i = 0; i < months.size() - keptMonths; ++i)
+        folder.remove(months.at(i));
+}
+
+} // namespace
+
+LogDirectory prepareLogDirectory(const QString &fileName, int keptMonths)
+{
+    const QString base = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
+    const QDir folder(base + QStringLiteral("/log"));
+    if (!folder.mkpath(QStringLiteral(".")))
+        return {QString(), QStringLiteral("The directory %1 can't be made.").arg(folder.path())};
+    QFile::setPermissions(folder.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+
+    setFormerMonthAside(folder.filePath(fileName));
+    deleteOldMonths(folder, fileName, keptMonths);
+
+    QFile file(folder.filePath(fileName));
+    if (!file.open(QIODevice::Append)) // the only sure way to know
+        return {QString(), QStringLiteral("%1: %2.").arg(file.fileName(), file.errorString())};
+    return {base, QString()};
+}

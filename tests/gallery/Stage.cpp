@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include "Stage.h"
+
+#include "Files.h"
+
+#include <QStyleFactory>
+
+namespace {
+
+constexpr int lastMomentMs = 1500;
+const QString themeFile = QStringLiteral("theme");
+const QString holdFile = QStringLiteral("hold");
+
+} // namespace
+
+const char *Stage::obstacle()
+{
+    if (!VirtualDisplay::isAvailable())
+        return "Xvfb is not installed";
+    if (!qobject_cast<QApplication *>(QCoreApplication::instance()))
+        return "this user can start no display";
+    return nullptr;
+}
+
+// No desktop of the machine has a say in how the gallery looks.
+std::unique_ptr<QCoreApplication> Stage::createApplication(int &argc, char **argv, bool hasDisplay)
+{
+    if (!hasDisplay)
+        return std::make_unique<QCoreApplication>(argc, argv);
+    for (const char *variable : {"XDG_CURRENT_DESKTOP", "QT_QPA_PLATFORMTHEME", "QT_STYLE_OVERRIDE",
+                                 "QT_SCALE_FACTOR", "QT_SCREEN_SCALE_FACTORS", "QT_FONT_DPI"})
+        qunsetenv(variable);
+    auto application = std::make_unique<QApplication>(argc, argv);
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), 10));
+    QApplication::setCursorFlashTime(0);
+    return application;
+}
+
+Stage::Stage()
+{
+    m_tools.add(QStringLiteral("which"), "exit 0");
+    m_tools.add(QStringLiteral("gsettings"), "while [ -e \"$HOME/hold\" ]; do /bin/sleep 0.05; done\n"
+                                             "/bin/cat \"$HOME/theme\"");
+    m_tools.add(QStringLiteral("xdg-mime"), "echo org.example.reader.desktop");
+    qputenv("PATH", QFile::encodeName(m_tools.path()));
+    m_services = useDevelopmentServices();
+}
+
+void Stage::setTheme(const QByteArray &theme)
+{
+    writeFile(homePath(themeFile), theme);
+}
+
+void Stage::holdTheme()
+{
+    writeFile(homePath(holdFile), "");
+}
+
+void Stage::releaseTheme()
+{
+    QFile::remove(homePath(holdFile));
+}
+
+Gallery &Stage::open(const QByteArray &theme)
+{
+    close();
+    m_directory = std::make_unique<QTemporaryDir>();
+    setTheme(theme);
+    return reopen(m_services);
+}
+
+Gallery &Stage::reopen(const DevelopmentServices &services)
+{
+    close();
+    m_gallery = std::make_unique<Gallery>(m_directory->path(), services);
+    if (!QTest::qWaitForWindowExposed(&m_gallery->window(), patience))
+        qFatal("The gallery does not show");
+    const auto isAsked = [this] {
+        return m_gallery->text("verdict") != QStringLiteral("Asking the desktop …");
+    };
+    if (!QFile::exists(homePath(holdFile)) && !QTest::qWaitFor(isAsked, patience))
+        qFatal("The desktop does not answer");
+    return *m_gallery;
+}
+
+bool Stage::isDark() const
+{
+    return m_gallery->window().palette().color(QPalette::Window).lightness() < 128;
+}
+
+void Stage::close()
+{
+    if (m_gallery)
+        m_gallery->window().stopServices();
+    m_gallery.reset();
+}
+
+void Stage::lastMoment()
+{
+    QTest::qWait(lastMomentMs);
+}

@@ -1,0 +1,380 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include <PageServer.h>
+
+#include "Requests.h"
+
+#include <QCryptographicHash>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <atomic>
+#include <vector>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+// A wait that should end for another reason runs into the time limit of the whole test otherwise.
+constexpr auto patience = 1h;
+
+Arrival record(const QString &name)
+{
+    Arrival result;
+    result.kind = Arrival::record();
+    result.name = name;
+    result.time = QStringLiteral("2026-11-20T17:05:09.123Z");
+    result.signature = QStringLiteral("good");
+    return result;
+}
+
+Arrival badEvent()
+{
+    Arrival result = record(QStringLiteral("event"));
+    result.kind = Arrival::event();
+    result.signature.clear();
+    result.problems << QStringLiteral("bad");
+    return result;
+}
+
+QString nameIn(const FeedReader::Event &event)
+{
+    return QJsonDocument::fromJson(event.data).object().value(QStringLiteral("name")).toString();
+}
+
+QString number(int number)
+{
+    return QString::number(number);
+}
+
+} // namespace
+
+// What arrives, as readers and pages get it.
+class TestArrivalFeed : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_directory = std::make_unique<QTemporaryDir>();
+        m_store = std::make_unique<ArrivalStore>(m_directory->filePath(QStringLiteral("arrivals.sqlite")));
+        m_feed = std::make_unique<ArrivalFeed>(*m_store);
+    }
+    void cleanup()
+    {
+        m_server.reset();
+        m_feed.reset();
+        m_store.reset();
+    }
+
+    void whatIsThereIsGivenAtOnce()
+    {
+        m_feed->add(record(QStringLiteral("a")));
+        m_feed->add(record(QStringLiteral("b")));
+        QCOMPARE(m_feed->waitAfter(0, patience).size(), 2);
+        QCOMPARE(m_feed->waitAfter(1, patience).value(0).name, QStringLiteral("b"));
+        QCOMPARE(m_feed->lastId(), 2);
+    }
+
+    void waitEndsWithAnArrival()
+    {
+        std::atomic<int> size {-1};
+        std::thread reader([&] { size = m_feed->waitAfter(0, patience).size(); });
+        m_feed->add(record(QStringLiteral("a")));
+        reader.join();
+        QCOMPARE(size.load(), 1);
+    }
+
+    void waitEndsWithItsTime() { QCOMPARE(m_feed->waitAfter(0, 10ms).size(), 0); }
+
+    void waitEndsWithTheFeed()
+    {
+        std::thread reader([&] { m_feed->waitAfter(0, patience); });
+        m_feed->stop();
+        reader.join();
+        QVERIFY(m_feed->isStopped());
+    }
+
+    void countsTellKindsAndGoodOnes()
+    {
+        m_feed->add(badEvent());
+        m_feed->add(record(QStringLiteral("a")));
+        m_feed->add(record(QStringLiteral("b")));
+        Arrival forged = record(QStringLiteral("c"));
+        forged.signature = QStringLiteral("bad: why");
+        m_feed->add(forged);
+        m_feed->clear();
+        const ArrivalFeed::Counts counts = m_feed->counts();
+        QCOMPARE(counts.events, 1);
+        QCOMPARE(counts.goodEvents, 0);
+        QCOMPARE(counts.records, 3);
+        QCOMPARE(counts.goodRecords, 2);
+    }
+
+    void serverSentEventIsThreeLines()
+    {
+        Arrival arrival = record(QStringLiteral("two\nlines\r"));
+        arrival.id = 7;
+        arrival.request = {"POST", "/", {}, "{\n}"};
+        QCOMPARE(ArrivalFeed::toServerSentEvent(arrival),
+                 QByteArray("id: 7\nevent: record\ndata: {\"body\":\"{\\n}\",\"detail\":\"\",\"good\":true,"
+                            "\"headers\":[],\"id\":7,\"kind\":\"record\",\"method\":\"POST\","
+                            "\"name\":\"two\\nlines\\r\",\"problems\":[],\"signature\":\"good\","
+                            "\"target\":\"/\",\"time\":\"2026-11-20T17:05:09.123Z\"}\n\n"));
+    }
+
+    void feedSendsWhatArrives()
+    {
+        serve();
+        m_feed->add(record(QStringLiteral("before")));
+        FeedReader reader(feedUrl());
+        QVERIFY(reader.head().startsWith("HTTP/1.1 200 OK"));
+        QVERIFY(reader.head().toLower().contains("\r\ncontent-type: text/event-stream"));
+        QCOMPARE(nameIn(reader.next()), QStringLiteral("before"));
+        m_feed->add(badEvent());
+        const FeedReader::Event event = reader.next();
+        QCOMPARE(event.id, QByteArray("2"));
+        QCOMPARE(event.name, QByteArray("event"));
+        QCOMPARE(nameIn(event), QStringLiteral("event"));
+        QVERIFY(reader.body().startsWith("retry: 1000\n\nid: 1\nevent: record\ndata: {"));
+    }
+
+    void readerThatComesBackGetsWhatItMissed_data()
+    {
+        QTest::addColumn<QByteArray>("header");
+        QTest::addColumn<QString>("query");
+        QTest::newRow("header") << QByteArray("2") << QString();
+        QTest::newRow("query") << QByteArray() << QStringLiteral("?after=2");
+        QTest::newRow("both, as after the first break") << QByteArray("2") << QStringLiteral("?after=0");
+    }
+    void readerThatComesBackGetsWhatItMissed()
+    {
+        QFETCH(QByteArray, header);
+        QFETCH(QString, query);
+        serve();
+        for (int i = 1; i <= 4; ++i)
+            m_feed->add(record(number(i)));
+        FeedReader reader(feedUrl(query), header);
+        QCOMPARE(nameIn(reader.next()), number(3));
+        QCOMPARE(nameIn(reader.next()), number(4));
+    }
+
+    void readerOfAListThatIsGoneIsToldSo()
+    {
+        serve();
+        m_feed->add(record(QStringLiteral("a")));
+        FeedReader reader(feedUrl(), "1000");
+        QCOMPARE(reader.next().name, QByteArray("cleared"));
+        QCOMPARE(nameIn(reader.next()), QStringLiteral("a"));
+    }
+
+    void brokenIdIsNone()
+    {
+        serve();
+        m_feed->add(record(QStringLiteral("a")));
+        QCOMPARE(nameIn(FeedReader(feedUrl(), "nonsense").next()), QStringLiteral("a"));
+    }
+
+    void readerGetsTheNewestFiveHundred()
+    {
+        serve();
+        for (int i = 1; i <= ArrivalFeed::newest + 20; ++i)
+            m_store->add(record(number(i)));
+        FeedReader reader(feedUrl());
+        for (int i = 21; i <= ArrivalFeed::newest + 20; ++i)
+            QCOMPARE(nameIn(reader.next()), number(i));
+    }
+
+    void allReadersGetAll()
+    {
+        serve();
+        std::vector<std::unique_ptr<FeedReader>> readers;
+        for (int i = 0; i < 5; ++i) {
+            readers.push_back(std::make_unique<FeedReader>(feedUrl()));
+            QVERIFY(readers.back()->head().startsWith("HTTP/1.1 200"));
+        }
+        for (int i = 0; i < 20; ++i)
+            m_feed->add(record(number(i)));
+        for (const auto &reader : readers) {
+            for (int i = 0; i < 20; ++i)
+                QCOMPARE(nameIn(reader->next()), number(i));
+        }
+    }
+
+    void readerThatGoesAwayMakesRoomForAnother()
+    {
+        serve();
+        std::vector<std::unique_ptr<FeedReader>> readers;
+        for (int i = 0; i < PageServer::maximumReaders; ++i) {
+            readers.push_back(std::make_unique<FeedReader>(feedUrl()));
+            QVERIFY(readers.back()->head().startsWith("HTTP/1.1 200"));
+        }
+        QVERIFY(FeedReader(feedUrl()).head().startsWith("HTTP/1.1 503"));
+        // The page itself is served all the same.
+        QCOMPARE(request("GET", m_server->url()).status, 200);
+        readers.pop_back();
+        QVERIFY(
+            QTest::qWaitFor([&] { return FeedReader(feedUrl()).head().startsWith("HTTP/1.1 200"); }, 60000));
+    }
+
+    void clearReachesReadersAndTheList()
+    {
+        serve();
+        m_feed->add(record(QStringLiteral("a")));
+        FeedReader reader(feedUrl());
+        QCOMPARE(reader.next().name, QByteArray("record"));
+        QCOMPARE(request("DELETE", arrivalsUrl()).status, 204);
+        const FeedReader::Event cleared = reader.next();
+        QCOMPARE(cleared.name, QByteArray("cleared"));
+        QCOMPARE(cleared.id, QByteArray("2"));
+        QCOMPARE(request("GET", arrivalsUrl()).body, QByteArray("[]"));
+    }
+
+    void arrivalsComeAsJson()
+    {
+        serve();
+        m_feed->add(record(QStringLiteral("a")));
+        m_feed->add(record(QStringLiteral("b")));
+        const Answer answer = request("GET", arrivalsUrl());
+        QCOMPARE(answer.headers.value("content-type"), QByteArray("application/json"));
+        const QJsonArray all = QJsonDocument::fromJson(answer.body).array();
+        QCOMPARE(all.size(), 2);
+        QCOMPARE(all.first().toObject(), m_store->after(0, 1000).first().toJson());
+        QCOMPARE(QJsonDocument::fromJson(request("GET", arrivalsUrl(QStringLiteral("?after=1"))).body)
+                     .array()
+                     .size(),
+                 1);
+    }
+
+    void onlyItsOwnNamesAreServed_data()
+    {
+        QTest::addColumn<QString>("host");
+        QTest::addColumn<int>("status");
+        QTest::newRow("address") << QStringLiteral("Host: 127.0.0.1:%1\r\n") << 200;
+        QTest::newRow("localhost") << QStringLiteral("Host: localhost:%1\r\n") << 200;
+        QTest::newRow("another site") << QStringLiteral("Host: site.example:%1\r\n") << 403;
+        QTest::newRow("another port") << QStringLiteral("Host: 127.0.0.1:1\r\n") << 403;
+        QTest::newRow("begins like it") << QStringLiteral("Host: 127.0.0.1:%1.example\r\n") << 403;
+        QTest::newRow("none") << QString() << 403;
+    }
+    void onlyItsOwnNamesAreServed()
+    {
+        QFETCH(QString, host);
+        QFETCH(int, status);
+        serve();
+        m_feed->add(record(QStringLiteral("a")));
+        const QByteArray header =
+            (host.contains(QLatin1String("%1")) ? host.arg(m_server->url().port()) : host).toLatin1();
+        QCOMPARE(rawRequest(m_server->url(), "GET / HTTP/1.1\r\n" + header).status, status);
+        QCOMPARE(rawRequest(m_server->url(), "GET /arrivals HTTP/1.1\r\n" + header).status, status);
+        if (status == 403)
+            QCOMPARE(rawRequest(m_server->url(), "DELETE /arrivals HTTP/1.1\r\n" + header).status, status);
+        QCOMPARE(m_store->after(0, 10).size(), 1);
+    }
+
+    void anotherSiteGetsNoLeaveToClear()
+    {
+        serve();
+        m_feed->add(record(QStringLiteral("a")));
+        const QByteArray host = "Host: " + m_server->url().authority().toLatin1() + "\r\n";
+        const Answer answer = rawRequest(m_server->url(), "OPTIONS /arrivals HTTP/1.1\r\n" + host
+                                                              + "Origin: http://site.example\r\n"
+                                                                "Access-Control-Request-Method: DELETE\r\n");
+        QVERIFY(answer.status >= 400);
+        // Those that a browser sends without asking first do nothing.
+        QVERIFY(
+            rawRequest(m_server->url(), "POST /arrivals HTTP/1.1\r\n" + host + "Content-Length: 0\r\n").status
+            >= 400);
+        QCOMPARE(m_store->after(0, 10).first().name, QStringLiteral("a"));
+    }
+
+    void pageRunsNothingButItsOwnScriptAndStyle()
+    {
+        serve();
+        const Answer page = request("GET", m_server->url());
+        const QByteArray policy = page.headers.value("content-security-policy");
+        QVERIFY(policy.startsWith("default-src 'none'; connect-src 'self'; "));
+        QVERIFY(policy.contains("; frame-ancestors 'none'"));
+        for (const QByteArray &name : {QByteArray("script"), QByteArray("style")}) {
+            QCOMPARE(page.body.count("<" + name), 1);
+            const int begin = page.body.indexOf("<" + name + ">") + name.size() + 2;
+            const QByteArray text = page.body.mid(begin, page.body.indexOf("</" + name + ">") - begin);
+            const QByteArray hash = QCryptographicHash::hash(text, QCryptographicHash::Sha256).toBase64();
+            QVERIFY(policy.contains("; " + name + "-src 'sha256-" + hash + "';"));
+        }
+        QCOMPARE(page.headers.value("x-content-type-options"), QByteArray("nosniff"));
+        QCOMPARE(page.headers.value("cache-control"), QByteArray("no-store"));
+    }
+
+    void pageNamesTheFileForHosts()
+    {
+        m_server = std::make_unique<PageServer>(*m_feed, 0, QStringLiteral("/a<b>&\"/services.json"));
+        const QByteArray page = request("GET", m_server->url()).body;
+        QVERIFY(page.contains("export LOCAL_SERVICES=/a&lt;b&gt;&amp;&quot;/services.json"));
+        QVERIFY(!page.contains("@SERVICES@"));
+    }
+
+    void otherPathsAreNotThere()
+    {
+        serve();
+        QUrl url = m_server->url();
+        url.setPath(QStringLiteral("/other"));
+        QCOMPARE(request("GET", url).status, 404);
+    }
+
+    void portThatIsTakenIsNotShared()
+    {
+        serve();
+        const auto port = quint16(m_server->url().port());
+        {
+            ArrivalFeed otherFeed(*m_store);
+            const PageServer other(otherFeed, port, QString());
+            QVERIFY(!other.isListening());
+        }
+        QCOMPARE(request("GET", m_server->url()).status, 200);
+        // The next run has it again, although connections of this one were just closed.
+        m_server.reset();
+        ArrivalFeed nextFeed(*m_store);
+        const PageServer next(nextFeed, port, QString());
+        QVERIFY(next.isListening());
+        QCOMPARE(next.url().port(), int(port));
+    }
+
+    void serverEndsWithReadersAndIdleClients()
+    {
+        serve();
+        FeedReader reader(feedUrl());
+        QVERIFY(reader.head().startsWith("HTTP/1.1 200"));
+        QTcpSocket idle;
+        idle.setProxy(QNetworkProxy::NoProxy);
+        idle.connectToHost(m_server->url().host(), quint16(m_server->url().port()));
+        QVERIFY(idle.waitForConnected(60000));
+        idle.write("GET / HTTP/1.1\r\n");
+        m_server.reset();
+        QVERIFY(reader.waitForEnd());
+    }
+
+private:
+    void serve()
+    {
+        m_server = std::make_unique<PageServer>(*m_feed, 0, QString());
+        QVERIFY(m_server->isListening());
+    }
+    QUrl feedUrl(const QString &query = QString()) const { return at(QStringLiteral("feed") + query); }
+    QUrl arrivalsUrl(const QString &query = QString()) const
+    {
+        return at(QStringLiteral("arrivals") + query);
+    }
+    QUrl at(const QString &path) const { return QUrl(m_server->url().toString() + path); }
+
+    std::unique_ptr<QTemporaryDir> m_directory;
+    std::unique_ptr<ArrivalStore> m_store;
+    std::unique_ptr<ArrivalFeed> m_feed;
+    std::unique_ptr<PageServer> m_server;
+};
+
+QTEST_GUILESS_MAIN(TestArrivalFeed)
+#include "tst_arrival_feed.moc"

@@ -1,0 +1,348 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include <PageServer.h>
+
+#include "Browser.h"
+#include "Files.h"
+#include "LocalServicesProcess.h"
+#include "Requests.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QTest>
+
+#include <unistd.h>
+
+namespace {
+
+const QByteArray secret = QByteArrayLiteral("0123456789abcdef0123456789ABCDEF");
+
+const QString rowCount = QStringLiteral("return document.querySelectorAll('#list > details').length");
+const QString visibleNames =
+    QStringLiteral("return [...document.querySelectorAll('#list > details')].filter(row => "
+                   "row.checkVisibility()).map(row => row.querySelector('.name').textContent).join(' ')");
+const QString state = QStringLiteral("return document.getElementById('state').textContent");
+
+QString textOf(const char *selector)
+{
+    return QStringLiteral("const found = document.querySelector('%1'); return found ? found.innerText : ''")
+        .arg(QLatin1String(selector));
+}
+
+QByteArray eventBody(const QByteArray &name, const QByteArray &label)
+{
+    return "{\"client_id\":\"device\",\"events\":[{\"name\":\"" + name
+           + "\",\"params\":{\"event_category\":\"file\",\"event_label\":\"" + label
+           + "\"}}],\"user_id\":\"device\"}";
+}
+
+} // namespace
+
+// The page as the developer of a host sees it in a browser.
+class TestLocalServicesPage : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        if (!Browser::isAvailable())
+            QSKIP("chromium or chromium-driver isn't installed");
+        m_browser = std::make_unique<Browser>();
+        const bool isRunning = m_browser->start();
+        // Not every machine lets a user have the sandbox that a browser puts its pages in.
+        if (!isRunning && ::geteuid() != 0)
+            QSKIP(qPrintable(QStringLiteral("chromium can't run here: ") + m_browser->error()));
+        QVERIFY2(isRunning, qPrintable(m_browser->error()));
+    }
+
+    void cleanupTestCase() { m_browser.reset(); }
+
+    void init()
+    {
+        m_program = std::make_unique<LocalServicesProcess>();
+        QVERIFY(m_program->start());
+        QVERIFY2(m_browser->open(m_program->page()), qPrintable(m_browser->error()));
+        QVERIFY(m_browser->waitFor(state, QStringLiteral("connected")));
+    }
+
+    void cleanup()
+    {
+        if (!m_program)
+            return;
+        m_browser->open(QUrl(QStringLiteral("about:blank")));
+        m_program.reset();
+    }
+
+    void emptyPageTellsHowToBegin()
+    {
+        const QString text = m_browser->run(textOf("#empty")).toString();
+        QVERIFY(text.contains(QLatin1String("Nothing has arrived yet")));
+        QVERIFY(text.contains(QLatin1String("export LOCAL_SERVICES=")
+                              + m_program->filePath(QStringLiteral("services.json"))));
+        QCOMPARE(m_browser->errors(), QStringList());
+    }
+
+    void rowsAppearAsTheyArriveTheNewestFirst()
+    {
+        sendEvent("open_file", "pdf");
+        QVERIFY(m_browser->waitFor(visibleNames, QStringLiteral("open_file")));
+        QCOMPARE(m_browser->run(textOf("#list > details .kind")).toString(), QStringLiteral("event"));
+        QVERIFY(m_browser->run(textOf("#list > details summary"))
+                    .toString()
+                    .contains(QStringLiteral("file · pdf")));
+        QVERIFY(!m_browser->run(textOf("#list > details time")).toString().isEmpty());
+        QVERIFY(m_browser->waitFor(
+            QStringLiteral("return document.getElementById('empty').checkVisibility()"), false));
+        QCOMPARE(sendRecord(m_program->url("statistics"), secret).status, 200);
+        QVERIFY(m_browser->waitFor(visibleNames, QStringLiteral("install open_file")));
+        QCOMPARE(m_browser->run(textOf("#shown")).toString(), QStringLiteral("2 arrived"));
+        QCOMPARE(m_browser->errors(), QStringList());
+    }
+
+    void signatureIsShownWithItsReason()
+    {
+        QCOMPARE(sendRecord(m_program->url("statistics"), secret).status, 200);
+        QVERIFY(m_browser->waitFor(textOf("#list > details .signature.good"),
+                                   QStringLiteral("✓ signature good")));
+        QCOMPARE(sendRecord(m_program->url("statistics"), "another secret").status, 403);
+        QVERIFY(
+            m_browser->waitFor(textOf("#list > details .signature.bad"), QStringLiteral("✗ signature bad")));
+        QVERIFY(m_browser->waitFor(
+            textOf(".reasons"),
+            QStringLiteral("Signature bad: it isn't the one of this secret, time stamp and body.")));
+    }
+
+    void problemsAreShown()
+    {
+        sendEvent("9lives", "pdf");
+        QVERIFY(m_browser->waitFor(textOf("#list > details .validation.bad"), QStringLiteral("✗ 1 problem")));
+        QVERIFY(m_browser->run(textOf(".reasons")).toString().startsWith(QLatin1String("An event's name")));
+    }
+
+    void bodyIsPrettyPrintedAndColoured()
+    {
+        QCOMPARE(sendRecord(m_program->url("statistics"), secret).status, 200);
+        QVERIFY(m_browser->waitFor(rowCount, 1));
+        QVERIFY(m_browser->waitFor(textOf("pre.body"),
+                                   QStringLiteral("{\n    \"action\": \"install\",\n"
+                                                  "    \"day\": \"2026-11-20 17:05:09\",\n"
+                                                  "    \"device_id\": \"device\",\n    \"os\": \"linux\",\n"
+                                                  "    \"product\": \"test\",\n    \"qd\": \"home\",\n"
+                                                  "    \"status\": \"end\",\n    \"version\": \"1.0\"\n}")));
+        QCOMPARE(m_browser->run(textOf("pre.body .key")).toString(), QStringLiteral("\"action\""));
+        QCOMPARE(m_browser->run(textOf("pre.body .text")).toString(), QStringLiteral("\"install\""));
+    }
+
+    void bodyThatIsNoJsonIsShownAsItIs()
+    {
+        request("POST", m_program->url("statistics"), "no\n  { json");
+        QVERIFY(m_browser->waitFor(textOf("pre.body"), QStringLiteral("no\n  { json")));
+    }
+
+    void headersAreShownOnDemand()
+    {
+        QCOMPARE(sendRecord(m_program->url("statistics"), secret).status, 200);
+        QVERIFY(m_browser->waitFor(rowCount, 1));
+        QCOMPARE(m_browser->run(textOf("pre.sent")).toString(), QString());
+        QVERIFY(m_browser->click(QStringLiteral(".inside details summary")));
+        const QString sent = m_browser->run(textOf("pre.sent")).toString();
+        QVERIFY(sent.startsWith(QLatin1String("POST /report?sign=")));
+        QVERIFY(sent.contains(QLatin1String("\nContent-Type: application/json\n")));
+        QVERIFY(sent.contains(QLatin1String("\n\n{\"action\":\"install\",\"day\"")));
+    }
+
+    void rowOpensAndClosesByAClick()
+    {
+        QCOMPARE(sendRecord(m_program->url("statistics"), secret).status, 200);
+        QVERIFY(m_browser->waitFor(textOf("#list > details[open] .name"), QStringLiteral("install")));
+        sendEvent("open_file", "pdf");
+        QVERIFY(m_browser->waitFor(textOf("#list > details[open] .name"), QStringLiteral("open_file")));
+        // From now on the newest doesn't open by itself.
+        QVERIFY(m_browser->click(QStringLiteral("#list > details[open] > summary")));
+        QVERIFY(m_browser->waitFor(textOf("#list > details[open] .name"), QString()));
+        sendEvent("close_file", "pdf");
+        QVERIFY(m_browser->waitFor(rowCount, 3));
+        QCOMPARE(m_browser->run(textOf("#list > details[open] .name")).toString(), QString());
+        QVERIFY(m_browser->click(QStringLiteral("#list > details:last-child > summary")));
+        QVERIFY(m_browser->waitFor(textOf("#list > details[open] .name"), QStringLiteral("install")));
+    }
+
+    void markupStaysText()
+    {
+        const QByteArray markup =
+            "<img src=x onerror=document.title='owned'><script>document.title='owned'</script>";
+        sendEvent(markup, markup);
+        QCOMPARE(sendRecord(m_program->url("statistics"), secret, markup).status, 200);
+        request("POST", QUrl(m_program->value("statistics") + QStringLiteral("?<b>bold</b>")), markup);
+        QVERIFY(m_browser->waitFor(rowCount, 3));
+        for (const char *row : {"1", "2"}) {
+            QVERIFY(m_browser->click(
+                QStringLiteral("#list > details:nth-child(%1) > summary").arg(QLatin1String(row))));
+        }
+        m_browser->run(
+            QStringLiteral("document.querySelectorAll('details').forEach(each => each.open = true)"));
+        QVERIFY(m_browser->waitFor(QStringLiteral("return document.querySelectorAll('pre.sent').length"), 3));
+        m_browser->run(
+            QStringLiteral("document.querySelectorAll('details').forEach(each => each.open = true)"));
+        QCOMPARE(
+            m_browser
+                ->run(QStringLiteral("return document.querySelectorAll('img, b b, #list script').length"))
+                .toInt(),
+            0);
+        QCOMPARE(m_browser->run(textOf("#list > details:nth-child(2) .name")).toString(),
+                 QString::fromLatin1(markup));
+        QVERIFY(m_browser->run(textOf("#list > details:last-child pre.body"))
+                    .toString()
+                    .contains(QString::fromLatin1(markup)));
+        QCOMPARE(m_browser->run(textOf("#list > details:first-child pre.body")).toString(),
+                 QString::fromLatin1(markup));
+        QCOMPARE(m_browser->run(QStringLiteral("return document.title")).toString(),
+                 QStringLiteral("Local services"));
+        QCOMPARE(m_browser->errors(), QStringList());
+    }
+
+    void filterFindsTextsAndKinds()
+    {
+        sendEvent("open_file", "pdf");
+        sendEvent("9lives", "needle in the label");
+        QCOMPARE(sendRecord(m_program->url("statistics"), secret).status, 200);
+        QVERIFY(m_browser->waitFor(visibleNames, QStringLiteral("install 9lives open_file")));
+        const auto choose = [&](const char *kind) {
+            return m_browser->click(QStringLiteral("#kinds [data-kind=%1]").arg(QLatin1String(kind)));
+        };
+        QVERIFY(choose("event"));
+        QVERIFY(m_browser->waitFor(visibleNames, QStringLiteral("9lives open_file")));
+        QCOMPARE(m_browser->run(textOf("#shown")).toString(), QStringLiteral("2 of 3 shown"));
+        QVERIFY(choose("record"));
+        QVERIFY(m_browser->waitFor(visibleNames, QStringLiteral("install")));
+        QVERIFY(choose("problem"));
+        QVERIFY(m_browser->waitFor(visibleNames, QStringLiteral("9lives")));
+        QVERIFY(choose("all"));
+        QVERIFY(m_browser->type(QStringLiteral("#filter"), QStringLiteral("NEEDLE in")));
+        QVERIFY(m_browser->waitFor(visibleNames, QStringLiteral("9lives")));
+        // What arrives meanwhile is filtered as well.
+        sendEvent("close_file", "another needle in it");
+        sendEvent("print_file", "paper");
+        QVERIFY(m_browser->waitFor(rowCount, 5));
+        QCOMPARE(m_browser->run(visibleNames).toString(), QStringLiteral("close_file 9lives"));
+    }
+
+    void clearRemovesAllForGood()
+    {
+        sendEvent("open_file", "pdf");
+        QVERIFY(m_browser->waitFor(rowCount, 1));
+        QVERIFY(m_browser->click(QStringLiteral("#clear")));
+        QVERIFY(m_browser->waitFor(rowCount, 0));
+        QCOMPARE(m_program->arrivals(), QJsonArray());
+        QVERIFY(m_browser->open(m_program->page()));
+        QVERIFY(m_browser->waitFor(state, QStringLiteral("connected")));
+        sendEvent("close_file", "pdf");
+        QVERIFY(m_browser->waitFor(visibleNames, QStringLiteral("close_file")));
+    }
+
+    void pageThatWasOpenFindsTheNextRunAndWhatItMissed()
+    {
+        sendEvent("open_file", "pdf");
+        QVERIFY(m_browser->waitFor(visibleNames, QStringLiteral("open_file")));
+        const QString port = QString::number(m_program->url("page").port());
+        QCOMPARE(m_program->end(), 0);
+        QVERIFY(m_browser->waitFor(state, QStringLiteral("reconnecting")));
+        // A run at which the page doesn't look.
+        QVERIFY(m_program->start());
+        sendEvent("missed", "pdf");
+        QCOMPARE(m_program->end(), 0);
+        QVERIFY(m_program->start({QStringLiteral("--port"), port}));
+        QVERIFY(m_browser->waitFor(visibleNames, QStringLiteral("missed open_file")));
+        QVERIFY(m_browser->waitFor(state, QStringLiteral("connected")));
+        sendEvent("after", "pdf");
+        QVERIFY(m_browser->waitFor(visibleNames, QStringLiteral("after missed open_file")));
+    }
+
+    void pageThatFoundNoRoomComesBackByItself()
+    {
+        m_browser->open(QUrl(QStringLiteral("about:blank")));
+        std::vector<std::unique_ptr<FeedReader>> readers;
+        // The place of the page that was left is free within a moment.
+        const auto fillUp = [&] {
+            readers.push_back(std::make_unique<FeedReader>(m_program->page(QStringLiteral("feed"))));
+            if (!readers.back()->head().startsWith("HTTP/1.1 200"))
+                readers.pop_back();
+            return readers.size() == PageServer::maximumReaders;
+        };
+        QVERIFY(QTest::qWaitFor(fillUp, 60000));
+        QVERIFY(m_browser->open(m_program->page()));
+        QVERIFY(m_browser->waitFor(state, QStringLiteral("reconnecting")));
+        readers.clear();
+        QVERIFY(m_browser->waitFor(state, QStringLiteral("connected")));
+    }
+
+    void picturesAreTaken()
+    {
+        QDir().mkpath(QStringLiteral(PICTURES_FOLDER));
+        sendEvent("open_file", "pdf");
+        sendEvent("print_file", "laser printer");
+        QCOMPARE(sendRecord(m_program->url("statistics"), "another secret", "update").status, 403);
+        sendEvent("2nd_window", "a name that begins with a digit");
+        sendEvent("close_file", "pdf");
+        QCOMPARE(sendRecord(m_program->url("statistics"), secret).status, 200);
+        QVERIFY(m_browser->waitFor(rowCount, 6));
+        m_browser->setSize(1100, 760);
+        take("light", "local-services-light");
+        take("dark", "local-services-dark");
+        m_browser->setSize(420, 900);
+        take("light", "local-services-narrow");
+        m_browser->setSize(1100, 700);
+        QVERIFY(m_browser->click(QStringLiteral("#list > details:nth-child(1) > summary")));
+        QVERIFY(m_browser->click(QStringLiteral("#list > details:nth-child(4) > summary")));
+        take("light", "local-services");
+        QVERIFY(m_browser->click(QStringLiteral("#clear")));
+        QVERIFY(m_browser->waitFor(rowCount, 0));
+        take("dark", "local-services-empty");
+    }
+
+    void nothingIsWiderThanANarrowWindow()
+    {
+        m_browser->setSize(340, 700);
+        sendEvent(QByteArray(120, 'x'), QByteArray(300, 'y'));
+        QCOMPARE(sendRecord(m_program->url("statistics"), "another secret").status, 403);
+        QVERIFY(m_browser->waitFor(rowCount, 2));
+        m_browser->run(
+            QStringLiteral("document.querySelectorAll('details').forEach(each => each.open = true)"));
+        QVERIFY(m_browser->waitFor(QStringLiteral("return document.querySelectorAll('pre.sent').length"), 2));
+        m_browser->run(
+            QStringLiteral("document.querySelectorAll('details').forEach(each => each.open = true)"));
+        QVERIFY(m_browser->run(QStringLiteral("return document.documentElement.scrollWidth")).toInt() <= 340);
+    }
+
+private:
+    void sendEvent(const QByteArray &name, const QByteArray &label)
+    {
+        const QUrl proxy = m_program->url("proxy");
+        const Answer answer =
+            request("POST",
+                    QUrl(QStringLiteral(
+                        "http://www.google-analytics.com/mp/collect?measurement_id=G-1&api_secret=s")),
+                    eventBody(name, label),
+                    QNetworkProxy(QNetworkProxy::HttpProxy, proxy.host(), quint16(proxy.port())));
+        QCOMPARE(answer.status, 204);
+    }
+
+    void take(const char *scheme, const char *name)
+    {
+        m_browser->setColorScheme(QLatin1String(scheme));
+        // The frame of a row that has just arrived fades away.
+        QVERIFY(m_browser->waitFor(QStringLiteral("return document.getAnimations().length"), 0));
+        const QByteArray picture = m_browser->screenshot();
+        QVERIFY(picture.startsWith("\x89PNG"));
+        // The build folder may be another user's.
+        if (QFileInfo(QStringLiteral(PICTURES_FOLDER)).isWritable())
+            QVERIFY(writeFile(QStringLiteral(PICTURES_FOLDER "/%1.png").arg(QLatin1String(name)), picture));
+    }
+
+    std::unique_ptr<Browser> m_browser;
+    std::unique_ptr<LocalServicesProcess> m_program;
+};
+
+QTEST_GUILESS_MAIN(TestLocalServicesPage)
+#include "tst_local_services_page.moc"

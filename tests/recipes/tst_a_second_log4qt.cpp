@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include "Files.h"
+#include "RecipeRun.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+QString text(const char *utf8)
+{
+    return QString::fromUtf8(utf8);
+}
+
+// The desktop's own log4qt, which its plug-ins bring into hosts; null where it isn't installed.
+QString desktopLibrary()
+{
+    for (const char *folder : {"/usr/lib", "/usr/lib/x86_64-linux-gnu", "/usr/lib/aarch64-linux-gnu"}) {
+        QString path = text(folder) + text("/libukui-log4qt.so.1");
+        if (QFile::exists(path))
+            return path;
+    }
+    return QString();
+}
+
+} // namespace
+
+class TestASecondLog4Qt : public QObject
+{
+    Q_OBJECT
+
+private:
+    void expectTheLogAlone(const QStringList &lines)
+    {
+        QStringList expected {text("the log's log4qt: " LOG4QT_LOGGER)};
+        expected << lines << text("to be shown: the disk is nearly full");
+        QCOMPARE(m_run->lines, expected);
+        QCOMPARE(m_run->exitCode, 0);
+        const QStringList log = readLines(m_directory->filePath(text("log/host.log")));
+        QCOMPARE(log.size(), 2);
+        QVERIFY(log.first().endsWith(text(" INFO   - the host runs")));
+        QVERIFY(log.last().endsWith(text(" WARN   - the disk is nearly full")));
+    }
+    void run(const QStringList &arguments)
+    {
+        m_run = std::make_unique<RecipeRun>(QStringList {QStringLiteral(RECIPE), m_directory->path()}
+                                            + arguments);
+    }
+
+    std::unique_ptr<QTemporaryDir> m_directory;
+    std::unique_ptr<RecipeRun> m_run;
+
+private Q_SLOTS:
+    void init() { m_directory = std::make_unique<QTemporaryDir>(); }
+    void cleanup() { qunsetenv("LD_PRELOAD"); }
+
+    void appenderOfTheHostSeesTheLibrarysLog()
+    {
+        run({});
+        expectTheLogAlone({});
+    }
+
+#ifdef OTHER_LOG4QT
+    void pluginWithALog4qtIsLoadedLater()
+    {
+        run({QStringLiteral(OTHER_LOG4QT)});
+        expectTheLogAlone({text("plug-in loaded")});
+        QCOMPARE(m_run->standardError, text("the plug-in's root logger\nthe plug-in's log: loaded\n"));
+    }
+
+    // The first of two libraries with one symbol serves the whole process.
+    void pluginWithALog4qtIsLoadedFirst()
+    {
+        qputenv("LD_PRELOAD", OTHER_LOG4QT);
+        qputenv("ASAN_OPTIONS", "verify_asan_link_order=0");
+        run({});
+        expectTheLogAlone({});
+        QCOMPARE(m_run->standardError, text("the plug-in's root logger\nthe plug-in's log: loaded\n"));
+    }
+
+    void desktopsLibraryIsLoadedLater()
+    {
+        if (desktopLibrary().isEmpty())
+            QSKIP("libukui-log4qt1 is not installed");
+        qputenv("ASAN_OPTIONS", "detect_leaks=0");
+        run({desktopLibrary()});
+        expectTheLogAlone({text("plug-in loaded")});
+    }
+#endif
+
+    void pluginThatIsMissingIsTold()
+    {
+        run({m_directory->filePath(text("none.so"))});
+        expectTheLogAlone({text("no plug-in")});
+    }
+};
+
+QTEST_GUILESS_MAIN(TestASecondLog4Qt)
+
+#include "tst_a_second_log4qt.moc"

@@ -1,0 +1,183 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include <ZyBase/files/CJsonReader.h>
+
+#include "Files.h"
+#include "RecipeRun.h"
+
+#include <QDir>
+#include <QJsonDocument>
+#include <QTemporaryDir>
+#include <QTest>
+
+using ZyBase::CJsonReader;
+
+namespace {
+
+const QLatin1String runs("runs");
+
+// Small objects go through Qt's buffer, large ones past it.
+QJsonObject settings(int bytes)
+{
+    return {{QStringLiteral("notes"), QString(bytes, QLatin1Char('x'))}, {runs, 7}};
+}
+
+void addSizes()
+{
+    QTest::addColumn<int>("bytes");
+    QTest::newRow("small") << 10000;
+    QTest::newRow("large") << 100000;
+}
+
+} // namespace
+
+// The recipe's host, stopped in the middle of its saving.
+class TestSavingJsonAtomically : public QObject
+{
+    Q_OBJECT
+
+private:
+    QString path() const { return m_directory->filePath(QStringLiteral("settings.json")); }
+
+    // The host in a shell that has taken measures.
+    RecipeRun runAfter(const QString &measures) const
+    {
+        return RecipeRun({QStringLiteral("sh"), QStringLiteral("-c"),
+                          measures + QStringLiteral("; exec \"$0\" \"$1\""), QStringLiteral(RECIPE), path()});
+    }
+
+    void expectTheOldFileAlone(int bytes) const
+    {
+        QCOMPARE(CJsonReader::ParseJsonFileToObject(path()), settings(bytes));
+        QCOMPARE(QDir(m_directory->path()).entryList(QDir::Files | QDir::Hidden).size(), 1);
+    }
+
+    std::unique_ptr<QTemporaryDir> m_directory;
+
+private Q_SLOTS:
+    void init() { m_directory = std::make_unique<QTemporaryDir>(); }
+
+    void bytesAreThoseOfSaveJsonFile()
+    {
+        const RecipeRun run({QStringLiteral(RECIPE), path(), QStringLiteral("2")});
+        QCOMPARE(run.lines, QStringList({QStringLiteral("saved: run 1"), QStringLiteral("saved: run 2")}));
+        QCOMPARE(run.exitCode, 0);
+        const QByteArray saved = readFile(path());
+        CJsonReader::SaveJsonFile(path(), {{runs, 2}});
+        QCOMPARE(saved, readFile(path()));
+    }
+
+    void restOfTheObjectAndThePermissionsAreKept()
+    {
+        CJsonReader::SaveJsonFile(path(), settings(10));
+        const QFile::Permissions permissions = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup;
+        QVERIFY(QFile::setPermissions(path(), permissions));
+        QCOMPARE(RecipeRun({QStringLiteral(RECIPE), path()}).exitCode, 0);
+        QJsonObject expected = settings(10);
+        expected.insert(runs, 8);
+        QCOMPARE(CJsonReader::ParseJsonFileToObject(path()), expected);
+        QCOMPARE(QFile::permissions(path()) & QFile::Permissions(0x0777),
+                 QFile::Permissions(permissions | QFile::ReadUser | QFile::WriteUser) & 0x0777);
+    }
+
+    void killedInTheMiddleOfSavingLeavesTheOldFile_data() { addSizes(); }
+    void killedInTheMiddleOfSavingLeavesTheOldFile()
+    {
+        QFETCH(int, bytes);
+        CJsonReader::SaveJsonFile(path(), settings(bytes));
+        // At the 4097th byte of a file the system ends the host by a signal.
+        const RecipeRun run = runAfter(QStringLiteral("ulimit -c 0; ulimit -f 8"));
+        QCOMPARE(run.exitCode, -1);
+        expectTheOldFileAlone(bytes);
+    }
+
+    void shortWriteIsAFailureAndLeavesTheOldFile_data() { addSizes(); }
+    void shortWriteIsAFailureAndLeavesTheOldFile()
+    {
+        QFETCH(int, bytes);
+        CJsonReader::SaveJsonFile(path(), settings(bytes));
+        const RecipeRun run = runAfter(QStringLiteral("trap '' XFSZ; ulimit -f 8"));
+        QCOMPARE(run.exitCode, 1);
+        QVERIFY(run.lines.value(0).startsWith(QStringLiteral("not saved: ")));
+        expectTheOldFileAlone(bytes);
+    }
+
+    void fullDiskIsAFailureAndLeavesTheOldFile_data()
+    {
+        QTest::addColumn<int>("bytes");
+        QTest::addColumn<int>("disk");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("no byte has room") << 4000 << 4096 << "No space left on device";
+        QTest::newRow("a part has room") << 10000 << 16384 << "";
+        QTest::newRow("a part of a large one has room")
+            << 50000 << 65536 << "There was no room for all of it.";
+    }
+    void fullDiskIsAFailureAndLeavesTheOldFile()
+    {
+        QFETCH(int, bytes);
+        QFETCH(int, disk);
+        QFETCH(QString, reason);
+        if (!Sandbox::hasSizedFileSystems())
+            QSKIP("no sandbox with a sized file system can be made here");
+        const QTemporaryDir elsewhere;
+        const QString source = elsewhere.filePath(QStringLiteral("settings.json"));
+        CJsonReader::SaveJsonFile(source, settings(bytes));
+        Sandbox sandbox;
+        sandbox.sizedFileSystem(m_directory->path(), disk);
+        const QString script =
+            QStringLiteral("cp \"$1\" \"$2\"; \"$0\" \"$2\"; cmp \"$1\" \"$2\" && echo kept");
+        const RecipeRun run(
+            {QStringLiteral("sh"), QStringLiteral("-c"), script, QStringLiteral(RECIPE), source, path()},
+            sandbox);
+        QCOMPARE(run.lines.size(), 2);
+        QVERIFY(run.lines.first().startsWith(QStringLiteral("not saved: ") + reason));
+        QCOMPARE(run.lines.last(), QStringLiteral("kept"));
+    }
+
+    // What the recipe is for.
+    void savingInPlaceLosesTheFileOnAFullDisk()
+    {
+        if (!QFile::exists(QStringLiteral("/dev/full")))
+            QSKIP("there is no /dev/full");
+        QVERIFY(QFile::link(QStringLiteral("/dev/full"), path()));
+        CJsonReader::SaveJsonFile(path(), settings(10));
+        QVERIFY(CJsonReader::ParseJsonFileToObject(path()).isEmpty());
+    }
+
+    void readerAtTheSameTimeNeverSeesAPart()
+    {
+        CJsonReader::SaveJsonFile(path(), settings(100000));
+        QProcess host;
+        host.start(QStringLiteral(RECIPE), {path(), QStringLiteral("50")});
+        QVERIFY(host.waitForStarted());
+        int last = 7;
+        while (!host.waitForFinished(0)) {
+            const QJsonObject object = CJsonReader::ParseJsonFileToObject(path());
+            QCOMPARE(object.size(), 2);
+            QVERIFY(object.value(runs).toInt() >= last);
+            last = object.value(runs).toInt();
+        }
+        QCOMPARE(host.exitCode(), 0);
+        QCOMPARE(CJsonReader::ParseJsonFile(path(), runs).toInt(), 57);
+    }
+
+    void directoryThatIsMissingIsTold()
+    {
+        const RecipeRun run({QStringLiteral(RECIPE), m_directory->filePath(QStringLiteral("none/a.json"))});
+        QCOMPARE(run.lines, QStringList {QStringLiteral("not saved: No such file or directory")});
+    }
+
+    void fileBehindALinkIsSavedThere()
+    {
+        const QString link = m_directory->filePath(QStringLiteral("link.json"));
+        CJsonReader::SaveJsonFile(path(), settings(10));
+        QVERIFY(QFile::link(path(), link));
+        QCOMPARE(RecipeRun({QStringLiteral(RECIPE), link}).exitCode, 0);
+        QVERIFY(QFileInfo(link).isSymLink());
+        QCOMPARE(CJsonReader::ParseJsonFile(path(), runs).toInt(), 8);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestSavingJsonAtomically)
+
+#include "tst_saving_json_atomically.moc"

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include "VirtualDisplay.h"
+
+#include <QStandardPaths>
+
+namespace {
+
+constexpr int patience = 60000;
+const QString program = QStringLiteral("Xvfb");
+
+} // namespace
+
+bool VirtualDisplay::isAvailable()
+{
+    return !QStandardPaths::findExecutable(program).isEmpty();
+}
+
+VirtualDisplay::~VirtualDisplay()
+{
+    m_process.terminate();
+    m_process.waitForFinished(patience);
+}
+
+// It writes the number of the display that it found free once it is ready.
+bool VirtualDisplay::start()
+{
+    m_process.setStandardErrorFile(QProcess::nullDevice());
+    m_process.start(program, {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
+                              QStringLiteral("0"), QStringLiteral("1280x1024x24"), QStringLiteral("-dpi"),
+                              QStringLiteral("96"), QStringLiteral("-nolisten"), QStringLiteral("tcp")});
+    while (!m_process.canReadLine()) {
+        if (!m_process.waitForReadyRead(patience))
+            return false;
+    }
+    qputenv("DISPLAY", ":" + m_process.readLine().trimmed());
+    qputenv("QT_QPA_PLATFORM", "xcb");
+    return true;
+}
