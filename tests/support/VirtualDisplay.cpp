@@ -22,13 +22,15 @@ VirtualDisplay::~VirtualDisplay()
     m_process.waitForFinished(patience);
 }
 
-// It writes the number of the display that it found free once it is ready.
+// It writes the number of the display that it found free once it is ready, and ends with its last client,
+// so that a test that is killed leaves none behind.
 bool VirtualDisplay::start()
 {
     m_process.setStandardErrorFile(QProcess::nullDevice());
     m_process.start(program, {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
                               QStringLiteral("0"), QStringLiteral("1280x1024x24"), QStringLiteral("-dpi"),
-                              QStringLiteral("96"), QStringLiteral("-nolisten"), QStringLiteral("tcp")});
+                              QStringLiteral("96"), QStringLiteral("-nolisten"), QStringLiteral("tcp"),
+                              QStringLiteral("-terminate")});
     while (!m_process.canReadLine()) {
         if (!m_process.waitForReadyRead(patience))
             return false;

@@ -54,7 +54,7 @@ LogPage::LogPage(const QString &directory, QWidget *parent)
     , m_file(textView("logFile"))
     , m_levels(new LevelHighlighter(m_file->document()))
 {
-    LoggerObject::InitLogger(fileName, QFile::encodeName(directory).constData());
+    LoggerObject::InitLogger(fileName, directory.toUtf8().constData());
     LoggerObject::info("the gallery begins");
 
     Card *const writing = addCard(tr("Write a line"));

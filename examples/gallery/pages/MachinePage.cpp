@@ -84,8 +84,10 @@ void MachinePage::fillQuestions(QGridLayout *questions)
     ask(questions, tr("Identifier"), "identifier", button(tr("Read"), "identify"), &MachinePage::identify);
     ask(questions, tr("Location"), "location", button(tr("Locate"), "locate"), &MachinePage::locate);
     ask(questions, tr("Network"), "network", button(tr("Test"), "online"), &MachinePage::askForNetwork);
+    const int row = questions->rowCount();
+    questions->addWidget(quiet(tr("Application")), row, 0);
+    questions->addWidget(m_application, row, 1, 1, 2);
     ask(questions, tr("Opens PDF"), "pdf", button(tr("Ask"), "askForPdf"), &MachinePage::askForPdf);
-    questions->addWidget(m_application, questions->rowCount(), 1);
 }
 
 void MachinePage::ask(QGridLayout *questions, const QString &subject, const char *name, QPushButton *button,
