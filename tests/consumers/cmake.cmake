@@ -2,7 +2,8 @@
 
 include(${CMAKE_CURRENT_LIST_DIR}/support.cmake)
 
-configure(${CMAKE_CURRENT_LIST_DIR}/cmake ${WORK_DIR}/build -DCMAKE_PREFIX_PATH=${PREFIX})
+configure(${CMAKE_CURRENT_LIST_DIR}/cmake ${WORK_DIR}/build
+    -DCMAKE_PREFIX_PATH=${PREFIX} -DWANTED_VERSION=${VERSION})
 expect_success()
 run(${CMAKE_COMMAND} --build ${WORK_DIR}/build)
 expect_consumer_works(${WORK_DIR}/build/consumer)

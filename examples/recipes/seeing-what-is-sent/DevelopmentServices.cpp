@@ -9,20 +9,36 @@
 #include <QSslConfiguration>
 #include <QUrl>
 
+namespace {
+
+void trust(const QList<QSslCertificate> &authorities)
+{
+    QSslConfiguration trusting = QSslConfiguration::defaultConfiguration();
+    trusting.setCaCertificates(trusting.caCertificates() + authorities);
+    QSslConfiguration::setDefaultConfiguration(trusting);
+}
+
+void useProxy(const QUrl &url)
+{
+    QNetworkProxy::setApplicationProxy(
+        {QNetworkProxy::HttpProxy, url.host(), static_cast<quint16>(url.port())});
+}
+
+} // namespace
+
 DevelopmentServices useDevelopmentServices()
 {
     const QString description = qEnvironmentVariable("LOCAL_SERVICES");
     if (description.isEmpty())
         return {};
     const QJsonObject services = ZyBase::CJsonReader::ParseJsonFileToObject(description);
-    const auto text = [&](const char *key) { return services.value(QLatin1String(key)).toString(); };
-
-    QSslConfiguration trusting = QSslConfiguration::defaultConfiguration();
-    trusting.setCaCertificates(trusting.caCertificates() + QSslCertificate::fromPath(text("authority")));
-    QSslConfiguration::setDefaultConfiguration(trusting);
-
+    const auto text = [&services](const char *key) { return services.value(QLatin1String(key)).toString(); };
     const QUrl proxy(text("proxy"));
-    QNetworkProxy::setApplicationProxy(
-        {QNetworkProxy::HttpProxy, proxy.host(), static_cast<quint16>(proxy.port())});
-    return {text("statistics"), text("downloads")};
+    const QList<QSslCertificate> authorities = QSslCertificate::fromPath(text("authority"));
+    if (proxy.port() < 0 || authorities.isEmpty())
+        qFatal("LOCAL_SERVICES is %s, which tells of no running services", qUtf8Printable(description));
+
+    trust(authorities);
+    useProxy(proxy);
+    return {text("statistics"), text("downloads"), text("page")};
 }

@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include "FollowedRequest.h"
+
+#include <QNetworkReply>
+
+namespace {
+
+constexpr int maxRedirections = 5;
+constexpr int timeLimitMs = 10000;
+
+bool isSafe(const QUrl &from, const QUrl &target)
+{
+    if (target.scheme() == QLatin1String("https"))
+        return true;
+    return target.scheme() == QLatin1String("http") && from.scheme() == QLatin1String("http");
+}
+
+// 307 and 308 repeat the request as it was; the others say where to fetch the answer.
+bool keepsOperation(int status)
+{
+    return status == 307 || status == 308;
+}
+
+} // namespace
+
+FollowedRequest::FollowedRequest(QObject *parent)
+    : QObject(parent)
+{
+    m_timer.setSingleShot(true);
+}
+
+void FollowedRequest::start(QNetworkAccessManager::Operation operation, const QUrl &url,
+                            const QByteArray &json)
+{
+    m_operation = operation;
+    m_json = json;
+    m_redirections = 0;
+    m_timer.start(timeLimitMs);
+    ask(url);
+}
+
+void FollowedRequest::ask(const QUrl &url)
+{
+    QNetworkReply *const reply = send(url);
+    connect(&m_timer, &QTimer::timeout, reply, &QNetworkReply::abort);
+    connect(reply, &QNetworkReply::finished, this, [this, reply] { take(reply); });
+}
+
+QNetworkReply *FollowedRequest::send(const QUrl &url)
+{
+    QNetworkRequest request(url);
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
+    if (m_operation == QNetworkAccessManager::HeadOperation)
+        return m_manager.head(request);
+    if (m_operation == QNetworkAccessManager::GetOperation)
+        return m_manager.get(request);
+    request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
+    return m_manager.post(request, m_json);
+}
+
+void FollowedRequest::take(QNetworkReply *reply)
+{
+    reply->deleteLater();
+    const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    const QUrl target = reply->attribute(QNetworkRequest::RedirectionTargetAttribute).toUrl();
+    if (!m_timer.isActive())
+        return fail(tr("No answer within ten seconds"));
+    if (!target.isEmpty())
+        return follow(reply->url(), status, reply->url().resolved(target));
+    if (status == 0)
+        return fail(reply->errorString());
+    m_timer.stop();
+    Q_EMIT answered(reply->url(), status, reply->readAll());
+}
+
+void FollowedRequest::follow(const QUrl &from, int status, const QUrl &target)
+{
+    if (!isSafe(from, target))
+        return fail(tr("Not followed to %1").arg(target.toDisplayString()));
+    if (++m_redirections > maxRedirections)
+        return fail(tr("More than %1 redirections").arg(maxRedirections));
+    if (m_operation == QNetworkAccessManager::PostOperation && !keepsOperation(status))
+        m_operation = QNetworkAccessManager::GetOperation;
+    ask(target);
+}
+
+void FollowedRequest::fail(const QString &reason)
+{
+    m_timer.stop();
+    Q_EMIT failed(reason);
+}

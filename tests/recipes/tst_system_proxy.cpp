@@ -1,0 +1,146 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include "RecipeProcess.h"
+
+#include <localservices/HttpServer.h>
+#include <localservices/Proxy.h>
+
+#include <QTest>
+
+using LocalServices::Authority;
+using LocalServices::HttpServer;
+using LocalServices::Proxy;
+
+class TestSystemProxy : public QObject
+{
+    Q_OBJECT
+
+private:
+    // The recipe's lines under this variable, in which PORT is the proxy's.
+    QStringList linesFor(const QString &variable, const QString &value, const QStringList &arguments)
+    {
+        RecipeProcess recipe(QStringLiteral("system-proxy"));
+        if (!variable.isEmpty())
+            recipe.setEnvironment(
+                variable, QString(value).replace(QLatin1String("PORT"), QString::number(m_proxy.port())));
+        recipe.start(arguments);
+        return recipe.finish() == 0 ? recipe.lines() : QStringList();
+    }
+
+    const Authority m_authority;
+    const HttpServer m_server;
+    Proxy m_proxy {m_authority};
+
+private Q_SLOTS:
+    void initTestCase() { m_proxy.leadAll(m_server.url(QStringLiteral("/"))); }
+
+    void requestGoesThroughTheProxy_data()
+    {
+        QTest::addColumn<QString>("variable");
+        QTest::addColumn<QString>("value");
+        QTest::addColumn<QString>("scheme");
+        const auto row = [](const char *name, const char *variable, const char *value,
+                            const char *scheme = "http") {
+            QTest::newRow(name) << QString::fromLatin1(variable) << QString::fromLatin1(value)
+                                << QString::fromLatin1(scheme);
+        };
+        row("http", "http_proxy", "http://127.0.0.1:PORT");
+        row("https", "https_proxy", "http://127.0.0.1:PORT", "https");
+        row("https by that for http", "http_proxy", "http://127.0.0.1:PORT/", "https");
+        row("in capitals", "HTTP_PROXY", "http://127.0.0.1:PORT");
+        row("for all protocols", "all_proxy", "http://127.0.0.1:PORT");
+        row("for all protocols, https", "ALL_PROXY", "http://127.0.0.1:PORT", "https");
+        row("without a scheme", "http_proxy", "127.0.0.1:PORT");
+        row("with blanks", "http_proxy", " http://127.0.0.1:PORT ");
+    }
+    void requestGoesThroughTheProxy()
+    {
+        QFETCH(QString, variable);
+        QFETCH(QString, value);
+        QFETCH(QString, scheme);
+        const int before = m_proxy.requestLines().size();
+        const QStringList lines =
+            linesFor(variable, value, {scheme + QStringLiteral("://service.example/echo?hello")});
+        QCOMPARE(lines, QStringList({QStringLiteral("Asked through 127.0.0.1:%1").arg(m_proxy.port()),
+                                     QStringLiteral("/echo?hello")}));
+        QCOMPARE(m_proxy.requestLines().size(), before + 1);
+    }
+
+    // What the recipe is for: Qt reads these by itself in no form of the desktops.
+    void qtAloneDoesNotReadThem_data()
+    {
+        QTest::addColumn<QString>("variable");
+        QTest::addColumn<QString>("value");
+        QTest::newRow("in capitals") << QStringLiteral("HTTP_PROXY")
+                                     << QStringLiteral("http://127.0.0.1:PORT");
+        QTest::newRow("for all protocols")
+            << QStringLiteral("all_proxy") << QStringLiteral("http://127.0.0.1:PORT");
+    }
+    void qtAloneDoesNotReadThem()
+    {
+        QFETCH(QString, variable);
+        QFETCH(QString, value);
+        // This machine in another spelling: what goes astray stays here.
+        QUrl url = m_server.url(QStringLiteral("/echo?hello"));
+        url.setHost(QStringLiteral("0.0.0.0"));
+        const QString straight = QStringLiteral("Asked straight");
+        QCOMPARE(linesFor(variable, value, {QStringLiteral("--plainly"), url.toString()}).value(0), straight);
+        QVERIFY(linesFor(variable, value, {url.toString()}).value(0) != straight);
+    }
+
+    void exceptedHostIsAskedStraight_data()
+    {
+        QTest::addColumn<QString>("variable");
+        QTest::newRow("as Qt reads it") << QStringLiteral("no_proxy");
+        QTest::newRow("in capitals") << QStringLiteral("NO_PROXY");
+    }
+    void exceptedHostIsAskedStraight()
+    {
+        QFETCH(QString, variable);
+        QUrl url = m_server.url(QStringLiteral("/echo?hello"));
+        url.setHost(QStringLiteral("0.0.0.0"));
+        const int before = m_proxy.requestLines().size();
+        RecipeProcess recipe(QStringLiteral("system-proxy"));
+        recipe.setEnvironment(QStringLiteral("http_proxy"),
+                              QStringLiteral("127.0.0.1:%1").arg(m_proxy.port()));
+        recipe.setEnvironment(variable, QStringLiteral("other.example,0.0.0.0"));
+        QVERIFY(recipe.start({url.toString()}));
+        QCOMPARE(recipe.finish(), 0);
+        QCOMPARE(recipe.lines(),
+                 QStringList({QStringLiteral("Asked straight"), QStringLiteral("/echo?hello")}));
+        QCOMPARE(m_proxy.requestLines().size(), before);
+    }
+
+    void socksIsUnderstood_data()
+    {
+        QTest::addColumn<QString>("value");
+        QTest::newRow("by its version") << QStringLiteral("socks5://127.0.0.1:1");
+        QTest::newRow("as GNOME sets it") << QStringLiteral("socks://127.0.0.1:1/");
+    }
+    void socksIsUnderstood()
+    {
+        QFETCH(QString, value);
+        const QStringList lines =
+            linesFor(QStringLiteral("all_proxy"), value, {QStringLiteral("http://service.example/echo")});
+        QCOMPARE(lines,
+                 QStringList({QStringLiteral("Asked through 127.0.0.1:1"), QStringLiteral("No answer")}));
+    }
+
+    void withoutAProxyItIsAskedStraight()
+    {
+        QCOMPARE(linesFor(QString(), QString(), {m_server.url(QStringLiteral("/echo?hello")).toString()}),
+                 QStringList({QStringLiteral("Asked straight"), QStringLiteral("/echo?hello")}));
+    }
+
+    void deadProxyHasNoAnswer()
+    {
+        QCOMPARE(linesFor(QStringLiteral("http_proxy"), QStringLiteral("http://127.0.0.1:1"),
+                          {QStringLiteral("http://service.example/echo")})
+                     .value(1),
+                 QStringLiteral("No answer"));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestSystemProxy)
+
+#include "tst_system_proxy.moc"

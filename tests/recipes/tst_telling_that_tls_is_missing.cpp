@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include "Files.h"
+#include "RecipeProcess.h"
+
+#include <localservices/HttpServer.h>
+
+#include <QFileInfo>
+#include <QSslSocket>
+#include <QTemporaryDir>
+#include <QTest>
+
+using LocalServices::Authority;
+using LocalServices::HttpServer;
+
+namespace {
+
+// Where a library of this process lies.
+QString pathOf(const char *library)
+{
+    const QStringList maps =
+        QString::fromUtf8(readFile(QStringLiteral("/proc/self/maps"))).split(QLatin1Char('\n'));
+    for (const QString &line : maps) {
+        QString path = line.mid(line.indexOf(QLatin1Char('/')));
+        if (QFileInfo(path).fileName().startsWith(QLatin1String(library)))
+            return path;
+    }
+    return QString();
+}
+
+} // namespace
+
+class TestTellingThatTlsIsMissing : public QObject
+{
+    Q_OBJECT
+
+private:
+    const Authority m_authority;
+    const HttpServer m_secure {m_authority.issue(QStringLiteral("127.0.0.1"))};
+    const HttpServer m_plain;
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        if (!QSslSocket::supportsSsl())
+            QSKIP("TLS is missing for this test as well");
+    }
+
+    void withTlsThereIsAnAnswer()
+    {
+        RecipeProcess recipe(QStringLiteral("telling-that-tls-is-missing"));
+        QVERIFY(recipe.start({m_secure.url(QStringLiteral("/echo?hello")).toString()}));
+        QCOMPARE(recipe.finish(), 0);
+        QCOMPARE(recipe.lines(),
+                 QStringList({QStringLiteral("TLS by ") + QSslSocket::sslLibraryVersionString(),
+                              QStringLiteral("Status 200 with 11 bytes"), QStringLiteral("/echo?hello")}));
+    }
+
+    void withTlsNoAnswerIsTheServersFault()
+    {
+        RecipeProcess recipe(QStringLiteral("telling-that-tls-is-missing"));
+        QVERIFY(recipe.start({QStringLiteral("https://127.0.0.1:1/")}));
+        QCOMPARE(recipe.finish(), 1);
+        QCOMPARE(recipe.lines().mid(1), QStringList({QStringLiteral("Status 0 with 0 bytes"),
+                                                     QStringLiteral("127.0.0.1 can't be reached.")}));
+    }
+
+    void withoutTlsTheUserIsToldSo_data()
+    {
+        QTest::addColumn<bool>("isOtherVersion");
+        QTest::newRow("the library is missing") << false;
+        QTest::newRow("the library is of another version") << true;
+    }
+    void withoutTlsTheUserIsToldSo()
+    {
+        QFETCH(bool, isOtherVersion);
+        if (!Sandbox::isAvailable())
+            QSKIP("no sandbox can be had here");
+        const QTemporaryDir directory;
+        const QString nothing = directory.filePath(QStringLiteral("nothing"));
+        QVERIFY(writeFile(nothing, QByteArray()));
+        // Any library has not what Qt looks for in the right one.
+        const QString instead = isOtherVersion ? pathOf("libz.so") : nothing;
+        QVERIFY(QFileInfo::exists(instead));
+        Sandbox sandbox;
+        sandbox.replace(pathOf("libssl.so"), instead);
+
+        RecipeProcess recipe(QStringLiteral("telling-that-tls-is-missing"));
+        recipe.setSandbox(sandbox);
+        QVERIFY(recipe.start({m_secure.url(QStringLiteral("/echo")).toString()}));
+        QCOMPARE(recipe.finish(), 1);
+        QCOMPARE(recipe.lines(),
+                 QStringList(
+                     {QStringLiteral("TLS by "), QStringLiteral("Status 0 with 0 bytes"),
+                      QStringLiteral("Secure connections don't work here. They need the OpenSSL library, in "
+                                     "a version that goes with %1; it is missing, or of another version.")
+                          .arg(QSslSocket::sslLibraryBuildVersionString())}));
+        QVERIFY(recipe.duration() < 9000); // at once, not after the time limit
+        QVERIFY(m_secure.requests().isEmpty() || m_secure.requests().last().target != "/echo");
+
+        RecipeProcess plain(QStringLiteral("telling-that-tls-is-missing"));
+        plain.setSandbox(sandbox);
+        QVERIFY(plain.start({m_plain.url(QStringLiteral("/echo?plain")).toString()}));
+        QCOMPARE(plain.finish(), 0);
+        QCOMPARE(plain.lines().last(), QStringLiteral("/echo?plain"));
+
+        RecipeProcess dead(QStringLiteral("telling-that-tls-is-missing"));
+        dead.setSandbox(sandbox);
+        QVERIFY(dead.start({QStringLiteral("http://127.0.0.1:1/")}));
+        QCOMPARE(dead.finish(), 1);
+        QCOMPARE(dead.lines().last(), QStringLiteral("127.0.0.1 can't be reached."));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestTellingThatTlsIsMissing)
+
+#include "tst_telling_that_tls_is_missing.moc"
