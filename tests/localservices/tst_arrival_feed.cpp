@@ -88,6 +88,24 @@ private Q_SLOTS:
         QCOMPARE(size.load(), 1);
     }
 
+    // Now and then the arrival comes between a reader's look and its wait.
+    void noArrivalIsMissedWhileAReaderGoesToWait()
+    {
+        constexpr qint64 rounds = 300;
+        std::atomic<qint64> seen {0};
+        std::thread reader([&] {
+            while (seen < rounds)
+                seen = m_feed->waitAfter(seen, patience).last().id;
+        });
+        for (qint64 i = 1; i <= rounds; ++i) {
+            m_feed->add(record(QStringLiteral("a")));
+            while (seen < i)
+                std::this_thread::yield();
+        }
+        reader.join();
+        QCOMPARE(m_feed->lastId(), rounds);
+    }
+
     void waitEndsWithItsTime() { QCOMPARE(m_feed->waitAfter(0, 10ms).size(), 0); }
 
     void waitEndsWithTheFeed()

@@ -8,6 +8,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <sqlite3.h>
+
 #include <algorithm>
 #include <set>
 #include <thread>
@@ -188,6 +190,18 @@ private Q_SLOTS:
         QCOMPARE(store.add(arrival(QStringLiteral("a"))), 0);
         store.clear();
         QCOMPARE(readFile(path()), QByteArray(4096, 'x'));
+    }
+
+    void arrivalThatCannotBeKeptHasNoId()
+    {
+        ArrivalStore store(path());
+        QCOMPARE(store.add(arrival(QStringLiteral("a"))), 1);
+        sqlite3 *other = nullptr;
+        QCOMPARE(sqlite3_open(QFile::encodeName(path()).constData(), &other), SQLITE_OK);
+        QCOMPARE(sqlite3_exec(other, "DROP TABLE arrivals", nullptr, nullptr, nullptr), SQLITE_OK);
+        sqlite3_close(other);
+        QCOMPARE(store.add(arrival(QStringLiteral("b"))), 0);
+        QCOMPARE(store.after(0, many).size(), 0);
     }
 
     void missingFolderIsAnError()

@@ -313,6 +313,10 @@ private Q_SLOTS:
         m_browser->run(
             QStringLiteral("document.querySelectorAll('details').forEach(each => each.open = true)"));
         QVERIFY(m_browser->run(QStringLiteral("return document.documentElement.scrollWidth")).toInt() <= 340);
+        QVERIFY(m_browser
+                    ->run(QStringLiteral("return [...document.querySelectorAll('#list pre')].every("
+                                         "each => each.scrollWidth <= each.clientWidth)"))
+                    .toBool());
     }
 
 private:
