@@ -106,10 +106,11 @@ private:
     {
         m_tools = std::make_unique<FakeTools>();
         m_tools->add(text("which"), "exit 0");
-        m_tools->add(text("gsettings"), "while [ ! -e '" + QFile::encodeName(tool("go"))
-                                            + "' ]; do /bin/sleep 0.01; done\n/bin/cat '"
-                                            + QFile::encodeName(tool("theme")) + "'");
-        qputenv("PATH", QFile::encodeName(m_tools->path()));
+        const QByteArray folder = QFile::encodeName(m_tools->path());
+        m_tools->add(text("gsettings"), "while [ -d '" + folder + "' ] && [ ! -e '" + folder
+                                            + "/go' ]; do /bin/sleep 0.01; done\n/bin/cat '" + folder
+                                            + "/theme'");
+        qputenv("PATH", folder);
         writeFile(tool("theme"), "'Adwaita-light'");
         writeFile(tool("go"), "");
     }
