@@ -132,9 +132,10 @@ public:
      * @warning Nothing is reported, and the old content is gone before the new is written: after a
      * crash or on a full disk the file is cut short. Where that matters:
      * @code
+     * const QByteArray bytes = text.toUtf8();
      * QSaveFile file(path);
-     * const bool saved = file.open(QIODevice::WriteOnly) && file.write(text.toUtf8()) >= 0
-     *     && file.commit();
+     * const bool saved = file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size()
+     *     && file.flush() && file.commit(); // commit() alone takes a full disk for a success
      * @endcode
      */
     static void WriteFileData(const QString &strFilePath, const QString &strData);

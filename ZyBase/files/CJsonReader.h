@@ -63,9 +63,10 @@ public:
      * at the same time may see it so. No directory is made. Where that matters, save it whole or not
      * at all:
      * @code
+     * const QByteArray bytes = QJsonDocument(object).toJson();
      * QSaveFile file(path);
-     * const bool saved = file.open(QIODevice::WriteOnly)
-     *     && file.write(QJsonDocument(object).toJson()) >= 0 && file.commit();
+     * const bool saved = file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size()
+     *     && file.flush() && file.commit(); // commit() alone takes a full disk for a success
      * @endcode
      */
     static void SaveJsonFile(const QString &strFilePath, const QJsonObject &jsonObject);

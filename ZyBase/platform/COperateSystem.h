@@ -83,6 +83,8 @@ public:
      * connect(watcher, &QFutureWatcher<bool>::finished, this, [=] { setDark(watcher->result()); });
      * watcher->setFuture(QtConcurrent::run(&ZyBase::CSystemUtils::IsDarkTheme));
      * @endcode
+     * Qt waits for its threads when the application ends, and so for a tool that hangs. The guide's page on
+     * watching the theme asks in a thread that nobody waits for.
      *
      * @warning What a former desktop left behind counts: a GNOME setting wins over KDE's own on a KDE
      * session. KDE writes its scheme to a section [General] of kdeglobals, which QSettings does not
