@@ -305,6 +305,22 @@ private Q_SLOTS:
         gallery().choose("appearance", QStringLiteral("Dark"));
         QCOMPARE(scan("qrCode"), QStringLiteral("Größe 文件"));
     }
+    void codeHasItsMarginInTheDarkToo()
+    {
+        m_stage->setTheme("Adwaita-dark");
+        m_stage->reopen(m_stage->services());
+        gallery().open(QrCode);
+        constexpr int side = 260;
+        constexpr int line = 1;
+        const int margin = side * 4 / 25; // four modules of the 25 that a side has at least
+        const QImage ground = gallery().find("qrCode")->grab().toImage();
+        QCOMPARE(ground.size(), QSize(side + 2 * margin, side + 2 * margin));
+        const int middle = ground.width() / 2;
+        for (int depth = line; depth < margin; ++depth) {
+            QCOMPARE(ground.pixelColor(depth, middle), QColor(Qt::white));
+            QCOMPARE(ground.pixelColor(middle, ground.height() - 1 - depth), QColor(Qt::white));
+        }
+    }
     void textWithoutACodeIsTold()
     {
         gallery().open(QrCode);
