@@ -76,6 +76,9 @@ public:
      *
      * @warning Where the resolver doesn't answer, the call lasts until the system gives up, which may
      * take a minute: no limit of its own ends it.
+     *
+     * @warning Qt removes what it made for the lookup in the thread's event loop. A thread that runs none
+     * afterwards leaves some hundred bytes behind at each call.
      */
     static bool IsNetWorkOnline();
 };

@@ -6,6 +6,8 @@
 #include "../widgets/Choice.h"
 #include "../widgets/controls.h"
 
+#include <OwnedRequest.h>
+
 #include <ZyBase/http/CHttpPostRequest.h>
 
 #include <QJsonDocument>
@@ -17,24 +19,8 @@ namespace {
 
 enum Methods { Get, Post };
 
-constexpr int wayOutOfTheSignalMs = 1000;
 constexpr int cancelAgainMs = 100;
 constexpr int bodyHeight = 92;
-
-// The request has no parent, which might go before its thread does: it goes by itself, a moment after its
-// outcome, when the thread is surely done with it.
-CHttpPostRequest *createRequest()
-{
-    auto *const request = new CHttpPostRequest;
-    const auto remove = [request] {
-        QTimer::singleShot(wayOutOfTheSignalMs, request, &QObject::deleteLater);
-    };
-    QObject::connect(request, &CHttpPostRequest::SignalRequestResult, request, remove);
-    QObject::connect(request, &CHttpPostRequest::SignalRequestResultAndStatusCode, request, remove);
-    QObject::connect(request, &CHttpPostRequest::SignalRequestTimeout, request, remove);
-    QObject::connect(request, &CHttpPostRequest::SignalRequestCancel, request, remove);
-    return request;
-}
 
 QString readable(const QByteArray &body)
 {
@@ -112,7 +98,7 @@ void RequestPage::send()
 
 void RequestPage::start(const QUrl &url, const QJsonObject &body)
 {
-    m_request = createRequest();
+    m_request = createRequest(this);
     connect(m_request, &CHttpPostRequest::SignalRequestResultAndStatusCode, this,
             [this](const QByteArray &answer, int status) {
                 const bool isAnswered = status != 0;
