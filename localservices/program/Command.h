@@ -23,6 +23,8 @@ public:
 private:
     Q_DISABLE_COPY(Command)
 
+    int complain(const QString &problem) const;
+
     const QStringList m_command;
     QProcess m_process;
 };
