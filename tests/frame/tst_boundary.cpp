@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 
 #include <ZyBase/ZyBase.h>
+#include <ZyBase/base/ZyBaseExport.h>
 
 #include "Files.h"
 
@@ -10,6 +11,9 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
+
+#define TEXT_OF(text) #text
+#define EXPANDED(macro) TEXT_OF(macro)
 
 namespace {
 
@@ -145,6 +149,12 @@ private Q_SLOTS:
         QLibrary loaded(host.filePath(original.fileName()));
         QVERIFY2(loaded.load(), qPrintable(loaded.errorString()));
         QVERIFY(loaded.resolve("_ZN6ZyBase12LoggerObject4infoEPKc"));
+    }
+
+    void hostsThatHideTheirSymbolsSeeThoseOfTheLibrary()
+    {
+        QCOMPARE(EXPANDED(ZYBASE_EXPORT), EXPANDED(Q_DECL_IMPORT));
+        QVERIFY(strstr(EXPANDED(ZYBASE_EXPORT), "default"));
     }
 
     void oneHeaderBringsAllClasses()
