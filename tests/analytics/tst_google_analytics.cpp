@@ -3,6 +3,7 @@
 #include "Collectors.h"
 
 #include "ProcessFigures.h"
+#include "Utf8.h"
 
 #include <QElapsedTimer>
 #include <QNetworkAccessManager>
@@ -28,11 +29,6 @@ const QByteArray page = "<h1>a page</h1>";
 Outcome resultOf(const QByteArray &data)
 {
     return result(Form::PostAsync, data, -1);
-}
-
-QString text(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
 }
 
 QByteArray rawAnswer(const QByteArray &status, const QByteArray &body, const QByteArray &headers = {})
@@ -102,7 +98,7 @@ private Q_SLOTS:
     void bodyIsIndentedToTheByte()
     {
         QFETCH(Mode, mode);
-        send(mode, {text("C"), text("M"), text("S"), text("N"), text("A"), text("L")});
+        send(mode, {utf8("C"), utf8("M"), utf8("S"), utf8("N"), utf8("A"), utf8("L")});
         QCOMPARE(received().request.body, QByteArray("{\n"
                                                      "    \"client_id\": \"C\",\n"
                                                      "    \"events\": [\n"
@@ -124,20 +120,20 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("json");
         QTest::newRow("empty") << QStringLiteral("") << QByteArray("\"\"");
         QTest::newRow("null") << QString() << QByteArray("\"\"");
-        QTest::newRow("quotes") << text("say \"hi\"") << QByteArray("\"say \\\"hi\\\"\"");
-        QTest::newRow("line feed") << text("a\nb") << QByteArray("\"a\\nb\"");
-        QTest::newRow("backslash") << text("a\\b") << QByteArray("\"a\\\\b\"");
-        QTest::newRow("control") << text("a\x01") << QByteArray("\"a\\u0001\"");
-        QTest::newRow("letters") << text("Größe 文件") << QByteArray("\"Größe 文件\"");
-        QTest::newRow("beyond the BMP") << text("😀") << QByteArray("\"😀\"");
-        QTest::newRow("ampersand and percent") << text("a&b=%1%20") << QByteArray("\"a&b=%1%20\"");
+        QTest::newRow("quotes") << utf8("say \"hi\"") << QByteArray("\"say \\\"hi\\\"\"");
+        QTest::newRow("line feed") << utf8("a\nb") << QByteArray("\"a\\nb\"");
+        QTest::newRow("backslash") << utf8("a\\b") << QByteArray("\"a\\\\b\"");
+        QTest::newRow("control") << utf8("a\x01") << QByteArray("\"a\\u0001\"");
+        QTest::newRow("letters") << utf8("Größe 文件") << QByteArray("\"Größe 文件\"");
+        QTest::newRow("beyond the BMP") << utf8("😀") << QByteArray("\"😀\"");
+        QTest::newRow("ampersand and percent") << utf8("a&b=%1%20") << QByteArray("\"a&b=%1%20\"");
         QTest::newRow("long") << QString(100000, QLatin1Char('x')) << '"' + QByteArray(100000, 'x') + '"';
     }
     void textsOfTheBodyAreEscapedAsJson()
     {
         QFETCH(QString, value);
         QFETCH(QByteArray, json);
-        send(Mode::Sync, {value, text("M"), text("S"), value, value, value});
+        send(Mode::Sync, {value, utf8("M"), utf8("S"), value, value, value});
         const QByteArray body = received().request.body;
         QVERIFY(body.contains("\"client_id\": " + json + ",\n"));
         QVERIFY(body.contains("\"name\": " + json + ",\n"));
@@ -152,7 +148,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("apiSecret");
         QTest::addColumn<QByteArray>("query");
         const auto row = [](const char *name, const char *id, const char *secret, const char *query) {
-            QTest::newRow(name) << text(id) << text(secret) << QByteArray(query);
+            QTest::newRow(name) << utf8(id) << utf8(secret) << QByteArray(query);
         };
         row("plain", "G-ABC123", "Sec_ret-1", "measurement_id=G-ABC123&api_secret=Sec_ret-1");
         row("empty", "", "", "measurement_id=&api_secret=");
@@ -175,7 +171,7 @@ private Q_SLOTS:
         QFETCH(QString, apiSecret);
         QFETCH(QByteArray, query);
         for (const Mode mode : {Mode::Sync, Mode::Async}) {
-            send(mode, {text("C"), measurementId, apiSecret, text("N"), text("A"), text("L")});
+            send(mode, {utf8("C"), measurementId, apiSecret, utf8("N"), utf8("A"), utf8("L")});
             QVERIFY(!m_collectors->ga().events().isEmpty());
             QCOMPARE(m_collectors->ga().events().last().request.target, "/mp/collect?" + query);
         }
@@ -190,8 +186,8 @@ private Q_SLOTS:
         QCOMPARE(send(mode, {empty, empty, empty, empty, empty, empty}),
                  resultOf(mode == Mode::Sync ? "true" : ""));
         QCOMPARE(received().request.target, QByteArray("/mp/collect?measurement_id=&api_secret="));
-        QCOMPARE(received().problems, QStringList({text("measurement_id"), text("api_secret"),
-                                                   text("client_id"), text("user_id"), text("name")}));
+        QCOMPARE(received().problems, QStringList({utf8("measurement_id"), utf8("api_secret"),
+                                                   utf8("client_id"), utf8("user_id"), utf8("name")}));
     }
 
     void hostIsAskedUnderTls_data() { addModes(); }
@@ -200,7 +196,7 @@ private Q_SLOTS:
         QFETCH(Mode, mode);
         send(mode);
         QCOMPARE(m_collectors->requestLines(),
-                 QStringList {text("CONNECT www.google-analytics.com:443 HTTP/1.1")});
+                 QStringList {utf8("CONNECT www.google-analytics.com:443 HTTP/1.1")});
         QCOMPARE(received().request.header("Host"), QByteArray("www.google-analytics.com"));
     }
 
@@ -492,16 +488,16 @@ private Q_SLOTS:
     void signalsStandInTheirOrder()
     {
         QCOMPARE(ownMethods(CGoogleAnalytics::staticMetaObject),
-                 QStringList({text("signal SignalRequestTimeout()"), text("signal SignalRequestCancel()"),
-                              text("signal SignalStopRequest()"),
-                              text("signal SignalRequestResult(QByteArray)")}));
+                 QStringList({utf8("signal SignalRequestTimeout()"), utf8("signal SignalRequestCancel()"),
+                              utf8("signal SignalStopRequest()"),
+                              utf8("signal SignalRequestResult(QByteArray)")}));
     }
 
     void endpointIsTheOneField()
     {
         QCOMPARE(sizeof(CGoogleAnalytics), sizeof(QObject) + sizeof(QString));
         const CGoogleAnalytics analytics;
-        QCOMPARE(textFieldsOf(analytics)[0], text("https://www.google-analytics.com/mp/collect"));
+        QCOMPARE(textFieldsOf(analytics)[0], utf8("https://www.google-analytics.com/mp/collect"));
     }
 };
 

@@ -4,6 +4,7 @@
 
 #include "Files.h"
 #include "MessageCapture.h"
+#include "Utf8.h"
 
 #include <ZyBase/analytics/CGaReportManager.h>
 #include <ZyBase/analytics/SigningSecret.h>
@@ -19,11 +20,6 @@ using LocalServices::StatisticsBackend;
 using ZyBase::CGaReportManager;
 
 namespace {
-
-QString text(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 using Catalogue = QMap<QString, QJsonObject>;
 
@@ -57,7 +53,7 @@ private:
     }
     void load(const QByteArray &content)
     {
-        manager()->InitGaData(write(content), text("client"), text("G-1"), text("secret"));
+        manager()->InitGaData(write(content), utf8("client"), utf8("G-1"), utf8("secret"));
     }
     void loadTwoEvents()
     {
@@ -152,7 +148,7 @@ private Q_SLOTS:
                  sizeof(QObject) + sizeof(Catalogue) + sizeof(CGaReport) + sizeof(CXdReport));
         loadTwoEvents();
         const Fields &fields = fieldsOf(manager());
-        QCOMPARE(fields.catalogue.keys(), QStringList({text("open"), text("print")}));
+        QCOMPARE(fields.catalogue.keys(), QStringList({utf8("open"), utf8("print")}));
         QCOMPARE(fields.ga.metaObject(), &CGaReport::staticMetaObject);
         QCOMPARE(fields.xd.metaObject(), &CXdReport::staticMetaObject);
         QCOMPARE(fields.ga.parent(), nullptr);
@@ -164,11 +160,11 @@ private Q_SLOTS:
     {
         QStringList gone;
         CGaReportManager *const instance = manager();
-        connect(&fieldsOf(instance).ga, &QObject::destroyed, this, [&] { gone << text("ga"); });
-        connect(&fieldsOf(instance).xd, &QObject::destroyed, this, [&] { gone << text("xd"); });
+        connect(&fieldsOf(instance).ga, &QObject::destroyed, this, [&] { gone << utf8("ga"); });
+        connect(&fieldsOf(instance).xd, &QObject::destroyed, this, [&] { gone << utf8("xd"); });
         delete instance;
         CGaReportManager::s_instance = nullptr;
-        QCOMPARE(gone, QStringList({text("xd"), text("ga")}));
+        QCOMPARE(gone, QStringList({utf8("xd"), utf8("ga")}));
     }
 
     void eventGoesOutByItsKey_data()
@@ -181,32 +177,32 @@ private Q_SLOTS:
     {
         QFETCH(bool, sync);
         loadTwoEvents();
-        manager()->SendGaReport(text("open"), QStringLiteral(""), sync);
+        manager()->SendGaReport(utf8("open"), QStringLiteral(""), sync);
         QCOMPARE(runningEvents(), sync ? 0 : 1);
         if (sync)
             QCOMPARE(received().size(), 1);
         QTRY_COMPARE(runningEvents(), 0);
-        QCOMPARE(received(), QStringList {text("open_file/file/pdf")});
+        QCOMPARE(received(), QStringList {utf8("open_file/file/pdf")});
         const GaCollector::Event event = m_collectors->ga().events().first();
         QCOMPARE(event.problems, QStringList());
         QCOMPARE(event.request.target, QByteArray("/mp/collect?measurement_id=G-1&api_secret=secret"));
-        QCOMPARE(event.body.value(QStringLiteral("client_id")).toString(), text("client"));
+        QCOMPARE(event.body.value(QStringLiteral("client_id")).toString(), utf8("client"));
     }
 
     void unknownKeySendsNothing()
     {
-        QVERIFY(sendsNothing(text("open"))); // before any catalogue
+        QVERIFY(sendsNothing(utf8("open"))); // before any catalogue
         loadTwoEvents();
-        QVERIFY(sendsNothing(text("close"), text("label")));
-        QVERIFY(sendsNothing(QString(), text("label")));
-        QCOMPARE(manager()->GetGaData(text("close")), QJsonObject());
+        QVERIFY(sendsNothing(utf8("close"), utf8("label")));
+        QVERIFY(sendsNothing(QString(), utf8("label")));
+        QCOMPARE(manager()->GetGaData(utf8("close")), QJsonObject());
     }
 
     void keysAreMatchedExactly_data()
     {
         QTest::addColumn<QString>("key");
         for (const char *key : {"Open", "open ", " open", "ope", "open.", "öpen"})
-            QTest::newRow(key) << text(key);
+            QTest::newRow(key) << utf8(key);
     }
     void keysAreMatchedExactly()
     {
@@ -221,21 +217,21 @@ private Q_SLOTS:
     void labelOfTheCallReplacesThatOfTheCatalogue()
     {
         loadTwoEvents();
-        const QJsonObject before = manager()->GetGaData(text("open"));
-        manager()->SendGaReport(text("open"), text("say \"epub\"\n😀"), true);
-        QCOMPARE(received(), QStringList {text("open_file/file/say \"epub\"\n😀")});
-        QCOMPARE(manager()->GetGaData(text("open")), before);
-        manager()->SendGaReport(text("open"), QString(), true);
-        QCOMPARE(received().last(), text("open_file/file/pdf"));
+        const QJsonObject before = manager()->GetGaData(utf8("open"));
+        manager()->SendGaReport(utf8("open"), utf8("say \"epub\"\n😀"), true);
+        QCOMPARE(received(), QStringList {utf8("open_file/file/say \"epub\"\n😀")});
+        QCOMPARE(manager()->GetGaData(utf8("open")), before);
+        manager()->SendGaReport(utf8("open"), QString(), true);
+        QCOMPARE(received().last(), utf8("open_file/file/pdf"));
     }
 
     void emptyLabelWantsOneOfTheCall()
     {
         loadTwoEvents();
-        QVERIFY(sendsNothing(text("print"), QStringLiteral("")));
-        QVERIFY(sendsNothing(text("print"), QString()));
-        manager()->SendGaReport(text("print"), text("laser"), true);
-        QCOMPARE(received(), QStringList {text("print_file/device/laser")});
+        QVERIFY(sendsNothing(utf8("print"), QStringLiteral("")));
+        QVERIFY(sendsNothing(utf8("print"), QString()));
+        manager()->SendGaReport(utf8("print"), utf8("laser"), true);
+        QCOMPARE(received(), QStringList {utf8("print_file/device/laser")});
     }
 
     void eventWithAnEmptyPartIsNotSent_data()
@@ -262,18 +258,18 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, parts);
         load("[{\"event_key\": \"k\", " + parts + "}]");
-        QVERIFY(!manager()->GetGaData(text("k")).isEmpty());
-        QVERIFY(sendsNothing(text("k")));
-        QVERIFY(sendsNothing(text("k"), text("label")));
+        QVERIFY(!manager()->GetGaData(utf8("k")).isEmpty());
+        QVERIFY(sendsNothing(utf8("k")));
+        QVERIFY(sendsNothing(utf8("k"), utf8("label")));
     }
 
     void labelThatIsNoTextIsEmpty()
     {
         load("[{\"event_key\": \"k\", \"event_name\": \"n\", \"event_category\": \"c\","
              " \"event_label\": 5}]");
-        QVERIFY(sendsNothing(text("k")));
-        manager()->SendGaReport(text("k"), text("l"), true);
-        QCOMPARE(received(), QStringList {text("n/c/l")});
+        QVERIFY(sendsNothing(utf8("k")));
+        manager()->SendGaReport(utf8("k"), utf8("l"), true);
+        QCOMPARE(received(), QStringList {utf8("n/c/l")});
     }
 
     void objectIsKeptWhole()
@@ -282,20 +278,20 @@ private Q_SLOTS:
         const QJsonObject expected = QJsonDocument::fromJson("{\"event_key\": \"k\", \"event_name\": \"n\","
                                                              " \"other\": [1, {\"x\": null}]}")
                                          .object();
-        QCOMPARE(manager()->GetGaData(text("k")), expected);
-        QJsonObject copy = manager()->GetGaData(text("k"));
-        copy.insert(text("event_name"), text("changed"));
-        QCOMPARE(manager()->GetGaData(text("k")), expected);
+        QCOMPARE(manager()->GetGaData(utf8("k")), expected);
+        QJsonObject copy = manager()->GetGaData(utf8("k"));
+        copy.insert(utf8("event_name"), utf8("changed"));
+        QCOMPARE(manager()->GetGaData(utf8("k")), expected);
     }
 
     void laterObjectOfAKeyCounts()
     {
         load("[{\"event_key\": \"k\", \"event_name\": \"first\"}, {\"event_key\": \"other\", \"a\": 1},"
              " {\"event_key\": \"k\", \"event_name\": \"second\"}]");
-        QCOMPARE(manager()->GetGaData(text("k")).value(text("event_name")).toString(), text("second"));
+        QCOMPARE(manager()->GetGaData(utf8("k")).value(utf8("event_name")).toString(), utf8("second"));
         load("[{\"event_key\": \"k\", \"event_name\": \"third\"}]");
-        QCOMPARE(manager()->GetGaData(text("k")).value(text("event_name")).toString(), text("third"));
-        QVERIFY(!manager()->GetGaData(text("other")).isEmpty());
+        QCOMPARE(manager()->GetGaData(utf8("k")).value(utf8("event_name")).toString(), utf8("third"));
+        QVERIFY(!manager()->GetGaData(utf8("other")).isEmpty());
     }
 
     void eventWithoutAKeyHasTheEmptyOne_data()
@@ -312,10 +308,10 @@ private Q_SLOTS:
         QFETCH(QByteArray, key);
         load("[{\"event_key\": \"k\", \"x\": 1}, {" + key
              + "\"event_name\": \"n\", \"event_category\": \"c\", \"event_label\": \"l\"}]");
-        QCOMPARE(fieldsOf(manager()).catalogue.keys(), QStringList({QString(), text("k")}));
+        QCOMPARE(fieldsOf(manager()).catalogue.keys(), QStringList({QString(), utf8("k")}));
         manager()->SendGaReport(QStringLiteral(""), QStringLiteral(""), true);
         manager()->SendGaReport(QString(), QString(), true);
-        QCOMPARE(received(), QStringList({text("n/c/l"), text("n/c/l")}));
+        QCOMPARE(received(), QStringList({utf8("n/c/l"), utf8("n/c/l")}));
     }
 
     void elementThatIsNoEventEmptiesTheEmptyKey_data()
@@ -330,7 +326,7 @@ private Q_SLOTS:
         load("[{\"event_name\": \"n\", \"event_category\": \"c\", \"event_label\": \"l\"}, " + element + "]");
         QCOMPARE(fieldsOf(manager()).catalogue.keys(), QStringList {QString()});
         QCOMPARE(manager()->GetGaData(QString()), QJsonObject());
-        QVERIFY(sendsNothing(QString(), text("label")));
+        QVERIFY(sendsNothing(QString(), utf8("label")));
     }
 
     void fileThatGivesNothingLeavesTheCatalogue_data()
@@ -350,15 +346,15 @@ private Q_SLOTS:
         loadTwoEvents();
         const MessageCapture messages;
         const QString path =
-            content.isNull() ? m_directory->filePath(text("missing.json")) : write(content, "bad.json");
-        manager()->InitGaData(path, text("other"), text("G-2"), text("hidden"));
-        QCOMPARE(fieldsOf(manager()).catalogue.keys(), QStringList({text("open"), text("print")}));
+            content.isNull() ? m_directory->filePath(utf8("missing.json")) : write(content, "bad.json");
+        manager()->InitGaData(path, utf8("other"), utf8("G-2"), utf8("hidden"));
+        QCOMPARE(fieldsOf(manager()).catalogue.keys(), QStringList({utf8("open"), utf8("print")}));
         // The identifiers are set all the same.
-        manager()->SendGaReport(text("open"), QString(), true);
+        manager()->SendGaReport(utf8("open"), QString(), true);
         QCOMPARE(received().size(), 1);
         const GaCollector::Event event = m_collectors->ga().events().first();
         QCOMPARE(event.request.target, QByteArray("/mp/collect?measurement_id=G-2&api_secret=hidden"));
-        QCOMPARE(event.body.value(QStringLiteral("client_id")).toString(), text("other"));
+        QCOMPARE(event.body.value(QStringLiteral("client_id")).toString(), utf8("other"));
         QVERIFY(messages.messages().isEmpty());
     }
 
@@ -368,10 +364,10 @@ private Q_SLOTS:
         manager()->InitGaData(write("[{\"event_key\": \"close\", \"event_name\": \"close_file\","
                                     " \"event_category\": \"file\", \"event_label\": \"x\"}]",
                                     "more.json"),
-                              text("second"), text("G-2"), text("S2"));
-        manager()->SendGaReport(text("close"), QString(), true);
-        manager()->SendGaReport(text("open"), QString(), true);
-        QCOMPARE(received(), QStringList({text("close_file/file/x"), text("open_file/file/pdf")}));
+                              utf8("second"), utf8("G-2"), utf8("S2"));
+        manager()->SendGaReport(utf8("close"), QString(), true);
+        manager()->SendGaReport(utf8("open"), QString(), true);
+        QCOMPARE(received(), QStringList({utf8("close_file/file/x"), utf8("open_file/file/pdf")}));
         const QList<GaCollector::Event> events = m_collectors->ga().events();
         for (const GaCollector::Event &event : events)
             QCOMPARE(event.request.target, QByteArray("/mp/collect?measurement_id=G-2&api_secret=S2"));
@@ -393,22 +389,22 @@ private Q_SLOTS:
             const QJsonObject event = manager()->GetGaData(QStringLiteral("key_%1").arg(i));
             QCOMPARE(event.value(QLatin1String("event_name")).toString(), QStringLiteral("n%1").arg(i));
         }
-        manager()->SendGaReport(text("key_99999"), QString(), true);
-        QCOMPARE(received(), QStringList {text("n99999/c/l")});
+        manager()->SendGaReport(utf8("key_99999"), QString(), true);
+        QCOMPARE(received(), QStringList {utf8("n99999/c/l")});
     }
 
     void recordCarriesWhatWasSet()
     {
-        manager()->InitXdData(m_backend->url().toString(), text("device"), text("reader"), text("1.2.3"),
-                              text("store"));
-        manager()->SendXdReport(text("payment_completed"), text("none"));
+        manager()->InitXdData(m_backend->url().toString(), utf8("device"), utf8("reader"), utf8("1.2.3"),
+                              utf8("store"));
+        manager()->SendXdReport(utf8("payment_completed"), utf8("none"));
         QCOMPARE(runningRecords(), 1);
         QTRY_COMPARE(runningRecords(), 0);
         QCOMPARE(m_backend->records().size(), 1);
         const StatisticsBackend::Record record = m_backend->records().first();
         QCOMPARE(record.problems, QStringList());
         QJsonObject body = record.body;
-        body.remove(text("day"));
+        body.remove(utf8("day"));
         const QJsonObject expected =
             QJsonDocument::fromJson("{\"action\": \"payment_completed\", \"status\": \"none\","
                                     " \"device_id\": \"device\", \"product\": \"reader\","
@@ -419,7 +415,7 @@ private Q_SLOTS:
 
     void recordBeforeItsAddressIsLost()
     {
-        manager()->SendXdReport(text("install"), text("start"));
+        manager()->SendXdReport(utf8("install"), utf8("start"));
         QCOMPARE(runningRecords(), 1);
         QTRY_COMPARE(runningRecords(), 0);
     }
@@ -431,14 +427,14 @@ private Q_SLOTS:
         loadTwoEvents();
         manager()->InitXdData(silent.url().toString(), {}, {}, {}, {});
         for (int i = 0; i < 3; ++i) {
-            manager()->SendGaReport(text("open"), QString(), false);
-            manager()->SendXdReport(text("crash"), text("end"));
+            manager()->SendGaReport(utf8("open"), QString(), false);
+            manager()->SendXdReport(utf8("crash"), utf8("end"));
         }
         QTRY_COMPARE(silent.requests().size(), 6);
         manager()->StopGaReport();
         QTRY_COMPARE_WITH_TIMEOUT(runningEvents(), 0, 5000);
         QCOMPARE(runningRecords(), 3);
-        manager()->SendGaReport(text("open"), QString(), false);
+        manager()->SendGaReport(utf8("open"), QString(), false);
         QTRY_COMPARE(silent.requests().size(), 7);
         manager()->StopXdReport();
         QTRY_COMPARE_WITH_TIMEOUT(runningRecords(), 0, 5000);
@@ -452,8 +448,8 @@ private Q_SLOTS:
         loadTwoEvents();
         CGaReportManager *const instance = manager();
         instance->InitXdData(silent.url().toString(), {}, {}, {}, {});
-        instance->SendGaReport(text("open"), QString(), false);
-        instance->SendXdReport(text("crash"), text("end"));
+        instance->SendGaReport(utf8("open"), QString(), false);
+        instance->SendXdReport(utf8("crash"), utf8("end"));
         QTRY_COMPARE(silent.requests().size(), 2);
         CGaReportManager::ReleaseReport();
         QCOMPARE(runningEvents(), 1); // nothing ends before the event loop runs
@@ -461,12 +457,12 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(runningEvents() + runningRecords(), 0, 5000);
 
         QCOMPARE(CGaReportManager::s_instance, instance);
-        QVERIFY(!instance->GetGaData(text("open")).isEmpty());
+        QVERIFY(!instance->GetGaData(utf8("open")).isEmpty());
         m_collectors->leadTo(m_collectors->ga().url());
-        instance->SendGaReport(text("open"), QString(), false);
+        instance->SendGaReport(utf8("open"), QString(), false);
         QTRY_COMPARE(runningEvents(), 0);
-        QCOMPARE(received(), QStringList {text("open_file/file/pdf")});
-        instance->SendXdReport(text("crash"), text("end"));
+        QCOMPARE(received(), QStringList {utf8("open_file/file/pdf")});
+        instance->SendXdReport(utf8("crash"), utf8("end"));
         QTRY_COMPARE(silent.requests().size(), 3);
     }
 
@@ -475,10 +471,10 @@ private Q_SLOTS:
         QStringList stopped;
         const QObject listener;
         Fields &fields = fieldsOf(manager());
-        connect(&fields.ga, &CGaReport::SignalStopRequest, &listener, [&] { stopped << text("ga"); });
-        connect(&fields.xd, &CXdReport::SignalStopRequest, &listener, [&] { stopped << text("xd"); });
+        connect(&fields.ga, &CGaReport::SignalStopRequest, &listener, [&] { stopped << utf8("ga"); });
+        connect(&fields.xd, &CXdReport::SignalStopRequest, &listener, [&] { stopped << utf8("xd"); });
         CGaReportManager::ReleaseReport();
-        QCOMPARE(stopped, QStringList({text("ga"), text("xd")}));
+        QCOMPARE(stopped, QStringList({utf8("ga"), utf8("xd")}));
     }
 
     void stopsWithNothingRunningDoNothing()
@@ -486,7 +482,7 @@ private Q_SLOTS:
         manager()->StopGaReport();
         manager()->StopXdReport();
         loadTwoEvents();
-        manager()->SendGaReport(text("open"), QString(), false);
+        manager()->SendGaReport(utf8("open"), QString(), false);
         QTRY_COMPARE(runningEvents(), 0);
         QCOMPARE(received().size(), 1);
     }

@@ -4,6 +4,7 @@
 
 #include "HostProcess.h"
 #include "ProcessFigures.h"
+#include "Utf8.h"
 
 #include <ZyBase/analytics/CXdReport.h>
 #include <ZyBase/analytics/SigningSecret.h>
@@ -26,11 +27,6 @@ namespace {
 
 using Reporter = WatchedReporter<CXdReport>;
 
-QString text(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
-
 } // namespace
 
 class TestXdReport : public QObject
@@ -40,17 +36,17 @@ class TestXdReport : public QObject
 private:
     void start(CXdReport &reporter, const QUrl &url)
     {
-        reporter.InitData(url.toString(), text("device"), text("reader"), text("1.2.3"), text("store"));
-        reporter.ReportXdData(text("update"), text("end"));
+        reporter.InitData(url.toString(), utf8("device"), utf8("reader"), utf8("1.2.3"), utf8("store"));
+        reporter.ReportXdData(utf8("update"), utf8("end"));
     }
 
     // Sends one record and waits until it is over.
-    StatisticsBackend::Record send(const QString &action = text("update"),
-                                   const QString &status = text("end"), const QString &qd = text("store"))
+    StatisticsBackend::Record send(const QString &action = utf8("update"),
+                                   const QString &status = utf8("end"), const QString &qd = utf8("store"))
     {
         const int before = m_backend->records().size();
         Reporter reporter;
-        reporter.InitData(m_backend->url().toString(), text("device"), text("reader"), text("1.2.3"), qd);
+        reporter.InitData(m_backend->url().toString(), utf8("device"), utf8("reader"), utf8("1.2.3"), qd);
         reporter.ReportXdData(action, status);
         return reporter.waitForAll() ? m_backend->records().value(before) : StatisticsBackend::Record();
     }
@@ -82,7 +78,7 @@ private Q_SLOTS:
         start(reporter, other.url());
         QTRY_COMPARE(reporter.running(), 0);
         QCOMPARE(other.records().size(), 1);
-        QCOMPARE(other.records().first().problems, QStringList {text("sign")});
+        QCOMPARE(other.records().first().problems, QStringList {utf8("sign")});
     }
 
     void bodyIsCompactToTheByte()
@@ -90,7 +86,7 @@ private Q_SLOTS:
         const QByteArray body = send().request.body;
         const QRegularExpression day(QStringLiteral("\"day\":\"[^\"]*\""));
         QCOMPARE(QString::fromUtf8(body).replace(day, QStringLiteral("\"day\":\"D\"")),
-                 text("{\"action\":\"update\",\"day\":\"D\",\"device_id\":\"device\",\"os\":\"linux\","
+                 utf8("{\"action\":\"update\",\"day\":\"D\",\"device_id\":\"device\",\"os\":\"linux\","
                       "\"product\":\"reader\",\"qd\":\"store\",\"status\":\"end\",\"version\":\"1.2.3\"}"));
     }
 
@@ -127,14 +123,14 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("json");
         QTest::newRow("empty") << QStringLiteral("") << QByteArray("\"\"");
         QTest::newRow("null") << QString() << QByteArray("\"\"");
-        QTest::newRow("quotes") << text("say \"hi\"") << QByteArray("\"say \\\"hi\\\"\"");
-        QTest::newRow("line feed") << text("a\nb") << QByteArray("\"a\\nb\"");
-        QTest::newRow("backslash") << text("a\\b") << QByteArray("\"a\\\\b\"");
-        QTest::newRow("letters") << text("Größe 文件") << QByteArray("\"Größe 文件\"");
-        QTest::newRow("beyond the BMP") << text("😀") << QByteArray("\"😀\"");
+        QTest::newRow("quotes") << utf8("say \"hi\"") << QByteArray("\"say \\\"hi\\\"\"");
+        QTest::newRow("line feed") << utf8("a\nb") << QByteArray("\"a\\nb\"");
+        QTest::newRow("backslash") << utf8("a\\b") << QByteArray("\"a\\\\b\"");
+        QTest::newRow("letters") << utf8("Größe 文件") << QByteArray("\"Größe 文件\"");
+        QTest::newRow("beyond the BMP") << utf8("😀") << QByteArray("\"😀\"");
         QTest::newRow("half a letter") << QString(QChar(0xd83d)) << QByteArray("\"\\ud83d\"");
-        QTest::newRow("ampersand and percent") << text("a&b=%1%20") << QByteArray("\"a&b=%1%20\"");
-        QTest::newRow("any text") << text("no word of ours") << QByteArray("\"no word of ours\"");
+        QTest::newRow("ampersand and percent") << utf8("a&b=%1%20") << QByteArray("\"a&b=%1%20\"");
+        QTest::newRow("any text") << utf8("no word of ours") << QByteArray("\"no word of ours\"");
     }
     void textsAreEscapedBeforeTheyAreSigned()
     {
@@ -181,12 +177,12 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("path");
         QTest::addColumn<QByteArray>("target");
-        QTest::newRow("plain") << text("/echo") << QByteArray("/echo?sign=");
-        QTest::newRow("query") << text("/echo?a=1") << QByteArray("/echo?a=1?sign=");
-        QTest::newRow("empty query") << text("/echo?") << QByteArray("/echo??sign=");
-        QTest::newRow("blank") << text("/echo/a b") << QByteArray("/echo/a%20b?sign=");
-        QTest::newRow("stray percent") << text("/echo/100%") << QByteArray("/echo/100%25?sign=");
-        QTest::newRow("other letters") << text("/echo/文") << QByteArray("/echo/%E6%96%87?sign=");
+        QTest::newRow("plain") << utf8("/echo") << QByteArray("/echo?sign=");
+        QTest::newRow("query") << utf8("/echo?a=1") << QByteArray("/echo?a=1?sign=");
+        QTest::newRow("empty query") << utf8("/echo?") << QByteArray("/echo??sign=");
+        QTest::newRow("blank") << utf8("/echo/a b") << QByteArray("/echo/a%20b?sign=");
+        QTest::newRow("stray percent") << utf8("/echo/100%") << QByteArray("/echo/100%25?sign=");
+        QTest::newRow("other letters") << utf8("/echo/文") << QByteArray("/echo/%E6%96%87?sign=");
     }
     void addressTakesTheQueryAsItIs()
     {
@@ -195,8 +191,8 @@ private Q_SLOTS:
         const HttpServer server;
         Reporter reporter;
         const QString address = server.url(QStringLiteral("/")).toString().chopped(1) + path;
-        reporter.InitData(address, text("d"), text("p"), text("v"), text("q"));
-        reporter.ReportXdData(text("a"), text("s"));
+        reporter.InitData(address, utf8("d"), utf8("p"), utf8("v"), utf8("q"));
+        reporter.ReportXdData(utf8("a"), utf8("s"));
         QTRY_COMPARE(reporter.running(), 0);
         QCOMPARE(server.requests().size(), 1);
         const QByteArray sent = server.requests().first().target;
@@ -235,13 +231,13 @@ private Q_SLOTS:
 
     void emptyQdReplacesTheDefault()
     {
-        QVERIFY(send(text("a"), text("s"), QStringLiteral("")).request.body.contains(",\"qd\":\"\","));
+        QVERIFY(send(utf8("a"), utf8("s"), QStringLiteral("")).request.body.contains(",\"qd\":\"\","));
     }
 
     void recordWithoutAnAddressFailsUnseen()
     {
         Reporter reporter;
-        reporter.ReportXdData(text("a"), text("s"));
+        reporter.ReportXdData(utf8("a"), utf8("s"));
         QCOMPARE(reporter.started(), 1);
         QCOMPARE(reporter.running(), 1);
         QTRY_COMPARE(reporter.running(), 0);
@@ -251,10 +247,10 @@ private Q_SLOTS:
     {
         Reporter reporter;
         const QString url = m_backend->url().toString();
-        reporter.InitData(url, text("d1"), text("p1"), text("v1"), text("q1"));
-        reporter.ReportXdData(text("a"), text("s"));
-        reporter.InitData(url, text("d2"), text("p2"), text("v2"), text("q2"));
-        reporter.ReportXdData(text("a"), text("s"));
+        reporter.InitData(url, utf8("d1"), utf8("p1"), utf8("v1"), utf8("q1"));
+        reporter.ReportXdData(utf8("a"), utf8("s"));
+        reporter.InitData(url, utf8("d2"), utf8("p2"), utf8("v2"), utf8("q2"));
+        reporter.ReportXdData(utf8("a"), utf8("s"));
         QTRY_COMPARE(reporter.running(), 0);
         QList<QByteArray> bodies;
         const QList<StatisticsBackend::Record> records = m_backend->records();
@@ -275,12 +271,12 @@ private Q_SLOTS:
     void equalRecordsOfOneSecondAreBothSent()
     {
         Reporter reporter;
-        reporter.InitData(m_backend->url().toString(), text("d"), text("p"), text("v"), text("q"));
+        reporter.InitData(m_backend->url().toString(), utf8("d"), utf8("p"), utf8("v"), utf8("q"));
         // A second may end between the two, but not each time.
         QList<StatisticsBackend::Record> two;
         for (int attempt = 0; attempt < 5; ++attempt) {
-            reporter.ReportXdData(text("a"), text("s"));
-            reporter.ReportXdData(text("a"), text("s"));
+            reporter.ReportXdData(utf8("a"), utf8("s"));
+            reporter.ReportXdData(utf8("a"), utf8("s"));
             QTRY_COMPARE(reporter.running(), 0);
             two = m_backend->records().mid(2 * attempt);
             QCOMPARE(two.size(), 2);
@@ -422,8 +418,8 @@ private Q_SLOTS:
         const QString *const fields = textFieldsOf(reporter);
         for (int i = 0; i < 4; ++i)
             QVERIFY(isEmptyNotNull(fields[i]));
-        QCOMPARE(fields[4], text("home"));
-        reporter.InitData(text("1"), text("2"), text("3"), text("4"), text("5"));
+        QCOMPARE(fields[4], utf8("home"));
+        reporter.InitData(utf8("1"), utf8("2"), utf8("3"), utf8("4"), utf8("5"));
         for (int i = 0; i < 5; ++i)
             QCOMPARE(fields[i], QString::number(i + 1));
     }

@@ -4,6 +4,7 @@
 
 #include "Files.h"
 #include "MessageCapture.h"
+#include "Utf8.h"
 
 #include <QDir>
 #include <QLocale>
@@ -14,21 +15,12 @@
 
 using ZyBase::CFileUtils;
 
-namespace {
-
-QString text(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
-
-} // namespace
-
 class TestFileNames : public QObject
 {
     Q_OBJECT
 
 private:
-    QString path(const char *name) const { return m_directory->filePath(text(name)); }
+    QString path(const char *name) const { return m_directory->filePath(utf8(name)); }
     void take(const char *name) { QVERIFY(writeFile(path(name), "taken")); }
 
     std::unique_ptr<QTemporaryDir> m_directory;
@@ -41,36 +33,36 @@ private Q_SLOTS:
         QTest::addColumn<QString>("name");
         QTest::addColumn<bool>("valid");
         QTest::newRow("null") << QString() << true;
-        QTest::newRow("empty") << text("") << true;
-        QTest::newRow("blank") << text(" ") << true;
-        QTest::newRow("plain") << text("report.pdf") << true;
-        QTest::newRow("backslash") << text("a\\b") << false;
-        QTest::newRow("slash") << text("a/b") << false;
-        QTest::newRow("colon") << text("a:b") << false;
-        QTest::newRow("asterisk") << text("a*b") << false;
-        QTest::newRow("question mark") << text("a?b") << false;
-        QTest::newRow("double quote") << text("a\"b") << false;
-        QTest::newRow("less-than") << text("a<b") << false;
-        QTest::newRow("greater-than") << text("a>b") << false;
-        QTest::newRow("vertical bar") << text("a|b") << false;
-        QTest::newRow("forbidden at the start") << text("*a") << false;
-        QTest::newRow("forbidden at the end") << text("a*") << false;
-        QTest::newRow("forbidden alone") << text("|") << false;
-        QTest::newRow("forbidden on a later line") << text("a\nb?c") << false;
-        QTest::newRow("all other ASCII marks") << text("!#$%&'()+,-.;=@[]^_`{}~") << true;
-        QTest::newRow("brackets and plus of the pattern") << text("[a]+") << true;
-        QTest::newRow("control characters") << text("a\x01\t\n\x7f") << true;
+        QTest::newRow("empty") << utf8("") << true;
+        QTest::newRow("blank") << utf8(" ") << true;
+        QTest::newRow("plain") << utf8("report.pdf") << true;
+        QTest::newRow("backslash") << utf8("a\\b") << false;
+        QTest::newRow("slash") << utf8("a/b") << false;
+        QTest::newRow("colon") << utf8("a:b") << false;
+        QTest::newRow("asterisk") << utf8("a*b") << false;
+        QTest::newRow("question mark") << utf8("a?b") << false;
+        QTest::newRow("double quote") << utf8("a\"b") << false;
+        QTest::newRow("less-than") << utf8("a<b") << false;
+        QTest::newRow("greater-than") << utf8("a>b") << false;
+        QTest::newRow("vertical bar") << utf8("a|b") << false;
+        QTest::newRow("forbidden at the start") << utf8("*a") << false;
+        QTest::newRow("forbidden at the end") << utf8("a*") << false;
+        QTest::newRow("forbidden alone") << utf8("|") << false;
+        QTest::newRow("forbidden on a later line") << utf8("a\nb?c") << false;
+        QTest::newRow("all other ASCII marks") << utf8("!#$%&'()+,-.;=@[]^_`{}~") << true;
+        QTest::newRow("brackets and plus of the pattern") << utf8("[a]+") << true;
+        QTest::newRow("control characters") << utf8("a\x01\t\n\x7f") << true;
         QTest::newRow("NUL") << QString(QChar(0)) << true;
-        QTest::newRow("forbidden behind NUL") << QString(QChar(0)) + text("*") << false;
-        QTest::newRow("dots") << text("..") << true;
-        QTest::newRow("blank and dot at the end") << text("a. .") << true;
-        QTest::newRow("reserved device name") << text("CON") << true;
+        QTest::newRow("forbidden behind NUL") << QString(QChar(0)) + utf8("*") << false;
+        QTest::newRow("dots") << utf8("..") << true;
+        QTest::newRow("blank and dot at the end") << utf8("a. .") << true;
+        QTest::newRow("reserved device name") << utf8("CON") << true;
         QTest::newRow("very long") << QString(100000, QLatin1Char('a')) << true;
         QTest::newRow("very long with forbidden end")
-            << QString(100000, QLatin1Char('a')) + text("?") << false;
-        QTest::newRow("Chinese") << text("文件名") << true;
-        QTest::newRow("full-width colon and slash") << text("：／＊？") << true;
-        QTest::newRow("emoji") << text("😀") << true;
+            << QString(100000, QLatin1Char('a')) + utf8("?") << false;
+        QTest::newRow("Chinese") << utf8("文件名") << true;
+        QTest::newRow("full-width colon and slash") << utf8("：／＊？") << true;
+        QTest::newRow("emoji") << utf8("😀") << true;
     }
     void nameIsValidWithoutForbiddenCharacters()
     {
@@ -85,36 +77,36 @@ private Q_SLOTS:
         QTest::addColumn<QString>("path");
         QTest::addColumn<bool>("valid");
         QTest::newRow("null") << QString() << false;
-        QTest::newRow("empty") << text("") << false;
-        QTest::newRow("absolute Linux path") << text("/home/user/a.pdf") << false;
-        QTest::newRow("root") << text("/") << false;
-        QTest::newRow("relative") << text("a/b") << false;
-        QTest::newRow("drive path") << text("C:\\Users\\a.pdf") << true;
-        QTest::newRow("drive path with slashes") << text("C:/Users/a.pdf") << true;
-        QTest::newRow("drive alone") << text("C:\\") << true;
-        QTest::newRow("colon alone") << text(":") << false;
-        QTest::newRow("two characters") << text("C:") << false;
-        QTest::newRow("three characters, colon first") << text(":ab") << true;
-        QTest::newRow("three characters, colon second") << text("a:b") << true;
-        QTest::newRow("three characters, colon third") << text("ab:") << true;
-        QTest::newRow("three colons") << text(":::") << true;
-        QTest::newRow("colon first of more") << text(":abc") << true;
-        QTest::newRow("colon third of more") << text("ab:c") << true;
-        QTest::newRow("colon fourth") << text("abc:d") << false;
-        QTest::newRow("colon fourth and last") << text("abc:") << false;
-        QTest::newRow("colon in a Linux path") << text("/home/a:b") << false;
-        QTest::newRow("colon early in a Linux path") << text("/a:b/c") << true;
-        QTest::newRow("second colon") << text("C:\\a:b") << false;
-        QTest::newRow("asterisk") << text("C:\\a*b") << false;
-        QTest::newRow("question mark") << text("C:\\a?b") << false;
-        QTest::newRow("double quote") << text("C:\\a\"b") << false;
-        QTest::newRow("less-than") << text("C:\\a<b") << false;
-        QTest::newRow("greater-than") << text("C:\\a>b") << false;
-        QTest::newRow("vertical bar") << text("C:\\a|b") << false;
-        QTest::newRow("forbidden directly behind") << text("C:\\*") << false;
-        QTest::newRow("forbidden in the exempt part") << text("*:?a") << true;
-        QTest::newRow("backslashes and slashes") << text("C:\\a/b\\\\c//d") << true;
-        QTest::newRow("Chinese") << text("D:\\文件\\报告.pdf") << true;
+        QTest::newRow("empty") << utf8("") << false;
+        QTest::newRow("absolute Linux path") << utf8("/home/user/a.pdf") << false;
+        QTest::newRow("root") << utf8("/") << false;
+        QTest::newRow("relative") << utf8("a/b") << false;
+        QTest::newRow("drive path") << utf8("C:\\Users\\a.pdf") << true;
+        QTest::newRow("drive path with slashes") << utf8("C:/Users/a.pdf") << true;
+        QTest::newRow("drive alone") << utf8("C:\\") << true;
+        QTest::newRow("colon alone") << utf8(":") << false;
+        QTest::newRow("two characters") << utf8("C:") << false;
+        QTest::newRow("three characters, colon first") << utf8(":ab") << true;
+        QTest::newRow("three characters, colon second") << utf8("a:b") << true;
+        QTest::newRow("three characters, colon third") << utf8("ab:") << true;
+        QTest::newRow("three colons") << utf8(":::") << true;
+        QTest::newRow("colon first of more") << utf8(":abc") << true;
+        QTest::newRow("colon third of more") << utf8("ab:c") << true;
+        QTest::newRow("colon fourth") << utf8("abc:d") << false;
+        QTest::newRow("colon fourth and last") << utf8("abc:") << false;
+        QTest::newRow("colon in a Linux path") << utf8("/home/a:b") << false;
+        QTest::newRow("colon early in a Linux path") << utf8("/a:b/c") << true;
+        QTest::newRow("second colon") << utf8("C:\\a:b") << false;
+        QTest::newRow("asterisk") << utf8("C:\\a*b") << false;
+        QTest::newRow("question mark") << utf8("C:\\a?b") << false;
+        QTest::newRow("double quote") << utf8("C:\\a\"b") << false;
+        QTest::newRow("less-than") << utf8("C:\\a<b") << false;
+        QTest::newRow("greater-than") << utf8("C:\\a>b") << false;
+        QTest::newRow("vertical bar") << utf8("C:\\a|b") << false;
+        QTest::newRow("forbidden directly behind") << utf8("C:\\*") << false;
+        QTest::newRow("forbidden in the exempt part") << utf8("*:?a") << true;
+        QTest::newRow("backslashes and slashes") << utf8("C:\\a/b\\\\c//d") << true;
+        QTest::newRow("Chinese") << utf8("D:\\文件\\报告.pdf") << true;
     }
     void pathIsValidWithAColonAmongItsFirstThreeCharacters()
     {
@@ -128,8 +120,8 @@ private Q_SLOTS:
     {
         // PCRE refuses text that is no UTF-16, and a refused match is no match.
         const QString half = QString(QChar(0xd800));
-        QVERIFY(CFileUtils::CheckFileNameValid(half + text("*")));
-        QVERIFY(CFileUtils::CheckFilePathValid(text("C:\\") + half + text("*")));
+        QVERIFY(CFileUtils::CheckFileNameValid(half + utf8("*")));
+        QVERIFY(CFileUtils::CheckFilePathValid(utf8("C:\\") + half + utf8("*")));
     }
 
     void sizeIsGivenInItsUnit_data()
@@ -137,7 +129,7 @@ private Q_SLOTS:
         QTest::addColumn<qlonglong>("size");
         QTest::addColumn<QString>("expected");
         const auto row = [](qlonglong size, const char *expected) {
-            QTest::newRow(qPrintable(QString::number(size))) << size << text(expected);
+            QTest::newRow(qPrintable(QString::number(size))) << size << utf8(expected);
         };
         row(0, "0.00 B");
         row(1, "1.00 B");
@@ -177,8 +169,8 @@ private Q_SLOTS:
         QLocale::setDefault(QLocale(QLocale::Arabic, QLocale::Egypt));
         const QString arabic = CFileUtils::FormatFileSize(1536);
         QLocale::setDefault(previous);
-        QCOMPARE(german, text("1.50 GB"));
-        QCOMPARE(arabic, text("1.50 KB"));
+        QCOMPARE(german, utf8("1.50 GB"));
+        QCOMPARE(arabic, utf8("1.50 KB"));
     }
 
     void freeNameIsThePathPutTogetherAgain_data()
@@ -187,8 +179,8 @@ private Q_SLOTS:
         QTest::addColumn<QString>("extension");
         QTest::addColumn<QString>("expected");
         const auto row = [](const char *wish, const char *extension, const char *expected) {
-            QTest::newRow(qPrintable(text(wish) + text(" + ") + text(extension)))
-                << text(wish) << text(extension) << text(expected);
+            QTest::newRow(qPrintable(utf8(wish) + utf8(" + ") + utf8(extension)))
+                << utf8(wish) << utf8(extension) << utf8(expected);
         };
         row("/nowhere/a.pdf", "", "/nowhere/a.pdf");
         row("/nowhere/a.pdf", "txt", "/nowhere/a.txt");
@@ -232,33 +224,33 @@ private Q_SLOTS:
         QTest::addColumn<QString>("wish");
         QTest::addColumn<QString>("extension");
         QTest::addColumn<QString>("expected");
-        QStringList many {text("a.pdf")};
+        QStringList many {utf8("a.pdf")};
         for (int i = 1; i <= 11; ++i)
-            many << text("a(%1).pdf").arg(i);
-        QTest::newRow("first") << QStringList {text("a.pdf")} << text("a.pdf") << "" << text("a(1).pdf");
-        QTest::newRow("second") << QStringList {text("a.pdf"), text("a(1).pdf")} << text("a.pdf") << ""
-                                << text("a(2).pdf");
-        QTest::newRow("twelfth") << many << text("a.pdf") << "" << text("a(12).pdf");
-        QTest::newRow("gap") << QStringList {text("a.pdf"), text("a(2).pdf")} << text("a.pdf") << ""
-                             << text("a(1).pdf");
+            many << utf8("a(%1).pdf").arg(i);
+        QTest::newRow("first") << QStringList {utf8("a.pdf")} << utf8("a.pdf") << "" << utf8("a(1).pdf");
+        QTest::newRow("second") << QStringList {utf8("a.pdf"), utf8("a(1).pdf")} << utf8("a.pdf") << ""
+                                << utf8("a(2).pdf");
+        QTest::newRow("twelfth") << many << utf8("a.pdf") << "" << utf8("a(12).pdf");
+        QTest::newRow("gap") << QStringList {utf8("a.pdf"), utf8("a(2).pdf")} << utf8("a.pdf") << ""
+                             << utf8("a(1).pdf");
         QTest::newRow("counter free, name free")
-            << QStringList {text("a(1).pdf")} << text("a.pdf") << "" << text("a.pdf");
+            << QStringList {utf8("a(1).pdf")} << utf8("a.pdf") << "" << utf8("a.pdf");
         QTest::newRow("two suffixes")
-            << QStringList {text("a.tar.gz")} << text("a.tar.gz") << "" << text("a.tar(1).gz");
-        QTest::newRow("no suffix") << QStringList {text("a.")} << text("a") << "" << text("a(1).");
+            << QStringList {utf8("a.tar.gz")} << utf8("a.tar.gz") << "" << utf8("a.tar(1).gz");
+        QTest::newRow("no suffix") << QStringList {utf8("a.")} << utf8("a") << "" << utf8("a(1).");
         QTest::newRow("no suffix, name taken without dot")
-            << QStringList {text("a")} << text("a") << "" << text("a.");
-        QTest::newRow("hidden") << QStringList {text(".hidden")} << text(".hidden") << ""
-                                << text("(1).hidden");
+            << QStringList {utf8("a")} << utf8("a") << "" << utf8("a.");
+        QTest::newRow("hidden") << QStringList {utf8(".hidden")} << utf8(".hidden") << ""
+                                << utf8("(1).hidden");
         QTest::newRow("with extension")
-            << QStringList {text("a.pdf"), text("a.txt")} << text("a.pdf") << "txt" << text("a(1).txt");
+            << QStringList {utf8("a.pdf"), utf8("a.txt")} << utf8("a.pdf") << "txt" << utf8("a(1).txt");
         QTest::newRow("other extension taken")
-            << QStringList {text("a.pdf")} << text("a.pdf") << "txt" << text("a.txt");
+            << QStringList {utf8("a.pdf")} << utf8("a.pdf") << "txt" << utf8("a.txt");
         QTest::newRow("counter in the wish")
-            << QStringList {text("a(1).pdf")} << text("a(1).pdf") << "" << text("a(1)(1).pdf");
+            << QStringList {utf8("a(1).pdf")} << utf8("a(1).pdf") << "" << utf8("a(1)(1).pdf");
         QTest::newRow("place markers in the name")
-            << QStringList {text("%1%2%3%4.pdf")} << text("%1%2%3%4.pdf") << "" << text("%1%2%3%4(1).pdf");
-        QTest::newRow("other case") << QStringList {text("A.pdf")} << text("a.pdf") << "" << text("a.pdf");
+            << QStringList {utf8("%1%2%3%4.pdf")} << utf8("%1%2%3%4.pdf") << "" << utf8("%1%2%3%4(1).pdf");
+        QTest::newRow("other case") << QStringList {utf8("A.pdf")} << utf8("a.pdf") << "" << utf8("a.pdf");
     }
     void takenNameGetsACounter()
     {
@@ -275,13 +267,13 @@ private Q_SLOTS:
 
     void directoryTakesANameToo()
     {
-        QVERIFY(QDir(m_directory->path()).mkdir(text("a.pdf")));
+        QVERIFY(QDir(m_directory->path()).mkdir(utf8("a.pdf")));
         QCOMPARE(CFileUtils::getUniqueFileName(path("a.pdf"), QString()), path("a(1).pdf"));
     }
 
     void pathOfADirectoryWithASlashNamesAFileInIt()
     {
-        QCOMPARE(CFileUtils::getUniqueFileName(m_directory->path() + text("/"), QString()), path("(1)."));
+        QCOMPARE(CFileUtils::getUniqueFileName(m_directory->path() + utf8("/"), QString()), path("(1)."));
     }
 
     void linkToNothingTakesNoName()
@@ -297,9 +289,9 @@ private Q_SLOTS:
         take("a.pdf");
         const QString previous = QDir::currentPath();
         QVERIFY(QDir::setCurrent(m_directory->path()));
-        const QString found = CFileUtils::getUniqueFileName(text("a.pdf"), QString());
+        const QString found = CFileUtils::getUniqueFileName(utf8("a.pdf"), QString());
         QVERIFY(QDir::setCurrent(previous));
-        QCOMPARE(found, text("./a(1).pdf"));
+        QCOMPARE(found, utf8("./a(1).pdf"));
     }
 
     void nothingIsCreatedAndNothingSaid()
@@ -307,8 +299,8 @@ private Q_SLOTS:
         const MessageCapture messages;
         CFileUtils::getUniqueFileName(path("a.pdf"), QString());
         CFileUtils::getUniqueFileName(QString(), QString());
-        CFileUtils::CheckFileNameValid(text("*"));
-        CFileUtils::CheckFilePathValid(text("C:\\*"));
+        CFileUtils::CheckFileNameValid(utf8("*"));
+        CFileUtils::CheckFilePathValid(utf8("C:\\*"));
         CFileUtils::FormatFileSize(-1);
         QVERIFY(QDir(m_directory->path()).isEmpty());
         QCOMPARE(messages.messages().size(), 0);

@@ -6,6 +6,7 @@
 #include "HostProcess.h"
 #include "MessageCapture.h"
 #include "OrdinaryUser.h"
+#include "Utf8.h"
 
 #include <QDir>
 #include <QStorageInfo>
@@ -21,11 +22,6 @@
 using ZyBase::CFileUtils;
 
 namespace {
-
-QString text(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 uint modeOf(const QString &path)
 {
@@ -56,7 +52,7 @@ public:
         const ssize_t length = read(m_descriptor, buffer, sizeof buffer);
         for (ssize_t offset = 0; offset < length;) {
             const auto *event = reinterpret_cast<const inotify_event *>(buffer + offset);
-            found << ((event->mask & IN_CREATE) != 0 ? text("+") : text("-"))
+            found << ((event->mask & IN_CREATE) != 0 ? utf8("+") : utf8("-"))
                          + QFile::decodeName(event->name);
             offset += ssize_t(sizeof(inotify_event) + event->len);
         }
@@ -76,7 +72,7 @@ class TestFilePrimitives : public QObject
     Q_OBJECT
 
 private:
-    QString path(const char *name) const { return m_directory->filePath(text(name)); }
+    QString path(const char *name) const { return m_directory->filePath(utf8(name)); }
     QStringList entries() const
     {
         return QDir(m_directory->path())
@@ -113,17 +109,17 @@ private Q_SLOTS:
     {
         QTest::addColumn<QByteArray>("content");
         QTest::addColumn<QString>("expected");
-        QTest::newRow("plain") << QByteArray("hello") << text("hello");
-        QTest::newRow("UTF-8") << QByteArray("Größe 文件 😀") << text("Größe 文件 😀");
-        QTest::newRow("line endings") << QByteArray("a\r\nb\nc\r\n") << text("a\r\nb\nc\r\n");
-        QTest::newRow("NUL between letters") << QByteArray("ab\0cd", 5) << text("ab");
-        QTest::newRow("NUL first") << QByteArray("\0abc", 4) << text("");
-        QTest::newRow("NUL last") << QByteArray("abc\0", 4) << text("abc");
-        QTest::newRow("invalid UTF-8") << QByteArray("a\xff\xfe z") << text("a\ufffd\ufffd z");
-        QTest::newRow("cut in a character") << QByteArray("a\xe6\x96") << text("a\ufffd\ufffd");
+        QTest::newRow("plain") << QByteArray("hello") << utf8("hello");
+        QTest::newRow("UTF-8") << QByteArray("Größe 文件 😀") << utf8("Größe 文件 😀");
+        QTest::newRow("line endings") << QByteArray("a\r\nb\nc\r\n") << utf8("a\r\nb\nc\r\n");
+        QTest::newRow("NUL between letters") << QByteArray("ab\0cd", 5) << utf8("ab");
+        QTest::newRow("NUL first") << QByteArray("\0abc", 4) << utf8("");
+        QTest::newRow("NUL last") << QByteArray("abc\0", 4) << utf8("abc");
+        QTest::newRow("invalid UTF-8") << QByteArray("a\xff\xfe z") << utf8("a\ufffd\ufffd z");
+        QTest::newRow("cut in a character") << QByteArray("a\xe6\x96") << utf8("a\ufffd\ufffd");
         QTest::newRow("byte order mark") << QByteArray("\xef\xbb\xbf"
                                                        "abc")
-                                         << text("abc");
+                                         << utf8("abc");
         QTest::newRow("large") << QByteArray(1000000, 'x') << QString(1000000, QLatin1Char('x'));
     }
     void textIsReadUpToTheFirstNul()
@@ -167,12 +163,12 @@ private Q_SLOTS:
     void textWrittenIsReadBack_data()
     {
         QTest::addColumn<QString>("data");
-        QTest::newRow("plain") << text("hello");
-        QTest::newRow("UTF-8") << text("Größe 文件 😀");
-        QTest::newRow("line endings") << text("a\r\nb\nc\rd\n");
-        QTest::newRow("empty") << text("");
+        QTest::newRow("plain") << utf8("hello");
+        QTest::newRow("UTF-8") << utf8("Größe 文件 😀");
+        QTest::newRow("line endings") << utf8("a\r\nb\nc\rd\n");
+        QTest::newRow("empty") << utf8("");
         QTest::newRow("null") << QString();
-        QTest::newRow("control characters") << text("\x01\x02\x1b\x7f\u0080\ufffe");
+        QTest::newRow("control characters") << utf8("\x01\x02\x1b\x7f\u0080\ufffe");
         QTest::newRow("large") << QString(1000000, QChar(0x6587));
     }
     void textWrittenIsReadBack()
@@ -187,24 +183,24 @@ private Q_SLOTS:
     void textThatUtf8DoesNotBringBack()
     {
         // Qt takes U+FEFF at the start for a byte order mark and has no bytes for half a character.
-        CFileUtils::WriteFileData(path("file"), QChar(0xfeff) + text("abc"));
+        CFileUtils::WriteFileData(path("file"), QChar(0xfeff) + utf8("abc"));
         QCOMPARE(readFile(path("file")), QByteArray("\xef\xbb\xbf"
                                                     "abc"));
-        QCOMPARE(CFileUtils::ReadFileData(path("file")), text("abc"));
+        QCOMPARE(CFileUtils::ReadFileData(path("file")), utf8("abc"));
         CFileUtils::WriteFileData(path("file"), QString(QChar(0xd800)));
-        QCOMPARE(CFileUtils::ReadFileData(path("file")), text("?"));
+        QCOMPARE(CFileUtils::ReadFileData(path("file")), utf8("?"));
     }
 
     void textWithNulIsWrittenWhole()
     {
-        CFileUtils::WriteFileData(path("file"), text("ab") + QChar(0) + text("cd"));
+        CFileUtils::WriteFileData(path("file"), utf8("ab") + QChar(0) + utf8("cd"));
         QCOMPARE(readFile(path("file")), QByteArray("ab\0cd", 5));
     }
 
     void writingLeavesNothingOfALongerFile()
     {
         QVERIFY(writeFile(path("file"), QByteArray(100000, 'x')));
-        CFileUtils::WriteFileData(path("file"), text("short"));
+        CFileUtils::WriteFileData(path("file"), utf8("short"));
         QCOMPARE(readFile(path("file")), QByteArray("short"));
     }
 
@@ -215,10 +211,10 @@ private Q_SLOTS:
         QCOMPARE(
             link(QFile::encodeName(path("file")).constData(), QFile::encodeName(path("second")).constData()),
             0);
-        CFileUtils::WriteFileData(path("file"), text("new"));
+        CFileUtils::WriteFileData(path("file"), utf8("new"));
         QCOMPARE(readFile(path("second")), QByteArray("new"));
         QCOMPARE(modeOf(path("file")), 0640U);
-        QCOMPARE(entries(), QStringList({text("file"), text("second")}));
+        QCOMPARE(entries(), QStringList({utf8("file"), utf8("second")}));
     }
 
     void writingWhereNoFileCanBeOpenedDoesNothing_data()
@@ -234,27 +230,27 @@ private Q_SLOTS:
         QFETCH(QString, name);
         if (!becomeOrdinary())
             QSKIP("root passes every permission check");
-        QVERIFY(QDir(m_directory->path()).mkdir(text("folder")));
+        QVERIFY(QDir(m_directory->path()).mkdir(utf8("folder")));
         QVERIFY(writeFile(path("locked"), "kept"));
         QVERIFY(setMode(path("locked"), 0444));
-        CFileUtils::WriteFileData(m_directory->filePath(name), text("new"));
-        QCOMPARE(entries(), QStringList({text("folder"), text("locked")}));
+        CFileUtils::WriteFileData(m_directory->filePath(name), utf8("new"));
+        QCOMPARE(entries(), QStringList({utf8("folder"), utf8("locked")}));
         QCOMPARE(readFile(path("locked")), QByteArray("kept"));
         QCOMPARE(m_messages->messages().size(), 0);
     }
 
     void emptyPathIsAFileThatCannotBeOpened()
     {
-        CFileUtils::WriteFileData(QString(), text("new"));
+        CFileUtils::WriteFileData(QString(), utf8("new"));
         QVERIFY(!CFileUtils::ReadFileData(QString()).isNull());
         // Qt's own word on it, once for each.
         for (const MessageCapture::Message &message : m_messages->messages())
-            QVERIFY(message.text.startsWith(text("QFSFileEngine::open")));
+            QVERIFY(message.text.startsWith(utf8("QFSFileEngine::open")));
     }
 
     void writingOnAFullDiskReturns()
     {
-        CFileUtils::WriteFileData(text("/dev/full"), text("data"));
+        CFileUtils::WriteFileData(utf8("/dev/full"), utf8("data"));
         QCOMPARE(m_messages->messages().size(), 0);
     }
 
@@ -319,7 +315,7 @@ private Q_SLOTS:
         QVERIFY(writeFile(path("file"), QByteArray()));
         if (!QFile::resize(path("file"), 5LL << 30))
             QSKIP("no file of this size can be made here");
-        QCOMPARE(CFileUtils::GetFileSize(path("file")), text("5.00 GB"));
+        QCOMPARE(CFileUtils::GetFileSize(path("file")), utf8("5.00 GB"));
     }
 
     void sizeOfNothingIsEmptyAndNotNull()
@@ -335,7 +331,7 @@ private Q_SLOTS:
     {
         QVERIFY(writeFile(path("file"), QByteArray(1536, 'x')));
         QVERIFY(QFile::link(path("file"), path("link")));
-        QCOMPARE(CFileUtils::GetFileSize(path("link")), text("1.50 KB"));
+        QCOMPARE(CFileUtils::GetFileSize(path("link")), utf8("1.50 KB"));
         QCOMPARE(CFileUtils::GetFileSize(m_directory->path()),
                  CFileUtils::FormatFileSize(QFileInfo(m_directory->path()).size()));
     }
@@ -401,7 +397,7 @@ private Q_SLOTS:
         QVERIFY(writeFile(path("target"), "old"));
         QVERIFY(!CFileUtils::CopyFileHandle(path("missing"), path("target"), false));
         QVERIFY(!CFileUtils::CopyFileHandle(path("missing"), path("other"), false));
-        QCOMPARE(entries(), QStringList {text("target")});
+        QCOMPARE(entries(), QStringList {utf8("target")});
     }
 
     void copyOnItselfWithTheFlagLosesTheFile()
@@ -424,12 +420,12 @@ private Q_SLOTS:
     void copyOntoADirectoryOrOfOneFails()
     {
         QVERIFY(writeFile(path("source"), "new"));
-        QVERIFY(QDir(m_directory->path()).mkdir(text("folder")));
+        QVERIFY(QDir(m_directory->path()).mkdir(utf8("folder")));
         QVERIFY(!CFileUtils::CopyFileHandle(path("source"), path("folder"), true));
         QVERIFY(QFileInfo(path("folder")).isDir());
         QVERIFY(!CFileUtils::CopyFileHandle(path("folder"), path("copy"), true));
         QVERIFY(!CFileUtils::CopyFileHandle(path("source"), path("missing/copy"), true));
-        QCOMPARE(entries(), QStringList({text("folder"), text("source")}));
+        QCOMPARE(entries(), QStringList({utf8("folder"), utf8("source")}));
     }
 
     void copyAfterARemovalThatFailedFails()
@@ -437,7 +433,7 @@ private Q_SLOTS:
         if (!becomeOrdinary())
             QSKIP("root passes every permission check");
         QVERIFY(writeFile(path("source"), "new"));
-        QVERIFY(QDir(m_directory->path()).mkdir(text("folder")));
+        QVERIFY(QDir(m_directory->path()).mkdir(utf8("folder")));
         QVERIFY(writeFile(path("folder/target"), "old"));
         QVERIFY(setMode(path("folder"), 0555));
         QVERIFY(!CFileUtils::CopyFileHandle(path("source"), path("folder/target"), true));
@@ -489,7 +485,7 @@ private Q_SLOTS:
         QCOMPARE(entries(), QStringList());
         const OrdinaryUser user;
         if (user.isOrdinary())
-            CFileUtils::SetFileWritable(text("/proc/version"), true);
+            CFileUtils::SetFileWritable(utf8("/proc/version"), true);
         QCOMPARE(m_messages->messages().size(), 0);
     }
 
@@ -517,12 +513,12 @@ private Q_SLOTS:
         QVERIFY(!CFileUtils::SetFileExecutable(QString()));
         if (!becomeOrdinary())
             QSKIP("root passes every permission check");
-        QVERIFY(!CFileUtils::SetFileExecutable(text("/proc/version")));
+        QVERIFY(!CFileUtils::SetFileExecutable(utf8("/proc/version")));
     }
 
     void sameFileIsTheSameCanonicalPath()
     {
-        QVERIFY(QDir(m_directory->path()).mkdir(text("folder")));
+        QVERIFY(QDir(m_directory->path()).mkdir(utf8("folder")));
         QVERIFY(writeFile(path("file"), "same"));
         QVERIFY(writeFile(path("copy"), "same"));
         QVERIFY(writeFile(path("FILE"), "same"));
@@ -575,7 +571,7 @@ private Q_SLOTS:
     {
         const QString previous = QDir::currentPath();
         QVERIFY(QDir::setCurrent(m_directory->path()));
-        const bool made = CFileUtils::MakeDirPath(text("a/b"));
+        const bool made = CFileUtils::MakeDirPath(utf8("a/b"));
         QVERIFY(QDir::setCurrent(previous));
         QVERIFY(made);
         QVERIFY(QFileInfo(path("a/b")).isDir());
@@ -584,10 +580,10 @@ private Q_SLOTS:
     void directoryWithoutANameIsRefused()
     {
         QVERIFY(!CFileUtils::MakeDirPath(QString()));
-        QVERIFY(!CFileUtils::MakeDirPath(text("")));
+        QVERIFY(!CFileUtils::MakeDirPath(utf8("")));
         // All of it Qt's own; the library has no word on it.
         for (const MessageCapture::Message &message : m_messages->messages())
-            QVERIFY(message.text.startsWith(text("QDir::")));
+            QVERIFY(message.text.startsWith(utf8("QDir::")));
     }
 
     void directoryThatMayNotBeMadeIsFalse()
@@ -601,19 +597,19 @@ private Q_SLOTS:
 
     void directoryIsRemovedWithAllItHolds()
     {
-        QVERIFY(QDir(m_directory->path()).mkpath(text("a/b/c")));
+        QVERIFY(QDir(m_directory->path()).mkpath(utf8("a/b/c")));
         QVERIFY(writeFile(path("a/b/.hidden"), "gone"));
         QVERIFY(writeFile(path("outside"), "kept"));
         QVERIFY(QFile::link(path("outside"), path("a/link")));
         QVERIFY(CFileUtils::DeleteDirPath(path("a")));
-        QCOMPARE(entries(), QStringList {text("outside")});
+        QCOMPARE(entries(), QStringList {utf8("outside")});
         QCOMPARE(m_messages->messages().size(), 0);
     }
 
     void linkToADirectoryInsideIsNotFollowed()
     {
-        QVERIFY(QDir(m_directory->path()).mkpath(text("a")));
-        QVERIFY(QDir(m_directory->path()).mkpath(text("outside")));
+        QVERIFY(QDir(m_directory->path()).mkpath(utf8("a")));
+        QVERIFY(QDir(m_directory->path()).mkpath(utf8("outside")));
         QVERIFY(writeFile(path("outside/file"), "kept"));
         QVERIFY(QFile::link(path("outside"), path("a/link")));
         QVERIFY(CFileUtils::DeleteDirPath(path("a")));
@@ -622,11 +618,11 @@ private Q_SLOTS:
 
     void linkItselfIsEmptiedAndStays()
     {
-        QVERIFY(QDir(m_directory->path()).mkpath(text("linked")));
+        QVERIFY(QDir(m_directory->path()).mkpath(utf8("linked")));
         QVERIFY(writeFile(path("linked/file"), "gone"));
         QVERIFY(QFile::link(path("linked"), path("link")));
         QVERIFY(!CFileUtils::DeleteDirPath(path("link")));
-        QCOMPARE(entries(), QStringList({text("link"), text("linked")}));
+        QCOMPARE(entries(), QStringList({utf8("link"), utf8("linked")}));
         QVERIFY(QDir(path("linked")).isEmpty());
     }
 
@@ -642,7 +638,7 @@ private Q_SLOTS:
     {
         if (!becomeOrdinary())
             QSKIP("root passes every permission check");
-        QVERIFY(QDir(m_directory->path()).mkpath(text("a/locked")));
+        QVERIFY(QDir(m_directory->path()).mkpath(utf8("a/locked")));
         QVERIFY(writeFile(path("a/locked/file"), "kept"));
         QVERIFY(writeFile(path("a/file"), "gone"));
         QVERIFY(setMode(path("a/locked"), 0555));
@@ -654,11 +650,11 @@ private Q_SLOTS:
 
     void emptyPathRemovesTheCurrentDirectory()
     {
-        QVERIFY(QDir(m_directory->path()).mkpath(text("current/below")));
+        QVERIFY(QDir(m_directory->path()).mkpath(utf8("current/below")));
         QVERIFY(writeFile(path("current/file"), "gone"));
         const QString previous = QDir::currentPath();
         QVERIFY(QDir::setCurrent(path("current")));
-        QCOMPARE(QDir::current().dirName(), text("current"));
+        QCOMPARE(QDir::current().dirName(), utf8("current"));
         const bool removed = CFileUtils::DeleteDirPath(QString());
         QVERIFY(QDir::setCurrent(previous));
         QVERIFY(removed);
@@ -713,17 +709,17 @@ private Q_SLOTS:
         // Where the file system makes files without a name, Qt's temporary file never shows.
         const auto isProbe = [](const QStringList &events, const QString &name) {
             return events.isEmpty()
-                   || (events.size() == 2 && events.at(0).startsWith(text("+") + name)
-                       && events.at(1) == text("-") + events.at(0).mid(1));
+                   || (events.size() == 2 && events.at(0).startsWith(utf8("+") + name)
+                       && events.at(1) == utf8("-") + events.at(0).mid(1));
         };
-        QVERIFY(QDir(m_directory->path()).mkdir(text("folder")));
+        QVERIFY(QDir(m_directory->path()).mkdir(utf8("folder")));
         const Watch inside(path("folder"));
         const Watch beside(m_directory->path());
         QVERIFY(CFileUtils::isFolderWritable(path("folder/")));
-        QVERIFY(isProbe(inside.events(), text("\\temp_0.")));
+        QVERIFY(isProbe(inside.events(), utf8("\\temp_0.")));
         QCOMPARE(beside.events(), QStringList());
         QVERIFY(CFileUtils::isFolderWritable(path("folder")));
-        QVERIFY(isProbe(beside.events(), text("folder\\temp_0.")));
+        QVERIFY(isProbe(beside.events(), utf8("folder\\temp_0.")));
         QCOMPARE(inside.events(), QStringList());
         QCOMPARE(m_messages->messages().size(), 0);
     }
@@ -732,7 +728,7 @@ private Q_SLOTS:
     {
         if (!becomeOrdinary())
             QSKIP("root passes every permission check");
-        QVERIFY(QDir(m_directory->path()).mkpath(text("locked/open")));
+        QVERIFY(QDir(m_directory->path()).mkpath(utf8("locked/open")));
         QVERIFY(setMode(path("locked/open"), 0755));
         QVERIFY(setMode(path("locked"), 0555));
         QVERIFY(CFileUtils::isFolderWritable(path("locked")));
@@ -752,10 +748,10 @@ private Q_SLOTS:
 
     void spaceIsThatOfTheRootWhateverIsAskedFor()
     {
-        const qint64 root = CFileUtils::getLeftSpace(text("/"));
+        const qint64 root = CFileUtils::getLeftSpace(utf8("/"));
         QVERIFY(root > 0);
         QCOMPARE(root, QStorageInfo::root().bytesAvailable());
-        for (const QString &path : {QString(), text(""), text("/dev/shm"), text("/missing"), text("/proc")})
+        for (const QString &path : {QString(), utf8(""), utf8("/dev/shm"), utf8("/missing"), utf8("/proc")})
             QCOMPARE(CFileUtils::getLeftSpace(path), root);
     }
 
@@ -767,9 +763,9 @@ private Q_SLOTS:
         sandbox.freshRoot();
         HostProcess host;
         QVERIFY(host.start(sandbox));
-        const auto space = [&host] { return host.call(text("files.leftSpace"), {QString()}).toDouble(); };
+        const auto space = [&host] { return host.call(utf8("files.leftSpace"), {QString()}).toDouble(); };
         const double before = space();
-        host.call(text("files.writeFileData"), {text("/large"), QString(1 << 20, QLatin1Char('x'))});
+        host.call(utf8("files.writeFileData"), {utf8("/large"), QString(1 << 20, QLatin1Char('x'))});
         QCOMPARE(space(), before);
         QVERIFY(before > 0);
     }
@@ -781,7 +777,7 @@ private Q_SLOTS:
         for (int i = 0; i < 8; ++i) {
             threads.emplace_back([this, i, &good] {
                 const QString own = m_directory->filePath(QString::number(i));
-                const QString folder = own + text("-folder/");
+                const QString folder = own + utf8("-folder/");
                 for (int round = 0; round < 20; ++round) {
                     CFileUtils::WriteFileData(own, QString::number(round));
                     good += CFileUtils::ReadFileData(own) == QString::number(round);

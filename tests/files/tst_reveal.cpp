@@ -5,6 +5,7 @@
 #include "Files.h"
 #include "MessageCapture.h"
 #include "RecordedPrograms.h"
+#include "Utf8.h"
 
 #include <QDesktopServices>
 #include <QDir>
@@ -22,11 +23,6 @@ constexpr const char *desktopVariable = "XDG_CURRENT_DESKTOP";
 constexpr int patience = 60000;
 const QStringList fileManagers {QStringLiteral("nautilus"), QStringLiteral("dolphin"),
                                 QStringLiteral("thunar"), QStringLiteral("xdg-open")};
-
-QString text(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 } // namespace
 
@@ -50,7 +46,7 @@ class TestReveal : public QObject
     Q_OBJECT
 
 private:
-    QString path(const char *name) const { return m_directory->filePath(text(name)); }
+    QString path(const char *name) const { return m_directory->filePath(utf8(name)); }
 
     // The one call that comes of showing this path.
     static QStringList shown(const QString &path)
@@ -73,7 +69,7 @@ private Q_SLOTS:
         m_messages = std::make_unique<MessageCapture>();
         m_urls = std::make_unique<UrlHandler>();
         QVERIFY(writeFile(path("file.txt"), "shown"));
-        QVERIFY(QDir(m_directory->path()).mkdir(text("folder")));
+        QVERIFY(QDir(m_directory->path()).mkdir(utf8("folder")));
         qunsetenv(desktopVariable);
     }
     void cleanup()
@@ -87,7 +83,7 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("desktop");
         QTest::addColumn<QString>("program");
         const auto row = [](const char *desktop, const char *program) {
-            QTest::newRow(*desktop == '\0' ? "empty" : desktop) << QByteArray(desktop) << text(program);
+            QTest::newRow(*desktop == '\0' ? "empty" : desktop) << QByteArray(desktop) << utf8(program);
         };
         row("GNOME", "nautilus");
         row("gnome", "nautilus");
@@ -119,9 +115,9 @@ private Q_SLOTS:
         QFETCH(QString, program);
         qputenv(desktopVariable, desktop);
         QStringList expected {program};
-        if (program == text("nautilus") || program == text("dolphin"))
-            expected << text("--select") << path("file.txt");
-        else if (program == text("thunar"))
+        if (program == utf8("nautilus") || program == utf8("dolphin"))
+            expected << utf8("--select") << path("file.txt");
+        else if (program == utf8("thunar"))
             expected << path("file.txt");
         else
             expected << m_directory->path();
@@ -132,7 +128,7 @@ private Q_SLOTS:
 
     void noDesktopOpensTheFolder()
     {
-        QCOMPARE(shown(path("file.txt")), QStringList({text("xdg-open"), m_directory->path()}));
+        QCOMPARE(shown(path("file.txt")), QStringList({utf8("xdg-open"), m_directory->path()}));
     }
 
     void relativePathReachesTheFileManagerAsAnAbsoluteOne()
@@ -141,34 +137,34 @@ private Q_SLOTS:
         QVERIFY(QDir::setCurrent(m_directory->path()));
         const QString here = QDir::currentPath();
         qputenv(desktopVariable, "XFCE");
-        const QStringList thunar = shown(text("file.txt"));
+        const QStringList thunar = shown(utf8("file.txt"));
         qputenv(desktopVariable, "MATE");
-        const QStringList opened = shown(text("file.txt"));
+        const QStringList opened = shown(utf8("file.txt"));
         QVERIFY(QDir::setCurrent(previous));
-        QCOMPARE(thunar, QStringList({text("thunar"), here + text("/file.txt")}));
-        QCOMPARE(opened, QStringList({text("xdg-open"), here}));
+        QCOMPARE(thunar, QStringList({utf8("thunar"), here + utf8("/file.txt")}));
+        QCOMPARE(opened, QStringList({utf8("xdg-open"), here}));
     }
 
     void directoryIsSelectedOrItsParentOpened()
     {
         for (const char *desktop : {"GNOME", "KDE"}) {
             qputenv(desktopVariable, desktop);
-            QCOMPARE(shown(path("folder")).mid(1), QStringList({text("--select"), path("folder")}));
+            QCOMPARE(shown(path("folder")).mid(1), QStringList({utf8("--select"), path("folder")}));
         }
         qputenv(desktopVariable, "UKUI");
-        QCOMPARE(shown(path("folder")), QStringList({text("xdg-open"), m_directory->path()}));
-        QCOMPARE(shown(path("folder/")), QStringList({text("xdg-open"), path("folder")}));
+        QCOMPARE(shown(path("folder")), QStringList({utf8("xdg-open"), m_directory->path()}));
+        QCOMPARE(shown(path("folder/")), QStringList({utf8("xdg-open"), path("folder")}));
     }
 
     void oddNamesArriveAsTheyAre_data()
     {
         QTest::addColumn<QString>("name");
-        QTest::newRow("blanks") << text("a b  c.txt");
-        QTest::newRow("quotes") << text("a'b\"c.txt");
-        QTest::newRow("shell") << text("$(touch x);`y`&|*.txt");
-        QTest::newRow("Chinese") << text("文件.txt");
-        QTest::newRow("option") << text("--quit");
-        QTest::newRow("percent") << text("%u %20.txt");
+        QTest::newRow("blanks") << utf8("a b  c.txt");
+        QTest::newRow("quotes") << utf8("a'b\"c.txt");
+        QTest::newRow("shell") << utf8("$(touch x);`y`&|*.txt");
+        QTest::newRow("Chinese") << utf8("文件.txt");
+        QTest::newRow("option") << utf8("--quit");
+        QTest::newRow("percent") << utf8("%u %20.txt");
     }
     void oddNamesArriveAsTheyAre()
     {
@@ -176,7 +172,7 @@ private Q_SLOTS:
         const QString file = m_directory->filePath(name);
         QVERIFY(writeFile(file, "shown"));
         qputenv(desktopVariable, "KDE");
-        QCOMPARE(shown(file), QStringList({text("dolphin"), text("--select"), file}));
+        QCOMPARE(shown(file), QStringList({utf8("dolphin"), utf8("--select"), file}));
     }
 
     void missingFileIsAWarningAndNothingStarts_data()
@@ -195,8 +191,8 @@ private Q_SLOTS:
         QCOMPARE(m_messages->messages().size(), 1);
         const MessageCapture::Message message = m_messages->messages().first();
         QCOMPARE(message.type, QtWarningMsg);
-        QCOMPARE(message.text, text("File does not exist: \"%1\"").arg(path));
-        QCOMPARE(message.category, text("default"));
+        QCOMPARE(message.text, utf8("File does not exist: \"%1\"").arg(path));
+        QCOMPARE(message.category, utf8("default"));
         QVERIFY(message.file.isNull());
         QVERIFY(message.function.isNull());
         QCOMPARE(message.line, 0);
@@ -214,10 +210,10 @@ private Q_SLOTS:
     {
         QTest::addColumn<QByteArray>("desktop");
         QTest::addColumn<QString>("command");
-        QTest::newRow("GNOME") << QByteArray("GNOME") << text("\"nautilus\" (\"--select\", \"FILE\")");
-        QTest::newRow("KDE") << QByteArray("KDE") << text("\"dolphin\" (\"--select\", \"FILE\")");
-        QTest::newRow("XFCE") << QByteArray("XFCE") << text("\"thunar\" (\"FILE\")");
-        QTest::newRow("UKUI") << QByteArray("UKUI") << text("\"xdg-open\" (\"FOLDER\")");
+        QTest::newRow("GNOME") << QByteArray("GNOME") << utf8("\"nautilus\" (\"--select\", \"FILE\")");
+        QTest::newRow("KDE") << QByteArray("KDE") << utf8("\"dolphin\" (\"--select\", \"FILE\")");
+        QTest::newRow("XFCE") << QByteArray("XFCE") << utf8("\"thunar\" (\"FILE\")");
+        QTest::newRow("UKUI") << QByteArray("UKUI") << utf8("\"xdg-open\" (\"FOLDER\")");
     }
     void fileManagerThatIsNotInstalledIsAWarningAndQtOpensTheFolder()
     {
@@ -226,12 +222,12 @@ private Q_SLOTS:
         qputenv(desktopVariable, desktop);
         const RecordedPrograms none;
         CFileUtils::OpenFolderAndSelectFile(path("file.txt"));
-        command.replace(text("FILE"), path("file.txt")).replace(text("FOLDER"), m_directory->path());
+        command.replace(utf8("FILE"), path("file.txt")).replace(utf8("FOLDER"), m_directory->path());
         QCOMPARE(m_messages->messages().size(), 1);
         const MessageCapture::Message message = m_messages->messages().first();
         QCOMPARE(message.type, QtWarningMsg);
-        QCOMPARE(message.text, text("Failed to execute: ") + command);
-        QCOMPARE(message.category, text("default"));
+        QCOMPARE(message.text, utf8("Failed to execute: ") + command);
+        QCOMPARE(message.category, utf8("default"));
         QVERIFY(message.file.isNull());
         QVERIFY(message.function.isNull());
         QCOMPARE(message.line, 0);
@@ -240,7 +236,7 @@ private Q_SLOTS:
 
     void onlyTheChosenFileManagerIsTried()
     {
-        const RecordedPrograms others({text("dolphin"), text("thunar"), text("xdg-open")});
+        const RecordedPrograms others({utf8("dolphin"), utf8("thunar"), utf8("xdg-open")});
         qputenv(desktopVariable, "GNOME");
         CFileUtils::OpenFolderAndSelectFile(path("file.txt"));
         QCOMPARE(m_messages->messages().size(), 1);
@@ -253,13 +249,13 @@ private Q_SLOTS:
         const RecordedPrograms none;
         CFileUtils::OpenFolderAndSelectFile(path("file.txt"));
         QCOMPARE(m_messages->messages().size(), 2);
-        QVERIFY(m_messages->messages().last().text.startsWith(text("QDesktopServices::openUrl")));
+        QVERIFY(m_messages->messages().last().text.startsWith(utf8("QDesktopServices::openUrl")));
     }
 
     void fileManagerThatFailsIsNotNoticed()
     {
         RecordedPrograms programs;
-        programs.addFailing(text("dolphin"));
+        programs.addFailing(utf8("dolphin"));
         qputenv(desktopVariable, "KDE");
         CFileUtils::OpenFolderAndSelectFile(path("file.txt"));
         QVERIFY(QTest::qWaitFor([&] { return !programs.calls().isEmpty(); }, patience));
@@ -270,7 +266,7 @@ private Q_SLOTS:
     void callReturnsWhileTheFileManagerRuns()
     {
         RecordedPrograms programs;
-        programs.addEndless(text("dolphin"));
+        programs.addEndless(utf8("dolphin"));
         qputenv(desktopVariable, "KDE");
         CFileUtils::OpenFolderAndSelectFile(path("file.txt"));
         QVERIFY(QTest::qWaitFor([&] { return !programs.calls().isEmpty(); }, patience));

@@ -6,6 +6,7 @@
 #include "Files.h"
 #include "MessageCapture.h"
 #include "OrdinaryUser.h"
+#include "Utf8.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -20,11 +21,6 @@
 using ZyBase::ZipManager;
 
 namespace {
-
-QString text(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 QByteArray levelOf(const MessageCapture::Message &message)
 {
@@ -48,10 +44,10 @@ class TestZip : public QObject
     Q_OBJECT
 
 private:
-    QString path(const char *name) const { return m_directory->filePath(text(name)); }
+    QString path(const char *name) const { return m_directory->filePath(utf8(name)); }
     QString archive() const { return path("archive.zip"); }
     QString target() const { return path("target"); }
-    QString extracted(const char *name) const { return target() + QLatin1Char('/') + text(name); }
+    QString extracted(const char *name) const { return target() + QLatin1Char('/') + utf8(name); }
     QByteArray content(const char *name) const { return readFile(extracted(name)); }
 
     bool make(const QList<ArchiveEntry> &entries) const { return makeArchive(archive(), entries); }
@@ -70,8 +66,8 @@ private:
         m_heard += lines.size();
         return lines;
     }
-    static QString done(const QString &file) { return text("debug 解压成功： \"%1\"").arg(file); }
-    static QString skipped(const QString &file) { return text("debug 文件已存在，跳过： \"%1\"").arg(file); }
+    static QString done(const QString &file) { return utf8("debug 解压成功： \"%1\"").arg(file); }
+    static QString skipped(const QString &file) { return utf8("debug 文件已存在，跳过： \"%1\"").arg(file); }
 
     bool becomeOrdinary()
     {
@@ -119,7 +115,7 @@ private Q_SLOTS:
         QVERIFY(!ZipManager::ZipDir(QString(), {}));
         QVERIFY(!ZipManager::UnzipFile(QString(), QString()));
         QCOMPARE(QDir(m_directory->path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
-                 QStringList {text("archive.zip")});
+                 QStringList {utf8("archive.zip")});
         QCOMPARE(said(), QStringList());
     }
 
@@ -139,7 +135,7 @@ private Q_SLOTS:
     void emptyArchivePathIsFalseInSilence()
     {
         QVERIFY(!ZipManager::QuaUnzipFile(QString(), target(), true));
-        QVERIFY(!ZipManager::QuaUnzipFile(text(""), QString(), false));
+        QVERIFY(!ZipManager::QuaUnzipFile(utf8(""), QString(), false));
         QCOMPARE(said(), QStringList());
         QVERIFY(QDir(m_directory->path()).isEmpty());
     }
@@ -148,10 +144,10 @@ private Q_SLOTS:
     {
         for (const QString &directory : {target(), QString()}) {
             QVERIFY(!ZipManager::QuaUnzipFile(archive(), directory, true));
-            QCOMPARE(said(), QStringList {text("critical ZIP 文件不存在： \"%1\"").arg(archive())});
+            QCOMPARE(said(), QStringList {utf8("critical ZIP 文件不存在： \"%1\"").arg(archive())});
             QVERIFY(QDir(m_directory->path()).isEmpty());
         }
-        QVERIFY(!QFile::exists(m_directory->path() + text("archive")));
+        QVERIFY(!QFile::exists(m_directory->path() + utf8("archive")));
     }
 
     void messagesHaveTheDefaultCategoryAndNoPlace()
@@ -161,7 +157,7 @@ private Q_SLOTS:
         ZipManager::QuaUnzipFile(path("missing"), target(), true);
         QCOMPARE(m_messages->messages().size(), 3);
         for (const MessageCapture::Message &message : m_messages->messages()) {
-            QCOMPARE(message.category, text("default"));
+            QCOMPARE(message.category, utf8("default"));
             QVERIFY(message.file.isNull());
             QVERIFY(message.function.isNull());
             QCOMPARE(message.line, 0);
@@ -187,26 +183,26 @@ private Q_SLOTS:
     {
         QFETCH(QString, name);
         QFETCH(QString, directory);
-        QVERIFY(QDir(m_directory->path()).mkdir(text("docs")));
+        QVERIFY(QDir(m_directory->path()).mkdir(utf8("docs")));
         QVERIFY(makeArchive(m_directory->filePath(name), {{"a.txt", "A"}}));
         QVERIFY(ZipManager::QuaUnzipFile(m_directory->filePath(name), QString(), true));
-        QCOMPARE(readFile(m_directory->filePath(directory) + text("/a.txt")), QByteArray("A"));
+        QCOMPARE(readFile(m_directory->filePath(directory) + utf8("/a.txt")), QByteArray("A"));
         QVERIFY(!QFile::exists(path("docs/data/a.txt")));
     }
 
     void relativePathsAreTakenFromTheCurrentDirectory()
     {
-        QVERIFY(QDir(m_directory->path()).mkdir(text("docs")));
+        QVERIFY(QDir(m_directory->path()).mkdir(utf8("docs")));
         QVERIFY(makeArchive(path("docs/data.zip"), {{"a.txt", "A"}}));
         const QString previous = QDir::currentPath();
         QVERIFY(QDir::setCurrent(path("docs")));
-        const bool glued = ZipManager::QuaUnzipFile(text("data.zip"), text(""), true);
-        const bool named = ZipManager::QuaUnzipFile(text("data.zip"), text("here"), true);
+        const bool glued = ZipManager::QuaUnzipFile(utf8("data.zip"), utf8(""), true);
+        const bool named = ZipManager::QuaUnzipFile(utf8("data.zip"), utf8("here"), true);
         QVERIFY(QDir::setCurrent(previous));
         QVERIFY(glued && named);
         QCOMPARE(readFile(path("docsdata/a.txt")), QByteArray("A"));
         QCOMPARE(readFile(path("docs/here/a.txt")), QByteArray("A"));
-        QCOMPARE(said().last(), done(text("here/a.txt")));
+        QCOMPARE(said().last(), done(utf8("here/a.txt")));
     }
 
     void directoryIsMadeWithThoseAboveIt()
@@ -220,9 +216,9 @@ private Q_SLOTS:
     {
         QVERIFY(make({{"a.txt", "A"}}));
         QVERIFY(writeFile(target(), "in the way"));
-        for (const QString &directory : {target(), target() + text("/below")}) {
+        for (const QString &directory : {target(), target() + utf8("/below")}) {
             QVERIFY(!ZipManager::QuaUnzipFile(archive(), directory, true));
-            QCOMPARE(said(), QStringList {text("critical 无法创建目标目录： \"%1\"").arg(directory)});
+            QCOMPARE(said(), QStringList {utf8("critical 无法创建目标目录： \"%1\"").arg(directory)});
         }
         QCOMPARE(readFile(target()), QByteArray("in the way"));
     }
@@ -241,7 +237,7 @@ private Q_SLOTS:
         QFETCH(QByteArray, content);
         QVERIFY(writeFile(archive(), content));
         QVERIFY(!extract());
-        QCOMPARE(said(), QStringList {text("critical 打开 ZIP 文件失败： -1000")});
+        QCOMPARE(said(), QStringList {utf8("critical 打开 ZIP 文件失败： -1000")});
         QVERIFY(QFileInfo(target()).isDir());
         QVERIFY(QDir(target()).isEmpty());
     }
@@ -259,16 +255,16 @@ private Q_SLOTS:
 
     void archiveThatIsADirectoryIsFalse()
     {
-        QVERIFY(QDir(m_directory->path()).mkdir(text("archive.zip")));
+        QVERIFY(QDir(m_directory->path()).mkdir(utf8("archive.zip")));
         QVERIFY(!extract());
-        QVERIFY(said().first().startsWith(text("critical 打开 ZIP 文件失败： ")));
+        QVERIFY(said().first().startsWith(utf8("critical 打开 ZIP 文件失败： ")));
     }
 
     void archiveWithNoEntriesGivesOneWarningAndTrue()
     {
         QVERIFY(writeFile(archive(), "#!/bin/sh\nPK\x05\x06" + QByteArray(18, '\0')));
         QVERIFY(extract());
-        QCOMPARE(said(), QStringList {text("warning 获取文件信息失败： 0")});
+        QCOMPARE(said(), QStringList {utf8("warning 获取文件信息失败： 0")});
         QVERIFY(QDir(target()).isEmpty());
     }
 
@@ -358,8 +354,8 @@ private Q_SLOTS:
         QVERIFY(QDir().mkpath(target()));
         QVERIFY(writeFile(extracted("x"), "in the way"));
         QVERIFY(extract());
-        QCOMPARE(said(), QStringList({text("warning 创建目录失败： \"%1\"").arg(extracted("x/")),
-                                      text("warning 创建父目录失败： \"%1\"").arg(extracted("x")),
+        QCOMPARE(said(), QStringList({utf8("warning 创建目录失败： \"%1\"").arg(extracted("x/")),
+                                      utf8("warning 创建父目录失败： \"%1\"").arg(extracted("x")),
                                       done(extracted("z.txt"))}));
         QCOMPARE(content("x"), QByteArray("in the way"));
     }
@@ -380,7 +376,7 @@ private Q_SLOTS:
         QFile directory(extracted("x"));
         directory.open(QIODevice::WriteOnly | QIODevice::Truncate);
         QVERIFY(extract(true));
-        QCOMPARE(said(), QStringList({text("warning 创建目标文件失败： \"%1\"").arg(directory.errorString()),
+        QCOMPARE(said(), QStringList({utf8("warning 创建目标文件失败： \"%1\"").arg(directory.errorString()),
                                       done(extracted("z.txt"))}));
         QVERIFY(extract(false));
         QCOMPARE(said(), QStringList({skipped(extracted("x")), skipped(extracted("z.txt"))}));
@@ -402,10 +398,10 @@ private Q_SLOTS:
         QCOMPARE(chmod(QFile::encodeName(extracted("locked")).constData(), 0555), 0);
         QVERIFY(extract(true));
         QCOMPARE(chmod(QFile::encodeName(extracted("locked")).constData(), 0755), 0);
-        QCOMPARE(said(), QStringList({text("warning 创建目标文件失败： \"Permission denied\""),
-                                      text("warning 创建目标文件失败： \"Permission denied\""),
-                                      text("warning 创建父目录失败： \"%1\"").arg(extracted("locked/new")),
-                                      text("warning 创建目录失败： \"%1\"").arg(extracted("locked/folder/")),
+        QCOMPARE(said(), QStringList({utf8("warning 创建目标文件失败： \"Permission denied\""),
+                                      utf8("warning 创建目标文件失败： \"Permission denied\""),
+                                      utf8("warning 创建父目录失败： \"%1\"").arg(extracted("locked/new")),
+                                      utf8("warning 创建目录失败： \"%1\"").arg(extracted("locked/folder/")),
                                       done(extracted("d.txt"))}));
         QCOMPARE(content("a.txt"), QByteArray("old"));
         QCOMPARE(content("d.txt"), QByteArray("D"));
@@ -418,7 +414,7 @@ private Q_SLOTS:
         bytes[bytes.indexOf("PK\x03\x04", 4)] = 'X';
         QVERIFY(writeFile(archive(), bytes));
         QVERIFY(extract());
-        QCOMPARE(said(), QStringList({done(extracted("a.txt")), text("warning 打开 ZIP 内文件失败： -103"),
+        QCOMPARE(said(), QStringList({done(extracted("a.txt")), utf8("warning 打开 ZIP 内文件失败： -103"),
                                       done(extracted("c.txt"))}));
         QVERIFY(!QFile::exists(extracted("b.txt")));
     }
@@ -434,7 +430,7 @@ private Q_SLOTS:
         bytes[bytes.indexOf("PK\x01\x02")] = 'X';
         QVERIFY(writeFile(archive(), bytes));
         QVERIFY(extract());
-        QCOMPARE(said(), QStringList {text("warning 获取文件信息失败： 0")});
+        QCOMPARE(said(), QStringList {utf8("warning 获取文件信息失败： 0")});
     }
 
     void damagedContentIsWrittenAndTheFilesBehindItAreNot()
@@ -445,9 +441,9 @@ private Q_SLOTS:
         bytes[bytes.indexOf("AAAA")] = 'X';
         QVERIFY(writeFile(archive(), bytes));
         QVERIFY(extract());
-        const QStringList own = said().filter(QRegularExpression(text("^(?!warning QuaZip)")));
-        QCOMPARE(own, QStringList({done(extracted("a.txt")), text("warning 打开 ZIP 内文件失败： 0"),
-                                   text("warning 打开 ZIP 内文件失败： 0")}));
+        const QStringList own = said().filter(QRegularExpression(utf8("^(?!warning QuaZip)")));
+        QCOMPARE(own, QStringList({done(extracted("a.txt")), utf8("warning 打开 ZIP 内文件失败： 0"),
+                                   utf8("warning 打开 ZIP 内文件失败： 0")}));
         QCOMPARE(content("a.txt"), QByteArray("XAAA"));
         QVERIFY(!QFile::exists(extracted("b.txt")));
         QVERIFY(QFileInfo(extracted("folder")).isDir());
@@ -514,7 +510,7 @@ private Q_SLOTS:
         QCOMPARE(content("-rf"), QByteArray("option"));
         QCOMPARE(content(".hidden"), QByteArray("hidden"));
         QCOMPARE(content("quote\"d"), QByteArray("quote"));
-        QCOMPARE(said().last(), text("debug 解压成功： \"%1\"").arg(extracted("quote\\\"d")));
+        QCOMPARE(said().last(), utf8("debug 解压成功： \"%1\"").arg(extracted("quote\\\"d")));
     }
 
     void permissionsAndTimeAreThoseOfANewFile()
@@ -540,7 +536,7 @@ private Q_SLOTS:
             threads.emplace_back([this, i, &good] {
                 const QString own = path("own") + QString::number(i);
                 good += ZipManager::QuaUnzipFile(archive(), own, true);
-                good += QDir(own + text("/folder")).count() == 50 + 2;
+                good += QDir(own + utf8("/folder")).count() == 50 + 2;
             });
         }
         for (std::thread &thread : threads)

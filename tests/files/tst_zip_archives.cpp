@@ -6,6 +6,7 @@
 #include "Files.h"
 #include "HostProcess.h"
 #include "MessageCapture.h"
+#include "Utf8.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -18,11 +19,6 @@ using ZyBase::ZipManager;
 namespace {
 
 constexpr int manyEntries = ZYBASE_SANITIZED ? 2000 : 60000;
-
-QString text(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 // Every file below a directory by its path there, with its content; a directory ends in "/".
 QMap<QString, QByteArray> tree(const QString &directory)
@@ -46,12 +42,12 @@ bool makeSourceTree(const QString &directory)
     QByteArray binary;
     for (int i = 0; i < 300000; ++i)
         binary += char((i * 2654435761U) >> 24U);
-    return QDir().mkpath(directory + text("/sub/deep")) && QDir().mkpath(directory + text("/目录"))
-           && writeFile(directory + text("/a.txt"), "hello\r\n") && writeFile(directory + text("/empty"), "")
-           && writeFile(directory + text("/.hidden"), "hidden")
-           && writeFile(directory + text("/zeros.bin"), QByteArray(1000000, '\0'))
-           && writeFile(directory + text("/sub/deep/random.bin"), binary)
-           && writeFile(directory + text("/目录/报告 ü.txt"), "文件");
+    return QDir().mkpath(directory + utf8("/sub/deep")) && QDir().mkpath(directory + utf8("/目录"))
+           && writeFile(directory + utf8("/a.txt"), "hello\r\n") && writeFile(directory + utf8("/empty"), "")
+           && writeFile(directory + utf8("/.hidden"), "hidden")
+           && writeFile(directory + utf8("/zeros.bin"), QByteArray(1000000, '\0'))
+           && writeFile(directory + utf8("/sub/deep/random.bin"), binary)
+           && writeFile(directory + utf8("/目录/报告 ü.txt"), "文件");
 }
 
 } // namespace
@@ -62,16 +58,16 @@ class TestZipArchives : public QObject
     Q_OBJECT
 
 private:
-    QString path(const char *name) const { return m_directory->filePath(text(name)); }
+    QString path(const char *name) const { return m_directory->filePath(utf8(name)); }
 
     // Extracts in a host of its own, whose locale decides how unmarked names are decoded.
     QJsonValue extractInLocale(const QString &locale) const
     {
         HostProcess host;
-        host.setEnvironment(text("LC_ALL"), locale);
+        host.setEnvironment(utf8("LC_ALL"), locale);
         if (!host.start())
             return QJsonValue();
-        return host.call(text("files.unzip"), {path("archive.zip"), path("target"), true});
+        return host.call(utf8("files.unzip"), {path("archive.zip"), path("target"), true});
     }
 
     std::unique_ptr<QTemporaryDir> m_directory;
@@ -89,7 +85,7 @@ private Q_SLOTS:
     {
         QTest::addColumn<QStringList>("command");
         const auto row = [](const char *name, const char *command) {
-            QTest::newRow(name) << text(command).split(QLatin1Char(' '));
+            QTest::newRow(name) << utf8(command).split(QLatin1Char(' '));
         };
         row("Info-ZIP, deflated", "zip -q -r ../archive.zip .");
         row("Info-ZIP, stored", "zip -q -0 -r ../archive.zip .");
@@ -108,8 +104,8 @@ private Q_SLOTS:
         qputenv("LC_ALL", "C.UTF-8");
         const QString program = command.takeFirst();
         if (!runTool(program, command, path("source")))
-            QSKIP(qPrintable(program + text(" is not installed")));
-        QCOMPARE(extractInLocale(text("C.UTF-8")), QJsonValue(true));
+            QSKIP(qPrintable(program + utf8(" is not installed")));
+        QCOMPARE(extractInLocale(utf8("C.UTF-8")), QJsonValue(true));
         QCOMPARE(tree(path("target")), tree(path("source")));
     }
 
@@ -148,8 +144,8 @@ with zipfile.ZipFile(Pipe(sys.argv[1]), 'w', zipfile.ZIP_DEFLATED) as archive:
     {
         QTest::addColumn<QByteArray>("name");
         QTest::addColumn<QString>("inUtf8");
-        QTest::newRow("GBK") << QByteArray("\xce\xc4\xbc\xfe.txt") << text("\ufffd\u013c\ufffd.txt");
-        QTest::newRow("CP437") << QByteArray("f\x81r.txt") << text("f\ufffdr.txt");
+        QTest::newRow("GBK") << QByteArray("\xce\xc4\xbc\xfe.txt") << utf8("\ufffd\u013c\ufffd.txt");
+        QTest::newRow("CP437") << QByteArray("f\x81r.txt") << utf8("f\ufffdr.txt");
     }
     void unmarkedNamesAreDecodedByTheLocale()
     {
@@ -158,8 +154,8 @@ with zipfile.ZipFile(Pipe(sys.argv[1]), 'w', zipfile.ZIP_DEFLATED) as archive:
         if (!canMakeArchives())
             QSKIP("Python's zipfile is not installed");
         QVERIFY(makeArchive(path("archive.zip"), {{name, "content"}, {"plain.txt", "plain"}}));
-        QCOMPARE(extractInLocale(text("C.UTF-8")), QJsonValue(true));
-        QStringList expected {inUtf8, text("plain.txt")};
+        QCOMPARE(extractInLocale(utf8("C.UTF-8")), QJsonValue(true));
+        QStringList expected {inUtf8, utf8("plain.txt")};
         QStringList found = QDir(path("target")).entryList(QDir::Files);
         expected.sort();
         found.sort();
@@ -172,7 +168,7 @@ with zipfile.ZipFile(Pipe(sys.argv[1]), 'w', zipfile.ZIP_DEFLATED) as archive:
         if (!canMakeArchives())
             QSKIP("Python's zipfile is not installed");
         QVERIFY(makeArchive(path("archive.zip"), {{"文件/报告.txt", "content"}}));
-        QCOMPARE(extractInLocale(text("C.UTF-8")), QJsonValue(true));
+        QCOMPARE(extractInLocale(utf8("C.UTF-8")), QJsonValue(true));
         QCOMPARE(readFile(path("target/文件/报告.txt")), QByteArray("content"));
     }
 
@@ -181,13 +177,13 @@ with zipfile.ZipFile(Pipe(sys.argv[1]), 'w', zipfile.ZIP_DEFLATED) as archive:
         // QuaZip opens it without a password all the same.
         QVERIFY(writeFile(path("a.txt"), "hello"));
         QVERIFY(writeFile(path("b.txt"), "plain"));
-        if (!runTool(text("zip"),
-                     {text("-q"), text("-P"), text("secret"), text("archive.zip"), text("a.txt")},
+        if (!runTool(utf8("zip"),
+                     {utf8("-q"), utf8("-P"), utf8("secret"), utf8("archive.zip"), utf8("a.txt")},
                      m_directory->path()))
             QSKIP("Info-ZIP is not installed");
         QVERIFY(ZipManager::QuaUnzipFile(path("archive.zip"), path("target"), true));
         QCOMPARE(m_messages->messages().size(), 1);
-        QCOMPARE(m_messages->messages().first().text, text("解压成功： \"%1\"").arg(path("target/a.txt")));
+        QCOMPARE(m_messages->messages().first().text, utf8("解压成功： \"%1\"").arg(path("target/a.txt")));
         QVERIFY(QFile::exists(path("target/a.txt")));
         QVERIFY(readFile(path("target/a.txt")) != QByteArray("hello"));
     }
@@ -195,29 +191,29 @@ with zipfile.ZipFile(Pipe(sys.argv[1]), 'w', zipfile.ZIP_DEFLATED) as archive:
     void entryOfAnUnknownMethodIsAWarning_data()
     {
         QTest::addColumn<QStringList>("options");
-        QTest::newRow("AES") << QStringList {text("-psecret"), text("-mem=AES256")};
-        QTest::newRow("LZMA") << QStringList {text("-mm=LZMA")};
+        QTest::newRow("AES") << QStringList {utf8("-psecret"), utf8("-mem=AES256")};
+        QTest::newRow("LZMA") << QStringList {utf8("-mm=LZMA")};
     }
     void entryOfAnUnknownMethodIsAWarning()
     {
         QFETCH(QStringList, options);
         QVERIFY(writeFile(path("a.txt"), QByteArray(10000, 'a')));
-        if (!runTool(text("7z"),
-                     QStringList {text("a"), text("-tzip"), text("-bd")} + options
-                         + QStringList {text("archive.zip"), text("a.txt")},
+        if (!runTool(utf8("7z"),
+                     QStringList {utf8("a"), utf8("-tzip"), utf8("-bd")} + options
+                         + QStringList {utf8("archive.zip"), utf8("a.txt")},
                      m_directory->path()))
             QSKIP("7-Zip is not installed");
         QVERIFY(ZipManager::QuaUnzipFile(path("archive.zip"), path("target"), true));
         QCOMPARE(m_messages->messages().size(), 1);
         QCOMPARE(m_messages->messages().first().type, QtWarningMsg);
-        QCOMPARE(m_messages->messages().first().text, text("打开 ZIP 内文件失败： -103"));
+        QCOMPARE(m_messages->messages().first().text, utf8("打开 ZIP 内文件失败： -103"));
         QVERIFY(QDir(path("target")).isEmpty());
     }
 
     void symbolicLinkBecomesAPlainFile()
     {
-        QVERIFY(QFile::link(text("/etc/passwd"), path("link")));
-        if (!runTool(text("zip"), {text("-q"), text("-y"), text("archive.zip"), text("link")},
+        QVERIFY(QFile::link(utf8("/etc/passwd"), path("link")));
+        if (!runTool(utf8("zip"), {utf8("-q"), utf8("-y"), utf8("archive.zip"), utf8("link")},
                      m_directory->path()))
             QSKIP("Info-ZIP is not installed");
         QVERIFY(ZipManager::QuaUnzipFile(path("archive.zip"), path("target"), true));
@@ -229,7 +225,7 @@ with zipfile.ZipFile(Pipe(sys.argv[1]), 'w', zipfile.ZIP_DEFLATED) as archive:
     {
         QVERIFY(writeFile(path("script"), "#!/bin/sh"));
         QVERIFY(QFile::setPermissions(path("script"), QFile::ReadOwner | QFile::ExeOwner | QFile::ExeOther));
-        if (!runTool(text("zip"), {text("-q"), text("archive.zip"), text("script")}, m_directory->path()))
+        if (!runTool(utf8("zip"), {utf8("-q"), utf8("archive.zip"), utf8("script")}, m_directory->path()))
             QSKIP("Info-ZIP is not installed");
         QVERIFY(ZipManager::QuaUnzipFile(path("archive.zip"), path("target"), true));
         QVERIFY(writeFile(path("new"), "new"));
@@ -239,14 +235,14 @@ with zipfile.ZipFile(Pipe(sys.argv[1]), 'w', zipfile.ZIP_DEFLATED) as archive:
     void truncatedArchiveIsFalse()
     {
         QVERIFY(makeSourceTree(path("source")));
-        if (!runTool(text("zip"), {text("-q"), text("-r"), text("../archive.zip"), text(".")},
+        if (!runTool(utf8("zip"), {utf8("-q"), utf8("-r"), utf8("../archive.zip"), utf8(".")},
                      path("source")))
             QSKIP("Info-ZIP is not installed");
         QVERIFY(QFile::resize(path("archive.zip"), QFileInfo(path("archive.zip")).size() / 2));
         QVERIFY(!ZipManager::QuaUnzipFile(path("archive.zip"), path("target"), true));
         QCOMPARE(m_messages->messages().size(), 1);
         QCOMPARE(m_messages->messages().first().type, QtCriticalMsg);
-        QVERIFY(m_messages->messages().first().text.startsWith(text("打开 ZIP 文件失败： -")));
+        QVERIFY(m_messages->messages().first().text.startsWith(utf8("打开 ZIP 文件失败： -")));
         QVERIFY(QDir(path("target")).isEmpty());
     }
 
@@ -264,7 +260,7 @@ with zipfile.ZipFile(sys.argv[1], 'w') as archive:
         QVERIFY(ZipManager::QuaUnzipFile(path("archive.zip"), path("target"), false));
         QCOMPARE(m_messages->messages().size(), manyEntries);
         for (int i = 0; i < manyEntries; i += 997) {
-            const QString name = text("%1/%2").arg(i / 1000).arg(i);
+            const QString name = utf8("%1/%2").arg(i / 1000).arg(i);
             QCOMPARE(readFile(path("target/") + name), QByteArray::number(i));
         }
         QCOMPARE(tree(path("target")).size(), manyEntries + manyEntries / 1000);
@@ -322,11 +318,11 @@ with zipfile.ZipFile(Sparse(sys.argv[1]), 'w', allowZip64=True) as archive:
         sandbox.sizedFileSystem(path("target"), 16384);
         HostProcess host;
         QVERIFY(host.start(sandbox));
-        QCOMPARE(host.call(text("files.unzip"), {path("archive.zip"), path("target"), true}),
+        QCOMPARE(host.call(utf8("files.unzip"), {path("archive.zip"), path("target"), true}),
                  QJsonValue(true));
-        const QString left = host.call(text("process.readFile"), {path("target/large.bin")}).toString();
+        const QString left = host.call(utf8("process.readFile"), {path("target/large.bin")}).toString();
         QVERIFY(left.length() < 30000);
-        QVERIFY(host.standardError().contains(text("large.bin")));
+        QVERIFY(host.standardError().contains(utf8("large.bin")));
     }
 };
 

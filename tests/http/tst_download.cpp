@@ -3,6 +3,7 @@
 #include "Downloads.h"
 
 #include "Files.h"
+#include "Utf8.h"
 
 #include <localservices/HttpServer.h>
 #include <localservices/RawServer.h>
@@ -28,18 +29,13 @@ namespace {
 
 const QString localHost = QStringLiteral("127.0.0.1");
 
-QString text(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
-
 QString speedText(double bytesPerSecond)
 {
     if (bytesPerSecond < 1024.0)
-        return QString::number(bytesPerSecond, 'f', 1) + text(" bytes/sec");
+        return QString::number(bytesPerSecond, 'f', 1) + utf8(" bytes/sec");
     if (bytesPerSecond < 1048576.0)
-        return QString::number(bytesPerSecond / 1024.0, 'f', 1) + text(" kB/s");
-    return QString::number(bytesPerSecond / 1048576.0, 'f', 1) + text(" MB/s");
+        return QString::number(bytesPerSecond / 1024.0, 'f', 1) + utf8(" kB/s");
+    return QString::number(bytesPerSecond / 1048576.0, 'f', 1) + utf8(" MB/s");
 }
 
 // What the manager says to a progress report of its reply.
@@ -59,7 +55,7 @@ class TestDownload : public QObject
 private:
     QUrl url(const QByteArray &path) const { return m_server->url(QString::fromUtf8(path)); }
     QString folder() const { return m_directory->path(); }
-    QString file(const char *name) const { return m_directory->filePath(text(name)); }
+    QString file(const char *name) const { return m_directory->filePath(utf8(name)); }
     QStringList filesLeft() const
     {
         return QDir(folder()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden);
@@ -108,32 +104,32 @@ private Q_SLOTS:
         QTest::addColumn<QString>("address");
         QTest::addColumn<QString>("directory");
         QTest::addColumn<QString>("expected");
-        const QString x = text("/nowhere/x");
-        QTest::newRow("directory without slash") << text("http://h/a/b.zip") << x << text("/nowhere/x/b.zip");
+        const QString x = utf8("/nowhere/x");
+        QTest::newRow("directory without slash") << utf8("http://h/a/b.zip") << x << utf8("/nowhere/x/b.zip");
         QTest::newRow("directory with slash")
-            << text("http://h/a/b.zip") << x + text("/") << text("/nowhere/x/b.zip");
+            << utf8("http://h/a/b.zip") << x + utf8("/") << utf8("/nowhere/x/b.zip");
         QTest::newRow("directory with slashes")
-            << text("http://h/b.zip") << x + text("//") << text("/nowhere/x//b.zip");
+            << utf8("http://h/b.zip") << x + utf8("//") << utf8("/nowhere/x//b.zip");
         QTest::newRow("relative directory")
-            << text("http://h/b.zip") << text("nowhere") << text("nowhere/b.zip");
+            << utf8("http://h/b.zip") << utf8("nowhere") << utf8("nowhere/b.zip");
         QTest::newRow("empty directory")
-            << text("http://h/no-such-file") << text("") << text("/no-such-file");
+            << utf8("http://h/no-such-file") << utf8("") << utf8("/no-such-file");
         QTest::newRow("null directory")
-            << text("http://h/no-such-file") << QString() << text("/no-such-file");
+            << utf8("http://h/no-such-file") << QString() << utf8("/no-such-file");
         QTest::newRow("query and fragment")
-            << text("http://h/b.zip?name=c.zip&x=/d#e/f") << x << text("/nowhere/x/b.zip");
-        QTest::newRow("encoded blank") << text("http://h/a%20b.zip") << x << text("/nowhere/x/a b.zip");
+            << utf8("http://h/b.zip?name=c.zip&x=/d#e/f") << x << utf8("/nowhere/x/b.zip");
+        QTest::newRow("encoded blank") << utf8("http://h/a%20b.zip") << x << utf8("/nowhere/x/a b.zip");
         QTest::newRow("encoded letters")
-            << text("http://h/%E6%96%87%C3%A4.zip") << x << text("/nowhere/x/文ä.zip");
-        QTest::newRow("encoded slash") << text("http://h/a%2Fb.zip") << x << text("/nowhere/x/b.zip");
-        QTest::newRow("encoded question mark") << text("http://h/a%3Fb") << x << text("/nowhere/x/a?b");
-        QTest::newRow("encoded percent") << text("http://h/a%2541") << x << text("/nowhere/x/a%41");
-        QTest::newRow("plus") << text("http://h/a+b") << x << text("/nowhere/x/a+b");
-        QTest::newRow("path ends in a slash") << text("http://h/a/") << x << text("/nowhere/x/");
-        QTest::newRow("root path") << text("http://h/") << x << text("/nowhere/x/");
-        QTest::newRow("no path") << text("http://h") << x << text("/nowhere/x/");
-        QTest::newRow("empty address") << text("") << x << text("/nowhere/x/");
-        QTest::newRow("nothing at all") << text("") << text("") << text("/");
+            << utf8("http://h/%E6%96%87%C3%A4.zip") << x << utf8("/nowhere/x/文ä.zip");
+        QTest::newRow("encoded slash") << utf8("http://h/a%2Fb.zip") << x << utf8("/nowhere/x/b.zip");
+        QTest::newRow("encoded question mark") << utf8("http://h/a%3Fb") << x << utf8("/nowhere/x/a?b");
+        QTest::newRow("encoded percent") << utf8("http://h/a%2541") << x << utf8("/nowhere/x/a%41");
+        QTest::newRow("plus") << utf8("http://h/a+b") << x << utf8("/nowhere/x/a+b");
+        QTest::newRow("path ends in a slash") << utf8("http://h/a/") << x << utf8("/nowhere/x/");
+        QTest::newRow("root path") << utf8("http://h/") << x << utf8("/nowhere/x/");
+        QTest::newRow("no path") << utf8("http://h") << x << utf8("/nowhere/x/");
+        QTest::newRow("empty address") << utf8("") << x << utf8("/nowhere/x/");
+        QTest::newRow("nothing at all") << utf8("") << utf8("") << utf8("/");
     }
     void fileNameIsTheLastComponent()
     {
@@ -147,15 +143,15 @@ private Q_SLOTS:
     {
         QVERIFY(writeFile(file("b.zip"), "old"));
         QVERIFY(writeFile(file("other"), "kept"));
-        DownloadManager::saveFileName(QUrl(text("http://h/b.zip")), folder());
-        QCOMPARE(filesLeft(), QStringList {text("other")});
+        DownloadManager::saveFileName(QUrl(utf8("http://h/b.zip")), folder());
+        QCOMPARE(filesLeft(), QStringList {utf8("other")});
     }
 
     void askingForTheNameOfADirectoryLeavesIt()
     {
-        QVERIFY(QDir(folder()).mkdir(text("b.zip")));
-        QCOMPARE(DownloadManager::saveFileName(QUrl(text("http://h/b.zip")), folder()), file("b.zip"));
-        QCOMPARE(filesLeft(), QStringList {text("b.zip")});
+        QVERIFY(QDir(folder()).mkdir(utf8("b.zip")));
+        QCOMPARE(DownloadManager::saveFileName(QUrl(utf8("http://h/b.zip")), folder()), file("b.zip"));
+        QCOMPARE(filesLeft(), QStringList {utf8("b.zip")});
     }
 
     // --- Success -------------------------------------------------------------------------------
@@ -268,7 +264,7 @@ private Q_SLOTS:
             client.write("more");
         });
         WatchedDownload watched;
-        QCOMPARE(watched.fetch(server.url(text("/file")), folder()), file("file"));
+        QCOMPARE(watched.fetch(server.url(utf8("/file")), folder()), file("file"));
         QCOMPARE(readFile(file("file")), QByteArray("somemore"));
         QVERIFY(!watched.progress().isEmpty());
         QCOMPARE(watched.progress().first().total, qint64(-1));
@@ -297,7 +293,7 @@ private Q_SLOTS:
         for (qint64 elapsed = least; elapsed <= outer.elapsed() + 1; ++elapsed)
             possible << speedText(double(bytes) * 1000.0 / double(elapsed));
         QVERIFY2(possible.contains(speed),
-                 qPrintable(speed + text(" is not ") + possible.join(text(" or "))));
+                 qPrintable(speed + utf8(" is not ") + possible.join(utf8(" or "))));
         watched.manager()->StopDownload();
     }
 
@@ -309,7 +305,7 @@ private Q_SLOTS:
         QVERIFY(watched.manager()->StartDownload(url("/never/file"), folder()));
         // Counted from the first start this would be less than 1000 bytes/sec.
         const QString speed = reportedSpeed(&watched, 500);
-        QVERIFY2(!speed.endsWith(text("bytes/sec")), qPrintable(speed));
+        QVERIFY2(!speed.endsWith(utf8("bytes/sec")), qPrintable(speed));
         watched.manager()->StopDownload();
     }
 
@@ -320,9 +316,9 @@ private Q_SLOTS:
         QTest::addColumn<QString>("atLeast");
         QTest::addColumn<QString>("unitBelow");
         QTest::addColumn<QString>("never");
-        QTest::newRow("kB/s") << qint64(1024) << text("1.0 kB/s") << text("bytes/sec")
-                              << text("1024.0 bytes/sec");
-        QTest::newRow("MB/s") << qint64(1048576) << text("1.0 MB/s") << text("kB/s") << text("1024.0 kB/s");
+        QTest::newRow("kB/s") << qint64(1024) << utf8("1.0 kB/s") << utf8("bytes/sec")
+                              << utf8("1024.0 bytes/sec");
+        QTest::newRow("MB/s") << qint64(1048576) << utf8("1.0 MB/s") << utf8("kB/s") << utf8("1024.0 kB/s");
     }
     void unitChangesExactlyAtItsLimit()
     {
@@ -351,8 +347,8 @@ private Q_SLOTS:
     {
         QTest::addColumn<qint64>("bytes");
         QTest::addColumn<QString>("expected");
-        QTest::newRow("nothing received") << qint64(0) << text("nan MB/s");
-        QTest::newRow("something received") << qint64(1) << text("inf MB/s");
+        QTest::newRow("nothing received") << qint64(0) << utf8("nan MB/s");
+        QTest::newRow("something received") << qint64(1) << utf8("inf MB/s");
     }
     void speedOfTheFirstMomentIsNoNumber()
     {
@@ -448,11 +444,11 @@ private Q_SLOTS:
     void addressThatCannotBeReachedFails_data()
     {
         QTest::addColumn<QString>("address");
-        QTest::newRow("refused") << text("http://127.0.0.1:1/file");
-        QTest::newRow("unknown host") << text("http://no-such-host.invalid/file");
-        QTest::newRow("unsupported scheme") << text("gopher://127.0.0.1/file");
-        QTest::newRow("no scheme") << text("/file");
-        QTest::newRow("no host") << text("http:///file");
+        QTest::newRow("refused") << utf8("http://127.0.0.1:1/file");
+        QTest::newRow("unknown host") << utf8("http://no-such-host.invalid/file");
+        QTest::newRow("unsupported scheme") << utf8("gopher://127.0.0.1/file");
+        QTest::newRow("no scheme") << utf8("/file");
+        QTest::newRow("no host") << utf8("http:///file");
     }
     void addressThatCannotBeReachedFails()
     {
@@ -482,7 +478,7 @@ private Q_SLOTS:
         QTest::newRow("path ends in a slash") << QByteArray("/bytes/10/") << QString();
         QTest::newRow("root path") << QByteArray("/") << QString();
         QTest::newRow("no path") << QByteArray("") << QString();
-        QTest::newRow("missing directory") << QByteArray("/bytes/10/file") << text("/missing");
+        QTest::newRow("missing directory") << QByteArray("/bytes/10/file") << utf8("/missing");
     }
     void unopenableFileIsToldByTheResultAlone()
     {
@@ -501,10 +497,10 @@ private Q_SLOTS:
 
     void olderFileThatCannotBeReplacedIsLeft()
     {
-        QVERIFY(QDir(folder()).mkdir(text("file")));
+        QVERIFY(QDir(folder()).mkdir(utf8("file")));
         WatchedDownload watched;
         QVERIFY(!watched.manager()->StartDownload(url("/bytes/10/file"), folder()));
-        QCOMPARE(filesLeft(), QStringList {text("file")});
+        QCOMPARE(filesLeft(), QStringList {utf8("file")});
     }
 
     // --- Redirects as the class sees them --------------------------------------------------------
@@ -528,7 +524,7 @@ private Q_SLOTS:
                 client.write("x");
         });
         WatchedDownload watched;
-        QVERIFY(watched.manager()->StartDownload(server.url(text("/file")), folder()));
+        QVERIFY(watched.manager()->StartDownload(server.url(utf8("/file")), folder()));
         QVERIFY(!watched.manager()->isHttpRedirect()); // there is no status yet
         if (status != 304) {
             QTRY_VERIFY(!watched.progress().isEmpty());
@@ -688,7 +684,7 @@ private Q_SLOTS:
         }
         QTRY_COMPARE(m_server->openConnections(), 0);
         QCOMPARE(outcomes, 0);
-        QCOMPARE(filesLeft(), QStringList {text("file")});
+        QCOMPARE(filesLeft(), QStringList {utf8("file")});
         QVERIFY(QFileInfo(file("file")).size() > 100000);
     }
 
@@ -710,7 +706,7 @@ private Q_SLOTS:
     {
         const HttpServer server(Authority::selfSigned(localHost));
         WatchedDownload watched;
-        QVERIFY(watched.manager()->StartDownload(server.url(text("/bytes/10/file")), folder()));
+        QVERIFY(watched.manager()->StartDownload(server.url(utf8("/bytes/10/file")), folder()));
         QVERIFY(watched.waitForOutcomes());
         QVERIFY(!watched.outcomes().first().success);
         QCOMPARE(filesLeft(), QStringList());
@@ -726,7 +722,7 @@ private Q_SLOTS:
         trusting.setCaCertificates({QSslCertificate(authority.certificate())});
         QSslConfiguration::setDefaultConfiguration(trusting);
         WatchedDownload watched;
-        const QString path = watched.fetch(server.url(text("/bytes/3000000/file")), folder());
+        const QString path = watched.fetch(server.url(utf8("/bytes/3000000/file")), folder());
         QSslConfiguration::setDefaultConfiguration(before);
         QCOMPARE(path, file("file"));
         QCOMPARE(readFile(path), HttpServer::content(3000000));

@@ -2,22 +2,18 @@
 
 #include "Files.h"
 #include "RecipeRun.h"
+#include "Utf8.h"
 
 #include <QTemporaryDir>
 #include <QTest>
 
 namespace {
 
-QString text(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
-
 // The desktop's own log4qt, which its plug-ins bring into hosts; null where it isn't installed.
 QString desktopLibrary()
 {
     for (const char *folder : {"/usr/lib", "/usr/lib/x86_64-linux-gnu", "/usr/lib/aarch64-linux-gnu"}) {
-        QString path = text(folder) + text("/libukui-log4qt.so.1");
+        QString path = utf8(folder) + utf8("/libukui-log4qt.so.1");
         if (QFile::exists(path))
             return path;
     }
@@ -33,14 +29,14 @@ class TestASecondLog4Qt : public QObject
 private:
     void expectTheLogAlone(const QStringList &lines)
     {
-        QStringList expected {text("the log's log4qt: " LOG4QT_LOGGER)};
-        expected << lines << text("to be shown: the disk is nearly full");
+        QStringList expected {utf8("the log's log4qt: " LOG4QT_LOGGER)};
+        expected << lines << utf8("to be shown: the disk is nearly full");
         QCOMPARE(m_run->lines, expected);
         QCOMPARE(m_run->exitCode, 0);
-        const QStringList log = readLines(m_directory->filePath(text("log/host.log")));
+        const QStringList log = readLines(m_directory->filePath(utf8("log/host.log")));
         QCOMPARE(log.size(), 2);
-        QVERIFY(log.first().endsWith(text(" INFO   - the host runs")));
-        QVERIFY(log.last().endsWith(text(" WARN   - the disk is nearly full")));
+        QVERIFY(log.first().endsWith(utf8(" INFO   - the host runs")));
+        QVERIFY(log.last().endsWith(utf8(" WARN   - the disk is nearly full")));
     }
     void run(const QStringList &arguments)
     {
@@ -65,8 +61,8 @@ private Q_SLOTS:
     void pluginWithALog4qtIsLoadedLater()
     {
         run({QStringLiteral(OTHER_LOG4QT)});
-        expectTheLogAlone({text("plug-in loaded")});
-        QCOMPARE(m_run->standardError, text("the plug-in's root logger\nthe plug-in's log: loaded\n"));
+        expectTheLogAlone({utf8("plug-in loaded")});
+        QCOMPARE(m_run->standardError, utf8("the plug-in's root logger\nthe plug-in's log: loaded\n"));
     }
 
     // The first of two libraries with one symbol serves the whole process.
@@ -76,7 +72,7 @@ private Q_SLOTS:
         qputenv("ASAN_OPTIONS", "verify_asan_link_order=0");
         run({});
         expectTheLogAlone({});
-        QCOMPARE(m_run->standardError, text("the plug-in's root logger\nthe plug-in's log: loaded\n"));
+        QCOMPARE(m_run->standardError, utf8("the plug-in's root logger\nthe plug-in's log: loaded\n"));
     }
 
     void desktopsLibraryIsLoadedLater()
@@ -85,14 +81,14 @@ private Q_SLOTS:
             QSKIP("libukui-log4qt1 is not installed");
         qputenv("ASAN_OPTIONS", "detect_leaks=0");
         run({desktopLibrary()});
-        expectTheLogAlone({text("plug-in loaded")});
+        expectTheLogAlone({utf8("plug-in loaded")});
     }
 #endif
 
     void pluginThatIsMissingIsTold()
     {
-        run({m_directory->filePath(text("none.so"))});
-        expectTheLogAlone({text("no plug-in")});
+        run({m_directory->filePath(utf8("none.so"))});
+        expectTheLogAlone({utf8("no plug-in")});
     }
 };
 

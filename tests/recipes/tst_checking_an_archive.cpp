@@ -3,17 +3,13 @@
 #include "Archives.h"
 #include "Files.h"
 #include "RecipeRun.h"
+#include "Utf8.h"
 
 #include <QDir>
 #include <QTemporaryDir>
 #include <QTest>
 
 namespace {
-
-QString text(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 // An entry whose sizes are lies: "size" bytes where the archive holds three.
 constexpr const char *liar = R"(
@@ -51,7 +47,7 @@ class TestCheckingAnArchive : public QObject
     Q_OBJECT
 
 private:
-    QString path(const char *name) const { return m_directory->filePath(text(name)); }
+    QString path(const char *name) const { return m_directory->filePath(utf8(name)); }
 
     RecipeRun extract(const Sandbox &sandbox = Sandbox()) const
     {
@@ -64,7 +60,7 @@ private:
         const QStringList before =
             QDir(m_directory->path()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries);
         const RecipeRun run = extract();
-        QCOMPARE(run.lines, QStringList {text("refused: ") + reason});
+        QCOMPARE(run.lines, QStringList {utf8("refused: ") + reason});
         QCOMPARE(run.exitCode, 1);
         QVERIFY(QDir(path("new")).isEmpty());
         QCOMPARE(QDir(m_directory->path()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries), before);
@@ -90,7 +86,7 @@ private Q_SLOTS:
         QVERIFY(
             makeArchive(path("archive.zip"), {{"a.txt", "A"}, {"d/", ""}, {"d/e/..f", "F"}, {"empty", ""}}));
         const RecipeRun run = extract();
-        QCOMPARE(run.lines, QStringList {text("extracted")});
+        QCOMPARE(run.lines, QStringList {utf8("extracted")});
         QCOMPARE(run.exitCode, 0);
         QCOMPARE(readFile(path("new/target/a.txt")), QByteArray("A"));
         QCOMPARE(readFile(path("new/target/d/e/..f")), QByteArray("F"));
@@ -112,38 +108,38 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, name);
         QVERIFY(makeArchive(path("archive.zip"), {{"good.txt", "good"}, {name, "bad"}}));
-        expectRefusal(QString::fromUtf8(name) + text(": it would be written outside the directory"));
+        expectRefusal(QString::fromUtf8(name) + utf8(": it would be written outside the directory"));
     }
 
     void linkIsRefused()
     {
-        QVERIFY(QFile::link(text("/etc/passwd"), path("link")));
-        if (!runTool(text("zip"), {text("-q"), text("-y"), text("archive.zip"), text("link")},
+        QVERIFY(QFile::link(utf8("/etc/passwd"), path("link")));
+        if (!runTool(utf8("zip"), {utf8("-q"), utf8("-y"), utf8("archive.zip"), utf8("link")},
                      m_directory->path()))
             QSKIP("Info-ZIP is not installed");
-        expectRefusal(text("link: it is a link"));
+        expectRefusal(utf8("link: it is a link"));
     }
 
     void encryptedEntryIsRefused()
     {
         QVERIFY(writeFile(path("a.txt"), "hello"));
-        if (!runTool(text("zip"),
-                     {text("-q"), text("-P"), text("secret"), text("archive.zip"), text("a.txt")},
+        if (!runTool(utf8("zip"),
+                     {utf8("-q"), utf8("-P"), utf8("secret"), utf8("archive.zip"), utf8("a.txt")},
                      m_directory->path()))
             QSKIP("Info-ZIP is not installed");
-        expectRefusal(text("a.txt: it is encrypted"));
+        expectRefusal(utf8("a.txt: it is encrypted"));
     }
 
     void fileThatIsNoArchiveIsRefused()
     {
         QVERIFY(writeFile(path("archive.zip"), "no archive"));
-        expectRefusal(text("It is no archive."));
+        expectRefusal(utf8("It is no archive."));
     }
 
     void entryOf2GibibytesIsRefused()
     {
         QVERIFY(runPython(liar, {path("archive.zip"), QString::number(1U << 31U)}));
-        expectRefusal(text("liar: it is too large"));
+        expectRefusal(utf8("liar: it is too large"));
     }
 
     // Half of a disk of 8 MiB takes three of these entries of one MiB and not five, packed in 5 kB.
@@ -174,7 +170,7 @@ private Q_SLOTS:
         QVERIFY(QDir().mkpath(path("elsewhere")));
         QVERIFY(QFile::link(path("elsewhere"), path("new/target/link")));
         const RecipeRun run = extract();
-        QCOMPARE(run.lines, QStringList {text("refused: The directory is there already or can't be made.")});
+        QCOMPARE(run.lines, QStringList {utf8("refused: The directory is there already or can't be made.")});
         QVERIFY(QDir(path("elsewhere")).isEmpty());
     }
 
@@ -198,14 +194,14 @@ private Q_SLOTS:
         if (isSpoilt)
             QVERIFY(runPython(spoil, {path("archive.zip")}));
         const RecipeRun run = extract();
-        QCOMPARE(run.lines, QStringList {text("refused: ") + entry + text(": it did not come out whole")});
+        QCOMPARE(run.lines, QStringList {utf8("refused: ") + entry + utf8(": it did not come out whole")});
         QCOMPARE(run.exitCode, 1);
     }
 
     // The size that an archive states bounds what is written, so it is the one to add up.
     void entryThatStatesLessThanItHoldsIsCutOff()
     {
-        QVERIFY(runPython(liar, {path("archive.zip"), text("1")}));
+        QVERIFY(runPython(liar, {path("archive.zip"), utf8("1")}));
         QCOMPARE(extract().exitCode, 1);
         QVERIFY(readFile(path("new/target/liar")).size() <= 1);
     }
@@ -216,7 +212,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("file");
         QTest::newRow("GBK") << QByteArray("\xce\xc4\xbc\xfe/\xb1\xa8\xb8\xe6.txt") << "文件/报告.txt";
         QTest::newRow("GBK with a backslash as its second byte")
-            << QByteArray("\x81\x5c/a") << text("\xe4\xb9\x97/a");
+            << QByteArray("\x81\x5c/a") << utf8("\xe4\xb9\x97/a");
         QTest::newRow("UTF-8 that is marked") << QByteArray("文件/报告.txt") << "文件/报告.txt";
         QTest::newRow("ASCII") << QByteArray("a/b.txt") << "a/b.txt";
     }
@@ -227,7 +223,7 @@ private Q_SLOTS:
         QVERIFY(makeArchive(path("archive.zip"), {{"plain.txt", "plain"}, {name, "content"}}));
         for (const char *locale : {"C.UTF-8", "C"}) {
             qputenv("LC_ALL", locale);
-            QCOMPARE(extract().lines, QStringList {text("extracted")});
+            QCOMPARE(extract().lines, QStringList {utf8("extracted")});
             QCOMPARE(readFile(path("new/target/") + file), QByteArray("content"));
             QVERIFY(QDir(path("new/target")).removeRecursively());
         }
@@ -244,7 +240,7 @@ with zipfile.ZipFile(sys.argv[1], 'w') as archive:
     archive.writestr('ü', 'marked')
 )";
         QVERIFY(runPython(script, {path("archive.zip")}));
-        QCOMPARE(extract().lines, QStringList {text("extracted")});
+        QCOMPARE(extract().lines, QStringList {utf8("extracted")});
         QCOMPARE(readFile(path("new/target/文件.txt")), QByteArray("content"));
         QCOMPARE(readFile(path("new/target/ü")), QByteArray("marked"));
     }

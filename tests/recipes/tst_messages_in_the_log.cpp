@@ -5,6 +5,7 @@
 #include "Files.h"
 #include "MessagesInLog.h"
 #include "RecipeRun.h"
+#include "Utf8.h"
 
 #include <log4qt/appenderskeleton.h>
 #include <log4qt/logger.h>
@@ -25,11 +26,6 @@
 #include <unistd.h>
 
 namespace {
-
-QString text(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
 
 // Without the time, which is 24 characters wide.
 QStringList linesOf(const QString &path)
@@ -66,7 +62,7 @@ class TestMessagesInTheLog : public QObject
     Q_OBJECT
 
 private:
-    QString logPath() const { return m_directory->filePath(text("log/host.log")); }
+    QString logPath() const { return m_directory->filePath(utf8("log/host.log")); }
 
     std::unique_ptr<QTemporaryDir> m_directory;
 
@@ -78,10 +74,10 @@ private Q_SLOTS:
         const RecipeRun run({QStringLiteral(RECIPE), m_directory->path()});
         QCOMPARE(run.exitCode, 0);
         const QStringList expected {
-            text("INFO   - example.host: before the log is open"),
-            text("ERROR  - ZIP 文件不存在： \"%1/missing.zip\"").arg(m_directory->path()),
-            text("WARN   - example.host: from a thread"),
-            text("    in two lines"),
+            utf8("INFO   - example.host: before the log is open"),
+            utf8("ERROR  - ZIP 文件不存在： \"%1/missing.zip\"").arg(m_directory->path()),
+            utf8("WARN   - example.host: from a thread"),
+            utf8("    in two lines"),
         };
         QCOMPARE(linesOf(logPath()), expected);
     }
@@ -92,8 +88,8 @@ private Q_SLOTS:
         const RecipeRun run({QStringLiteral(RECIPE), m_directory->path()});
         for (const char *part : {"before the log is open", "ZIP 文件不存在", "from a thread\nin two lines",
                                  "never in the file", "after the log is closed"})
-            QCOMPARE(run.standardError.count(text(part)), 1);
-        QVERIFY(run.standardError.contains(text("Problem opening save file")));
+            QCOMPARE(run.standardError.count(utf8(part)), 1);
+        QVERIFY(run.standardError.contains(utf8("Problem opening save file")));
     }
 
     void fatalMessageIsTheLastLine()
@@ -105,20 +101,20 @@ private Q_SLOTS:
             std::signal(SIGABRT, SIG_DFL);
             qInstallMessageHandler(countMessage);
             captureMessages();
-            openLog(text("host.log"), m_directory->path());
+            openLog(utf8("host.log"), m_directory->path());
             qFatal("the end");
         }
         int status = 0;
         QCOMPARE(waitpid(host, &status, 0), host);
         QVERIFY(WIFSIGNALED(status));
-        QCOMPARE(linesOf(logPath()), QStringList {text("ERROR  - the end")});
+        QCOMPARE(linesOf(logPath()), QStringList {utf8("ERROR  - the end")});
     }
 
     void levelsAreThoseOfTheLog()
     {
         const QtMessageHandler previous = qInstallMessageHandler(countMessage);
         captureMessages();
-        openLog(text("host.log"), m_directory->path());
+        openLog(utf8("host.log"), m_directory->path());
         qDebug() << "debug";
         qInfo("info %d", 1);
         qWarning("warning\n2026-11-20 07:37:57.106 ERROR  - forged");
@@ -126,9 +122,9 @@ private Q_SLOTS:
         qCWarning(QLoggingCategory("qt.network.ssl"), "category");
         closeLog();
         qInstallMessageHandler(previous);
-        const QStringList expected {text("INFO   - info 1"), text("WARN   - warning"),
-                                    text("    2026-11-20 07:37:57.106 ERROR  - forged"),
-                                    text("ERROR  - critical"), text("WARN   - qt.network.ssl: category")};
+        const QStringList expected {utf8("INFO   - info 1"), utf8("WARN   - warning"),
+                                    utf8("    2026-11-20 07:37:57.106 ERROR  - forged"),
+                                    utf8("ERROR  - critical"), utf8("WARN   - qt.network.ssl: category")};
         QCOMPARE(linesOf(logPath()), expected);
     }
 
@@ -137,13 +133,13 @@ private Q_SLOTS:
         s_passedOn = 0;
         const QtMessageHandler previous = qInstallMessageHandler(countMessage);
         captureMessages();
-        openLog(text("host.log"), m_directory->path());
+        openLog(utf8("host.log"), m_directory->path());
         qInfo("logged and passed on");
         closeLog();
         qInfo("passed on");
         QVERIFY(qInstallMessageHandler(previous) == countMessage);
         QCOMPARE(s_passedOn.load(), 2);
-        QCOMPARE(linesOf(logPath()), QStringList {text("INFO   - logged and passed on")});
+        QCOMPARE(linesOf(logPath()), QStringList {utf8("INFO   - logged and passed on")});
     }
 
     // Qt prints it on the standard error stream by itself: a handler needs no guard of its own.
@@ -152,14 +148,14 @@ private Q_SLOTS:
         s_passedOn = 0;
         const QtMessageHandler previous = qInstallMessageHandler(countMessage);
         captureMessages();
-        openLog(text("host.log"), m_directory->path());
+        openLog(utf8("host.log"), m_directory->path());
         const QSharedPointer<Log4Qt::Appender> appender(new TalkingAppender);
         Log4Qt::Logger::rootLogger()->addAppender(appender);
         qInfo("message");
         closeLog();
         qInstallMessageHandler(previous);
         QCOMPARE(s_passedOn.load(), 1);
-        QCOMPARE(linesOf(logPath()), QStringList {text("INFO   - message")});
+        QCOMPARE(linesOf(logPath()), QStringList {utf8("INFO   - message")});
     }
 
     void threadsThatLogWhileItIsOpenedAndClosedLoseNoWholeLine()
@@ -177,7 +173,7 @@ private Q_SLOTS:
             });
         const auto passOn = [] { return s_passedOn > 100; };
         QTRY_VERIFY(passOn());
-        openLog(text("host.log"), m_directory->path());
+        openLog(utf8("host.log"), m_directory->path());
         s_passedOn = 0;
         QTRY_VERIFY(passOn());
         closeLog();
@@ -190,7 +186,7 @@ private Q_SLOTS:
         const QStringList lines = linesOf(logPath());
         QVERIFY(lines.size() > 200);
         for (const QString &line : lines)
-            QCOMPARE(line, text("INFO   - a line from a thread"));
+            QCOMPARE(line, utf8("INFO   - a line from a thread"));
     }
 };
 

@@ -3,19 +3,11 @@
 #include "Files.h"
 #include "RecipeRun.h"
 #include "TemporaryHome.h"
+#include "Utf8.h"
 
 #include <QDateTime>
 #include <QDir>
 #include <QTest>
-
-namespace {
-
-QString text(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
-
-} // namespace
 
 // The recipe's host in a home of its own.
 class TestTheDirectoryOfTheLog : public QObject
@@ -23,7 +15,7 @@ class TestTheDirectoryOfTheLog : public QObject
     Q_OBJECT
 
 private:
-    QString folder() const { return m_home->filePath(text(".local/share/example/reader/log")); }
+    QString folder() const { return m_home->filePath(utf8(".local/share/example/reader/log")); }
     QString path(const QString &name) const { return folder() + QLatin1Char('/') + name; }
 
     // A file that was last written to then.
@@ -39,9 +31,9 @@ private:
     void expectNoLog(const QString &problem, const Sandbox &sandbox = Sandbox()) const
     {
         const RecipeRun run({QStringLiteral(RECIPE)}, sandbox);
-        QCOMPARE(run.lines, QStringList {text("no log: ") + problem});
+        QCOMPARE(run.lines, QStringList {utf8("no log: ") + problem});
         QCOMPARE(run.exitCode, 0);
-        QVERIFY(!run.standardError.contains(text("log4qt")));
+        QVERIFY(!run.standardError.contains(utf8("log4qt")));
     }
 
     std::unique_ptr<TemporaryHome> m_home;
@@ -53,19 +45,19 @@ private Q_SLOTS:
     void freshUserHasALog()
     {
         const RecipeRun run({QStringLiteral(RECIPE)});
-        QCOMPARE(run.lines, QStringList {text("the log is in ") + path(text("reader.log"))});
-        const QStringList lines = readLines(path(text("reader.log")));
+        QCOMPARE(run.lines, QStringList {utf8("the log is in ") + path(utf8("reader.log"))});
+        const QStringList lines = readLines(path(utf8("reader.log")));
         QCOMPARE(lines.size(), 1);
-        QVERIFY(lines.first().endsWith(text(" INFO   - started")));
+        QVERIFY(lines.first().endsWith(utf8(" INFO   - started")));
     }
 
     void homeBeyondAsciiHasALog()
     {
         qputenv("LC_ALL", "C.UTF-8");
-        const QString data = m_home->filePath(text("Größe 文件"));
+        const QString data = m_home->filePath(utf8("Größe 文件"));
         qputenv("XDG_DATA_HOME", QFile::encodeName(data));
         QCOMPARE(RecipeRun({QStringLiteral(RECIPE)}).exitCode, 0);
-        QCOMPARE(readLines(data + text("/example/reader/log/reader.log")).size(), 1);
+        QCOMPARE(readLines(data + utf8("/example/reader/log/reader.log")).size(), 1);
     }
 
     void onlyTheUserReadsIt()
@@ -79,23 +71,23 @@ private Q_SLOTS:
     {
         for (int i = 0; i < 2; ++i)
             QCOMPARE(RecipeRun({QStringLiteral(RECIPE)}).exitCode, 0);
-        QCOMPARE(readLines(path(text("reader.log"))).size(), 2);
+        QCOMPARE(readLines(path(utf8("reader.log"))).size(), 2);
         QCOMPARE(QDir(folder()).entryList(QDir::Files).size(), 1);
     }
 
     void fileInThePlaceOfTheDirectoryIsTold()
     {
-        QVERIFY(QDir(m_home->filePath(text(".local/share"))).removeRecursively());
-        QVERIFY(writeFile(m_home->filePath(text(".local/share")), "in the way"));
-        expectNoLog(text("The directory %1 can't be made.").arg(folder()));
+        QVERIFY(QDir(m_home->filePath(utf8(".local/share"))).removeRecursively());
+        QVERIFY(writeFile(m_home->filePath(utf8(".local/share")), "in the way"));
+        expectNoLog(utf8("The directory %1 can't be made.").arg(folder()));
     }
 
     void directoryInThePlaceOfTheFileIsTold()
     {
-        QVERIFY(QDir().mkpath(path(text("reader.log"))));
+        QVERIFY(QDir().mkpath(path(utf8("reader.log"))));
         const RecipeRun run({QStringLiteral(RECIPE)});
         QCOMPARE(run.lines.size(), 1);
-        QVERIFY(run.lines.first().startsWith(text("no log: ") + path(text("reader.log"))));
+        QVERIFY(run.lines.first().startsWith(utf8("no log: ") + path(utf8("reader.log"))));
     }
 
     void placeThatCannotBeWrittenToIsTold()
@@ -105,36 +97,36 @@ private Q_SLOTS:
         Sandbox sandbox;
         QVERIFY(QDir().mkpath(folder()));
         sandbox.readOnly(folder());
-        expectNoLog(path(text("reader.log")) + text(": Read-only file system."), sandbox);
+        expectNoLog(path(utf8("reader.log")) + utf8(": Read-only file system."), sandbox);
     }
 
     void fileOfAFormerMonthIsSetAside()
     {
         const QDateTime then = QDateTime::currentDateTime().addMonths(-3);
-        const QString month = then.toString(text("yyyy-MM"));
-        provide(text("reader.log"), "old\n", then);
+        const QString month = then.toString(utf8("yyyy-MM"));
+        provide(utf8("reader.log"), "old\n", then);
         QCOMPARE(RecipeRun({QStringLiteral(RECIPE)}).exitCode, 0);
-        QCOMPARE(readFile(path(text("reader.log.") + month)), QByteArray("old\n"));
-        QCOMPARE(readLines(path(text("reader.log"))).size(), 1);
+        QCOMPARE(readFile(path(utf8("reader.log.") + month)), QByteArray("old\n"));
+        QCOMPARE(readLines(path(utf8("reader.log"))).size(), 1);
     }
 
     void fileFromTheFutureOfAWrongClockIsContinued()
     {
-        provide(text("reader.log"), "wrong\n", QDateTime::currentDateTime().addMonths(2));
+        provide(utf8("reader.log"), "wrong\n", QDateTime::currentDateTime().addMonths(2));
         QCOMPARE(RecipeRun({QStringLiteral(RECIPE)}).exitCode, 0);
-        QCOMPARE(readLines(path(text("reader.log"))).size(), 2);
+        QCOMPARE(readLines(path(utf8("reader.log"))).size(), 2);
         QCOMPARE(QDir(folder()).entryList(QDir::Files).size(), 1);
     }
 
     void monthThatIsThereAlreadyIsNotReplaced()
     {
         const QDateTime then = QDateTime::currentDateTime().addMonths(-1);
-        const QString kept = text("reader.log.") + then.toString(text("yyyy-MM"));
+        const QString kept = utf8("reader.log.") + then.toString(utf8("yyyy-MM"));
         provide(kept, "kept\n", then);
-        provide(text("reader.log"), "old\n", then);
+        provide(utf8("reader.log"), "old\n", then);
         QCOMPARE(RecipeRun({QStringLiteral(RECIPE)}).exitCode, 0);
         QCOMPARE(readFile(path(kept)), QByteArray("kept\n"));
-        QCOMPARE(readLines(path(text("reader.log"))).size(), 2);
+        QCOMPARE(readLines(path(utf8("reader.log"))).size(), 2);
     }
 
     void sixMonthsAreKeptAndOtherFilesLeftAlone()
@@ -142,15 +134,15 @@ private Q_SLOTS:
         const QDateTime now = QDateTime::currentDateTime();
         for (const char *month :
              {"2024-11", "2024-12", "2025-01", "2025-02", "2025-03", "2025-04", "2025-05"})
-            provide(text("reader.log.") + text(month), "", now);
+            provide(utf8("reader.log.") + utf8(month), "", now);
         for (const char *name : {"reader.log.bak", "other.log.2020-01", "reader.log.2020-1"})
-            provide(text(name), "", now);
+            provide(utf8(name), "", now);
         QCOMPARE(RecipeRun({QStringLiteral(RECIPE)}).exitCode, 0);
         QStringList expected;
         for (const char *name : {"other.log.2020-01", "reader.log", "reader.log.2020-1", "reader.log.2024-12",
                                  "reader.log.2025-01", "reader.log.2025-02", "reader.log.2025-03",
                                  "reader.log.2025-04", "reader.log.2025-05", "reader.log.bak"})
-            expected << text(name);
+            expected << utf8(name);
         QCOMPARE(QDir(folder()).entryList(QDir::Files, QDir::Name), expected);
     }
 };

@@ -5,6 +5,7 @@
 #include "ProcessFigures.h"
 #include "TemporaryHome.h"
 #include "ThemeWatcher.h"
+#include "Utf8.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -23,19 +24,14 @@ namespace {
 const QString schema = QStringLiteral("org.gnome.desktop.interface");
 constexpr int patience = 60000;
 
-QString text(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
-
 bool isInstalled(const char *program)
 {
-    return !QStandardPaths::findExecutable(text(program)).isEmpty();
+    return !QStandardPaths::findExecutable(utf8(program)).isEmpty();
 }
 
 bool set(const QString &key, const QString &value)
 {
-    return QProcess::execute(text("gsettings"), {text("set"), schema, key, value}) == 0;
+    return QProcess::execute(utf8("gsettings"), {utf8("set"), schema, key, value}) == 0;
 }
 
 // Counts the timers of this process that are over once and for all.
@@ -84,7 +80,7 @@ public:
         m_process.write("\n");
         const bool isWell = m_process.waitForFinished(patience)
                             && m_process.exitStatus() == QProcess::NormalExit && m_process.exitCode() == 0;
-        return isWell ? QString::fromUtf8(m_process.readAllStandardOutput()) : text("crashed");
+        return isWell ? QString::fromUtf8(m_process.readAllStandardOutput()) : utf8("crashed");
     }
 
 private:
@@ -99,23 +95,23 @@ class TestWatchingTheTheme : public QObject
     Q_OBJECT
 
 private:
-    QString config(const char *name) const { return m_home->filePath(text(".config/") + text(name)); }
+    QString config(const char *name) const { return m_home->filePath(utf8(".config/") + utf8(name)); }
 
     // gsettings tells the theme that the file "theme" names, once the file "go" is there.
     void provideTools()
     {
         m_tools = std::make_unique<FakeTools>();
-        m_tools->add(text("which"), "exit 0");
+        m_tools->add(utf8("which"), "exit 0");
         const QByteArray folder = QFile::encodeName(m_tools->path());
-        m_tools->add(text("gsettings"), "while [ -d '" + folder + "' ] && [ ! -e '" + folder
+        m_tools->add(utf8("gsettings"), "while [ -d '" + folder + "' ] && [ ! -e '" + folder
                                             + "/go' ]; do /bin/sleep 0.01; done\n/bin/cat '" + folder
                                             + "/theme'");
         qputenv("PATH", folder);
         writeFile(tool("theme"), "'Adwaita-light'");
         writeFile(tool("go"), "");
     }
-    QString tool(const char *name) const { return m_tools->path() + QLatin1Char('/') + text(name); }
-    int questions() const { return m_tools->calls().filter(text("which")).size(); }
+    QString tool(const char *name) const { return m_tools->path() + QLatin1Char('/') + utf8(name); }
+    int questions() const { return m_tools->calls().filter(utf8("which")).size(); }
 
     std::unique_ptr<TemporaryHome> m_home;
     std::unique_ptr<FakeTools> m_tools;
@@ -152,12 +148,12 @@ private Q_SLOTS:
         if (!isInstalled("gsettings"))
             QSKIP("gsettings is not installed");
         Host host;
-        QCOMPARE(host.line(), text("light"));
-        if (!set(text("gtk-theme"), text("Adwaita-dark")))
+        QCOMPARE(host.line(), utf8("light"));
+        if (!set(utf8("gtk-theme"), utf8("Adwaita-dark")))
             QSKIP("the schemas of GNOME are not installed");
-        QCOMPARE(host.line(), text("dark"));
-        QVERIFY(set(text("gtk-theme"), text("Adwaita")));
-        QCOMPARE(host.line(), text("light"));
+        QCOMPARE(host.line(), utf8("dark"));
+        QVERIFY(set(utf8("gtk-theme"), utf8("Adwaita")));
+        QCOMPARE(host.line(), utf8("light"));
         QCOMPARE(host.pressEnter(), QString());
     }
 
@@ -167,15 +163,15 @@ private Q_SLOTS:
         if (!isInstalled("dbus-run-session") || !isInstalled("gsettings"))
             QSKIP("dbus-run-session or gsettings is not installed");
         qputenv("GSETTINGS_BACKEND", "dconf");
-        Host host({text("dbus-run-session"), text("--"), text("sh"), text("-c"),
-                   text("echo \"$DBUS_SESSION_BUS_ADDRESS\"; exec \"$0\""), QStringLiteral(RECIPE)});
+        Host host({utf8("dbus-run-session"), utf8("--"), utf8("sh"), utf8("-c"),
+                   utf8("echo \"$DBUS_SESSION_BUS_ADDRESS\"; exec \"$0\""), QStringLiteral(RECIPE)});
         qputenv("DBUS_SESSION_BUS_ADDRESS", host.line().toUtf8());
-        QCOMPARE(host.line(), text("light"));
-        if (!set(text("gtk-theme"), text("Adwaita-dark")) || !QFile::exists(config("dconf/user")))
+        QCOMPARE(host.line(), utf8("light"));
+        if (!set(utf8("gtk-theme"), utf8("Adwaita-dark")) || !QFile::exists(config("dconf/user")))
             QSKIP("dconf or the schemas of GNOME are not installed");
-        QCOMPARE(host.line(), text("dark"));
-        QVERIFY(set(text("gtk-theme"), text("Adwaita-light")));
-        QCOMPARE(host.line(), text("light"));
+        QCOMPARE(host.line(), utf8("dark"));
+        QVERIFY(set(utf8("gtk-theme"), utf8("Adwaita-light")));
+        QCOMPARE(host.line(), utf8("light"));
         QCOMPARE(host.pressEnter(), QString());
     }
 
@@ -185,10 +181,10 @@ private Q_SLOTS:
         writeFile(tool("theme"), "");
         QVERIFY(writeFile(config("plasmarc"), "[Theme]\nname=breeze-light\n"));
         Host host;
-        QCOMPARE(host.line(), text("light"));
+        QCOMPARE(host.line(), utf8("light"));
         for (const char *theme : {"dark", "light", "dark"}) {
             QVERIFY(writeFile(config("plasmarc"), "[Theme]\nname=breeze-" + QByteArray(theme) + "\n"));
-            QCOMPARE(host.line(), text(theme));
+            QCOMPARE(host.line(), utf8(theme));
         }
     }
 
@@ -200,11 +196,11 @@ private Q_SLOTS:
         const QString file = config("gtk-3.0/settings.ini");
         QVERIFY(writeFile(file, "[Settings]\ngtk-theme-name=Arc-light\n"));
         Host host;
-        QCOMPARE(host.line(), text("light"));
+        QCOMPARE(host.line(), utf8("light"));
         for (const char *theme : {"dark", "light", "dark"}) {
-            QVERIFY(writeFile(file + text(".new"), "[Settings]\ngtk-theme-name=" + QByteArray(theme) + "\n"));
-            QVERIFY(QFile::remove(file) && QFile::rename(file + text(".new"), file));
-            QCOMPARE(host.line(), text(theme));
+            QVERIFY(writeFile(file + utf8(".new"), "[Settings]\ngtk-theme-name=" + QByteArray(theme) + "\n"));
+            QVERIFY(QFile::remove(file) && QFile::rename(file + utf8(".new"), file));
+            QCOMPARE(host.line(), utf8(theme));
         }
     }
 
@@ -214,21 +210,21 @@ private Q_SLOTS:
         writeFile(tool("theme"), "");
         QVERIFY(QDir(config("")).removeRecursively());
         Host host;
-        QCOMPARE(host.line(), text("light"));
+        QCOMPARE(host.line(), utf8("light"));
         QVERIFY(QDir().mkpath(config("kylin-qt5")));
         QVERIFY(writeFile(config("kylin-qt5/qt5ct.conf"), "[Appearance]\nstyle=ukui-dark\n"));
-        QCOMPARE(host.line(), text("dark"));
+        QCOMPARE(host.line(), utf8("dark"));
         QVERIFY(writeFile(config("kylin-qt5/qt5ct.conf"), "[Appearance]\nstyle=ukui-light\n"));
-        QCOMPARE(host.line(), text("light"));
+        QCOMPARE(host.line(), utf8("light"));
     }
 
     void changeWithoutASignIsSeenAtTheNextInterval()
     {
         provideTools();
-        Host host({QStringLiteral(RECIPE), text("50")});
-        QCOMPARE(host.line(), text("light"));
+        Host host({QStringLiteral(RECIPE), utf8("50")});
+        QCOMPARE(host.line(), utf8("light"));
         QVERIFY(writeFile(tool("theme"), "'Adwaita-dark'"));
-        QCOMPARE(host.line(), text("dark"));
+        QCOMPARE(host.line(), utf8("dark"));
     }
 
     void paletteOfTheApplicationIsASign()
@@ -247,7 +243,7 @@ private Q_SLOTS:
     void oneQuestionAtATimeIsAsked()
     {
         provideTools();
-        m_tools->add(text("gsettings"), "/bin/mkdir '" + QFile::encodeName(tool("busy")) + "' || : >'"
+        m_tools->add(utf8("gsettings"), "/bin/mkdir '" + QFile::encodeName(tool("busy")) + "' || : >'"
                                             + QFile::encodeName(tool("overlap"))
                                             + "'\n/bin/sleep 0.5; /bin/cat '"
                                             + QFile::encodeName(tool("theme")) + "'; /bin/rmdir '"
@@ -293,7 +289,7 @@ private Q_SLOTS:
     void toolThatHangsHoldsTheHostAtNoTime()
     {
         provideTools();
-        m_tools->add(text("gsettings"), "read line"); // until its host is gone
+        m_tools->add(utf8("gsettings"), "read line"); // until its host is gone
         Host host;
         QTRY_VERIFY_WITH_TIMEOUT(m_tools->calls().size() == 2, patience);
         QElapsedTimer time;
