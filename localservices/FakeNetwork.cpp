@@ -83,7 +83,7 @@ void FakeNetwork::route(const char *host, const RawServer::Answer &answer)
 void FakeNetwork::routePublicServices()
 {
     m_publicServices = std::make_unique<PublicServices>();
-    m_publicServices->lead(m_proxy);
+    m_publicServices->route(m_proxy);
 }
 
 QUrl FakeNetwork::proxyUrl() const

@@ -42,13 +42,13 @@ public:
     /** Makes this process use the proxy; its certificates are not trusted. */
     void installProxy();
 
-    void route(const char *host, const QUrl &url) { m_proxy.lead(QLatin1String(host), url); }
+    void route(const char *host, const QUrl &url) { m_proxy.route(QLatin1String(host), url); }
 
     /** Routes @p host to a new server that answers each request with @p answer. */
     void route(const char *host, const RawServer::Answer &answer);
 
     /** Routes every host that has no route of its own. */
-    void routeAll(const QUrl &url) { m_proxy.leadAll(url); }
+    void routeAll(const QUrl &url) { m_proxy.routeAll(url); }
 
     /** Routes the hosts that report the public address, the country and the location. */
     void routePublicServices();
