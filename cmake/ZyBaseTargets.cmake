@@ -50,3 +50,17 @@ function(zybase_shared_object target)
         BUILD_RPATH_USE_ORIGIN ON
         INSTALL_RPATH "$ORIGIN")
 endfunction()
+
+# zybase_export(<target> <list>): the library exports the C++ names of the list and nothing else, whatever
+# the compiler and its options make of inline functions.
+function(zybase_export target list)
+    file(READ "${list}" names)
+    string(REGEX REPLACE "#[^\n]*\n" "" names "${names}")
+    string(REGEX REPLACE "([^\n]+)\n" "        \"\\1\";\n" names "${names}")
+    set(script "${CMAKE_CURRENT_BINARY_DIR}/${target}.map")
+    file(GENERATE OUTPUT "${script}"
+        CONTENT "{\n  global:\n    extern \"C++\" {\n${names}    };\n  local:\n    *;\n};\n")
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${list}")
+    target_link_options(${target} PRIVATE "LINKER:--version-script=${script}")
+    set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${script}")
+endfunction()
