@@ -18,6 +18,8 @@ set(ZYBASE_LIBRARY_DIR "${CMAKE_CURRENT_BINARY_DIR}/lib")
 function(zybase_compile target)
     target_compile_features(${target} PRIVATE cxx_std_17)
     set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
+    # Before glibc 2.34 the thread functions are a library of their own.
+    target_link_libraries(${target} PRIVATE Threads::Threads)
     target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
         # Qt's own macros are called without their last arguments.
         $<$<CXX_COMPILER_ID:Clang>:-Wno-gnu-zero-variadic-macro-arguments>
