@@ -12,7 +12,7 @@
  *
  * Applications use ZyBase::CGaReportManager, which contains an object of this class.
  *
- * **Thread safety.** Not thread-safe: use the object only in the thread that created it, which may be the
+ * **Threads.** Not thread-safe: use the object only in the thread that created it, which may be the
  * GUI thread.
  *
  * **Blocking.** ReportGaData() with @p sync true blocks for 10000 ms at most; Qt's coarse timer can make

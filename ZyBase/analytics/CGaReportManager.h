@@ -46,7 +46,7 @@ namespace ZyBase {
  *
  * CGoogleAnalytics and CXdReport describe what is sent.
  *
- * **Thread safety.** Not thread-safe: use the instance only in the thread that first called getInstance(),
+ * **Threads.** Not thread-safe: use the instance only in the thread that first called getInstance(),
  * which may be the GUI thread. That thread must run an event loop. Without one, background requests are
  * never deleted, and events are never stopped.
  *

@@ -30,7 +30,7 @@
  * without separators: the secret, "timestamp", the seconds, the JSON, the secret. The secret is a constant
  * of the library. "day" can be one second earlier than the time stamp.
  *
- * **Thread safety.** Not thread-safe: use the object only in the thread that created it, which may be the
+ * **Threads.** Not thread-safe: use the object only in the thread that created it, which may be the
  * GUI thread.
  *
  * **Blocking.** No function blocks.

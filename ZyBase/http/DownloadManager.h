@@ -36,7 +36,7 @@ namespace ZyBase {
  * Redirects are not followed. Such a download fails, and only the standard error stream shows the target.
  * @ref guide-following-a-redirect "docs/guide/following-a-redirect.md" shows how to follow them.
  *
- * **Thread safety.** Reentrant: different threads may use different objects. Use an object only in the
+ * **Threads.** Reentrant: different threads may use different objects. Use an object only in the
  * thread that created it, which may be the GUI thread. That thread must run an event loop and receives all
  * signals.
  *

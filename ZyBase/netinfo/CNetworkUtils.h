@@ -31,7 +31,7 @@ namespace ZyBase {
  *
  * Every call sends a new request. Nothing is cached, repeated or logged.
  *
- * **Thread safety.** All functions are thread-safe. They may be called from the GUI thread, but see
+ * **Threads.** All functions are thread-safe. They may be called from the GUI thread, but see
  * Blocking.
  *
  * **Blocking.** Each request blocks for 10000 ms at most; Qt's coarse timer can make that 10500 ms.
@@ -101,7 +101,7 @@ public:
 /**
  * Returns the location of the machine from the JSON service, over plain HTTP.
  *
- * **Thread safety.** Thread-safe.
+ * **Threads.** Thread-safe.
  *
  * **Blocking.** Blocks for one request in a nested event loop: 10000 ms at most, or 10500 ms with Qt's
  * coarse timer. The rules and warnings of ZyBase::CNetworkUtils apply.
@@ -126,7 +126,7 @@ ZYBASE_EXPORT bool GetIPInfoAPI(QString &strCountry, QString &strLocation, doubl
  * found; a repeated entry counts again and replaces the value. Values are not decoded: an entity such as
  * "&amp;" stays.
  *
- * **Thread safety.** Thread-safe.
+ * **Threads.** Thread-safe.
  *
  * **Blocking.** Blocks for one request in a nested event loop: 10000 ms at most, or 10500 ms with Qt's
  * coarse timer. The rules and warnings of ZyBase::CNetworkUtils apply.
@@ -147,7 +147,7 @@ ZYBASE_EXPORT bool GetIPInfoMy(QString &strCountry, QString &strLocation, double
 /**
  * Returns the public IP address of the machine.
  *
- * **Thread safety.** Thread-safe.
+ * **Threads.** Thread-safe.
  *
  * **Blocking.** Blocks for one request in a nested event loop: 10000 ms at most, or 10500 ms with Qt's
  * coarse timer. The rules and warnings of ZyBase::CNetworkUtils apply.
@@ -169,7 +169,7 @@ ZYBASE_EXPORT QString GetIP();
  * of the line; if there is no "<" after it, it extends to the end. Nothing is trimmed or decoded. Sends no
  * request.
  *
- * **Thread safety.** Thread-safe.
+ * **Threads.** Thread-safe.
  *
  * **Blocking.** Does not block.
  *
