@@ -29,7 +29,7 @@ class World::OwnServices : public World::Services
 {
 public:
     OwnServices()
-        : m_backend(szSigningSecret)
+        : m_backend(ZyBase::pszSigningSecret)
         , m_proxy(m_authority)
     {
         m_publicServices.lead(m_proxy);

@@ -42,7 +42,7 @@ QString locateWhereTheFirstRefuses(Report &report)
     const Authority authority;
     Proxy proxy(authority);
     services.lead(proxy);
-    proxy.lead(QLatin1String(ZyBase::Services::pszGeolocationHost), refusal.url());
+    proxy.lead(QLatin1String(ZyBase::pszGeolocationHost), refusal.url());
     const QNetworkProxy previous = QNetworkProxy::applicationProxy();
     QNetworkProxy::setApplicationProxy(
         QNetworkProxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), proxy.port()));

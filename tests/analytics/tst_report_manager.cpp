@@ -97,7 +97,7 @@ private Q_SLOTS:
     {
         m_directory = std::make_unique<QTemporaryDir>();
         m_collectors = std::make_unique<Collectors>();
-        m_backend = std::make_unique<StatisticsBackend>(szSigningSecret);
+        m_backend = std::make_unique<StatisticsBackend>(ZyBase::pszSigningSecret);
         QVERIFY(!CGaReportManager::s_instance);
     }
     void cleanup()

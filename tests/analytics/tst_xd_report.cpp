@@ -54,12 +54,12 @@ private:
     std::unique_ptr<StatisticsBackend> m_backend;
 
 private Q_SLOTS:
-    void init() { m_backend = std::make_unique<StatisticsBackend>(szSigningSecret); }
+    void init() { m_backend = std::make_unique<StatisticsBackend>(ZyBase::pszSigningSecret); }
     void cleanup() { m_backend.reset(); }
 
     void secretHas32AsciiCharacters()
     {
-        const QByteArray secret(szSigningSecret);
+        const QByteArray secret(ZyBase::pszSigningSecret);
         QCOMPARE(secret.size(), 32);
         QVERIFY(std::all_of(secret.begin(), secret.end(), [](char c) { return c > ' ' && c < 127; }));
     }
@@ -95,7 +95,7 @@ private Q_SLOTS:
         const StatisticsBackend::Record record = send();
         const QByteArray seconds = QByteArray::number(record.timestamp);
         QCOMPARE(record.request.target, "/report?sign=" + record.signature + "&timestamp=" + seconds);
-        const QByteArray secret(szSigningSecret);
+        const QByteArray secret(ZyBase::pszSigningSecret);
         const QByteArray signedText = secret + "timestamp" + seconds + record.request.body + secret;
         QCOMPARE(record.signature, QCryptographicHash::hash(signedText, QCryptographicHash::Md5).toHex());
     }
@@ -103,10 +103,10 @@ private Q_SLOTS:
     void secretIsNotOnTheWire()
     {
         const HttpServer::Request request = send().request;
-        QVERIFY(!request.target.contains(szSigningSecret));
-        QVERIFY(!request.body.contains(szSigningSecret));
+        QVERIFY(!request.target.contains(ZyBase::pszSigningSecret));
+        QVERIFY(!request.body.contains(ZyBase::pszSigningSecret));
         for (const QPair<QByteArray, QByteArray> &header : request.headers)
-            QVERIFY(!header.second.contains(szSigningSecret));
+            QVERIFY(!header.second.contains(ZyBase::pszSigningSecret));
     }
 
     void headersAreThoseOfAPostWithoutASession()
@@ -221,7 +221,8 @@ private Q_SLOTS:
 
     void peerIsNotVerified()
     {
-        const StatisticsBackend secure(szSigningSecret, Authority::selfSigned(QStringLiteral("other")));
+        const StatisticsBackend secure(ZyBase::pszSigningSecret,
+                                       Authority::selfSigned(QStringLiteral("other")));
         Reporter reporter;
         start(reporter, secure.url());
         QTRY_COMPARE(reporter.running(), 0);

@@ -29,7 +29,7 @@ HttpServer::Answer answerWith(const QByteArray &body)
 } // namespace
 
 LocalWorld::LocalWorld()
-    : m_backend(szSigningSecret)
+    : m_backend(ZyBase::pszSigningSecret)
     , m_server({}, {{QStringLiteral("/json"), answerWith(location)},
                     {QStringLiteral("/orders/4711"), answerWith(order)}})
     , m_proxy(m_authority)
@@ -52,7 +52,7 @@ void LocalWorld::setSilent(bool isSilent)
         m_silence =
             std::make_unique<RawServer>([](LocalServices::Connection &client) { client.waitForClose(); });
     const QUrl target = isSilent ? m_silence->url() : m_server.url(QStringLiteral("/"));
-    for (const char *host : {ZyBase::Services::pszGeolocationHost, ZyBase::Services::pszGeolocationPageHost})
+    for (const char *host : {ZyBase::pszGeolocationHost, ZyBase::pszGeolocationPageHost})
         m_proxy.lead(QLatin1String(host), target);
     if (!isSilent)
         m_silence.reset();

@@ -59,9 +59,8 @@ private Q_SLOTS:
     {
         const auto never = [](Connection &client) { client.waitForClose(); };
         World world;
-        for (const char *host :
-             {ZyBase::Services::pszGeolocationHost, ZyBase::Services::pszGeolocationPageHost,
-              ZyBase::Services::pszAddressHost, ZyBase::Services::pszCountryHost})
+        for (const char *host : {ZyBase::pszGeolocationHost, ZyBase::pszGeolocationPageHost,
+                                 ZyBase::pszAddressHost, ZyBase::pszCountryHost})
             world.answer(host, never);
         Resolver::hold();
 

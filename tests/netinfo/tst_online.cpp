@@ -20,7 +20,7 @@ using ZyBase::CNetworkUtils;
 
 namespace {
 
-const QByteArray probe = ZyBase::Services::pszProbeName;
+const QByteArray probe = ZyBase::pszProbeName;
 
 // A host on a machine with its own network, in which there is nothing, and its own way to look names up.
 QJsonValue isOnline(const QByteArray &hosts, const QByteArray &sources)

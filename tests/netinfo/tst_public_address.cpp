@@ -12,8 +12,8 @@ using ZyBase::CNetworkUtils;
 
 namespace {
 
-const char *const addressHost = ZyBase::Services::pszAddressHost;
-const char *const countryHost = ZyBase::Services::pszCountryHost;
+const char *const addressHost = ZyBase::pszAddressHost;
+const char *const countryHost = ZyBase::pszCountryHost;
 
 void addUselessAnswers()
 {

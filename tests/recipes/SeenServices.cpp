@@ -7,7 +7,7 @@
 #include <QJsonDocument>
 
 SeenServices::SeenServices()
-    : m_backend(szSigningSecret)
+    : m_backend(ZyBase::pszSigningSecret)
     , m_proxy(m_authority)
 {
     m_statistics = m_backend.url();
