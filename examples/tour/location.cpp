@@ -41,8 +41,8 @@ QString locateWhereTheFirstRefuses(Report &report)
     const RawServer refusal(RawServer::answerWith("{\"status\":\"fail\"}"));
     const Authority authority;
     Proxy proxy(authority);
-    services.lead(proxy);
-    proxy.lead(QLatin1String(ZyBase::pszGeolocationHost), refusal.url());
+    services.route(proxy);
+    proxy.route(QLatin1String(ZyBase::pszGeolocationHost), refusal.url());
     const QNetworkProxy previous = QNetworkProxy::applicationProxy();
     QNetworkProxy::setApplicationProxy(
         QNetworkProxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), proxy.port()));

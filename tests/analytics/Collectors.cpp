@@ -13,7 +13,7 @@ Collectors::Collectors()
     , m_previousProxy(QNetworkProxy::applicationProxy())
     , m_proxy(m_authority)
 {
-    leadTo(m_ga.url());
+    routeTo(m_ga.url());
     trust(m_authority);
     use(m_proxy);
 }

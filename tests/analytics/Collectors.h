@@ -25,7 +25,7 @@ public:
     ~Collectors();
 
     /** Leads all host names to another server. */
-    void leadTo(const QUrl &url) { m_proxy.leadAll(url); }
+    void routeTo(const QUrl &url) { m_proxy.routeAll(url); }
 
     LocalServices::GaCollector &ga() { return m_ga; }
     const LocalServices::Authority &authority() const { return m_authority; }

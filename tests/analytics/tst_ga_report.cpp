@@ -109,7 +109,7 @@ private Q_SLOTS:
     void backgroundFormReturnsAtOnce()
     {
         const SilentServer server;
-        m_collectors->leadTo(server.url());
+        m_collectors->routeTo(server.url());
         Reporter reporter;
         QElapsedTimer clock;
         clock.start();
@@ -130,7 +130,7 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, answer);
         const RawAnswer server(answer);
-        m_collectors->leadTo(server.url());
+        m_collectors->routeTo(server.url());
         Reporter reporter;
         startThree(reporter);
         QCOMPARE(reporter.started(), 3);
@@ -158,7 +158,7 @@ private Q_SLOTS:
     void eachRequestHasAThreadAndOneStopEndsThemAll()
     {
         const SilentServer server;
-        m_collectors->leadTo(server.url());
+        m_collectors->routeTo(server.url());
         Reporter reporter;
         startThree(reporter);
         QCOMPARE(reporter.running(), 3);
@@ -187,7 +187,7 @@ private Q_SLOTS:
     void stopTakesAHopThroughTheEventLoop()
     {
         const SilentServer server;
-        m_collectors->leadTo(server.url());
+        m_collectors->routeTo(server.url());
         Reporter reporter;
         report(reporter, false);
         QTRY_COMPARE(server.requests().size(), 1);
@@ -242,7 +242,7 @@ private Q_SLOTS:
             else
                 client.reset();
         });
-        m_collectors->leadTo(slow.url());
+        m_collectors->routeTo(slow.url());
         Reporter reporter;
         QTimer timer;
         int stops = 0;

@@ -238,7 +238,7 @@ private Q_SLOTS:
                 return Authority::selfSigned(host);
             return m_collectors->authority().issue(host, QDateTime::currentDateTimeUtc().addSecs(-3600));
         });
-        proxy.leadAll(m_collectors->ga().url());
+        proxy.routeAll(m_collectors->ga().url());
         Collectors::use(proxy);
         QCOMPARE(send(Mode::Sync), resultOf(""));
         QCOMPARE(send(Mode::Async), resultOf(""));
@@ -252,7 +252,7 @@ private Q_SLOTS:
         QFETCH(Mode, mode);
         const Authority other;
         Proxy proxy(other);
-        proxy.leadAll(m_collectors->ga().url());
+        proxy.routeAll(m_collectors->ga().url());
         Collectors::use(proxy);
         QSslConfiguration trusting = QSslConfiguration::defaultConfiguration();
         trusting.setPeerVerifyMode(QSslSocket::VerifyNone);
@@ -286,7 +286,7 @@ private Q_SLOTS:
         QFETCH(bool, isTrue);
         QFETCH(QByteArray, data);
         const RawAnswer server(answer);
-        m_collectors->leadTo(server.url());
+        m_collectors->routeTo(server.url());
         CGoogleAnalytics analytics;
         QCOMPARE(sendSync(analytics), isTrue);
         QCOMPARE(send(Mode::Async), resultOf(data));
@@ -302,7 +302,7 @@ private Q_SLOTS:
     {
         QFETCH(bool, isProxyThere);
         if (isProxyThere) {
-            m_collectors->leadTo(deadUrl());
+            m_collectors->routeTo(deadUrl());
         } else {
             QNetworkProxy::setApplicationProxy(QNetworkProxy(
                 QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), quint16(deadUrl().port())));
@@ -315,7 +315,7 @@ private Q_SLOTS:
     void nothingIsTriedTwice()
     {
         const RawAnswer server(rawAnswer("503 Away", page));
-        m_collectors->leadTo(server.url());
+        m_collectors->routeTo(server.url());
         send(Mode::Sync);
         send(Mode::Async);
         QTest::qWait(50);
@@ -325,7 +325,7 @@ private Q_SLOTS:
     void stoppedRequestIsCancelled()
     {
         const SilentServer server;
-        m_collectors->leadTo(server.url());
+        m_collectors->routeTo(server.url());
         WatchedEvent watched;
         watched.start();
         QTRY_COMPARE(server.requests().size(), 1);
@@ -368,7 +368,7 @@ private Q_SLOTS:
             if (client.sleep(500))
                 client.write(rawAnswer("200 OK", page));
         });
-        m_collectors->leadTo(slow.url());
+        m_collectors->routeTo(slow.url());
         CGoogleAnalytics analytics;
         int stops = 0;
         QTimer timer;
@@ -384,7 +384,7 @@ private Q_SLOTS:
     void quittingEndsTheWaitAsIfAllWereWell()
     {
         const SilentServer silent;
-        m_collectors->leadTo(silent.url());
+        m_collectors->routeTo(silent.url());
         bool returned = false;
         QTimer::singleShot(0, this, [&returned] {
             CGoogleAnalytics analytics;
@@ -402,7 +402,7 @@ private Q_SLOTS:
     {
         WatchedEvent watched;
         QVERIFY(sendSync(watched.analytics()));
-        m_collectors->leadTo(deadUrl());
+        m_collectors->routeTo(deadUrl());
         QVERIFY(!sendSync(watched.analytics()));
         QTest::qWait(10);
         QVERIFY(watched.outcomes().isEmpty());
@@ -411,7 +411,7 @@ private Q_SLOTS:
     void backgroundRequestReturnsAtOnceInAThreadOfItsOwn()
     {
         const SilentServer server;
-        m_collectors->leadTo(server.url());
+        m_collectors->routeTo(server.url());
         std::atomic<QThread *> emitter {nullptr};
         WatchedEvent watched;
         connect(&watched.analytics(), &CGoogleAnalytics::SignalRequestCancel,
@@ -449,7 +449,7 @@ private Q_SLOTS:
     void oneStopReachesAllRequestsOfTheObject()
     {
         const SilentServer server;
-        m_collectors->leadTo(server.url());
+        m_collectors->routeTo(server.url());
         WatchedEvent watched;
         for (int i = 0; i < 3; ++i)
             watched.start();

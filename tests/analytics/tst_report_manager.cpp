@@ -423,7 +423,7 @@ private Q_SLOTS:
     void stopsAreForOneCollectorEach()
     {
         const SilentServer silent;
-        m_collectors->leadTo(silent.url());
+        m_collectors->routeTo(silent.url());
         loadTwoEvents();
         manager()->InitXdData(silent.url().toString(), {}, {}, {}, {});
         for (int i = 0; i < 3; ++i) {
@@ -444,7 +444,7 @@ private Q_SLOTS:
     void releaseStopsBothAndDeletesNothing()
     {
         const SilentServer silent;
-        m_collectors->leadTo(silent.url());
+        m_collectors->routeTo(silent.url());
         loadTwoEvents();
         CGaReportManager *const instance = manager();
         instance->InitXdData(silent.url().toString(), {}, {}, {}, {});
@@ -458,7 +458,7 @@ private Q_SLOTS:
 
         QCOMPARE(CGaReportManager::s_instance, instance);
         QVERIFY(!instance->GetGaData(utf8("open")).isEmpty());
-        m_collectors->leadTo(m_collectors->ga().url());
+        m_collectors->routeTo(m_collectors->ga().url());
         instance->SendGaReport(utf8("open"), QString(), false);
         QTRY_COMPARE(runningEvents(), 0);
         QCOMPARE(received(), QStringList {utf8("open_file/file/pdf")});

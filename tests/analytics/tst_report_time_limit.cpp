@@ -65,7 +65,7 @@ private:
 private Q_SLOTS:
     void initTestCase()
     {
-        m_collectors.leadTo(m_dripping.url());
+        m_collectors.routeTo(m_dripping.url());
         std::thread first([this] {
             measure(m_analytics, [] {
                 CGoogleAnalytics analytics;
@@ -80,7 +80,7 @@ private Q_SLOTS:
             });
         });
         QTRY_COMPARE(m_dripping.requests().size(), 2);
-        m_collectors.leadTo(m_silent.url());
+        m_collectors.routeTo(m_silent.url());
 
         QElapsedTimer clock;
         clock.start();

@@ -59,7 +59,7 @@ void World::answer(const char *host, const QByteArray &body)
 void World::answer(const char *host, const RawServer::Answer &answer)
 {
     const auto server = std::make_shared<RawServer>(answer);
-    m_proxy->lead(QString::fromLatin1(host), server->url());
+    m_proxy->route(QString::fromLatin1(host), server->url());
     m_hosts.insert(host, server);
 }
 
