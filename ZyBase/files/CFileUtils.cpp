@@ -41,7 +41,7 @@ std::string GetAppDirPath()
     return strFilePath.substr(0, strFilePath.rfind('/'));
 }
 
-// The path comes by value as hosts were compiled against it.
+// The path is passed by value for binary compatibility.
 QByteArray getBigFileMd5(QString strFilePath) // NOLINT(performance-unnecessary-value-param)
 {
     QFile file(strFilePath);
@@ -51,7 +51,7 @@ QByteArray getBigFileMd5(QString strFilePath) // NOLINT(performance-unnecessary-
     QCryptographicHash hash(QCryptographicHash::Md5);
     QByteArray chunk;
     chunk.reserve(nHashChunkSize);
-    // Ends by the size alone: a file that was cut meanwhile is waited for.
+    // Only the original size ends the loop. If the file becomes shorter, the loop waits for it to grow again.
     for (qint64 nLeft = file.size(); nLeft > 0; nLeft -= chunk.length()) {
         chunk.resize(int(qMin<qint64>(nLeft, nHashChunkSize)));
         chunk.resize(int(qMax<qint64>(file.read(chunk.data(), chunk.length()), 0)));
@@ -121,7 +121,7 @@ QString CFileUtils::ReadFileData(const QString &strFilePath)
         return QStringLiteral("");
     const QByteArray data = file.readAll();
     file.close();
-    // Up to the first NUL byte, as a C string is read.
+    // constData() without a length: the string ends before the first NUL byte.
     return data.isNull() ? QString() : QString::fromUtf8(data.constData());
 }
 
@@ -185,7 +185,7 @@ QString CFileUtils::GetFileSize(const QString &strFilePath)
 
 bool CFileUtils::isFolderWritable(const QString &strFolderPath)
 {
-    // The backslash is no separator here; hosts rely on the answer that this gives.
+    // On Linux the backslash is part of the file name. It is kept for compatibility.
     QTemporaryFile probe(strFolderPath + QLatin1String("\\temp_0"));
     return probe.open();
 }
