@@ -201,14 +201,14 @@ public:
      *
      * This function never blocks.
      *
-     * @param data the bytes; the array is not changed
+     * @param baData the bytes; the array is not changed
      * @param cKey the key; 0 changes nothing
      * @return an array of the same length, or a null array if the data is null
      *
      * @warning This is not encryption: anyone can find the key. Do not use it to protect secrets. Use a
      * cryptographic library instead.
      */
-    static QByteArray getEncryptDecryptByte(const QByteArray &data, const char &cKey);
+    static QByteArray getEncryptDecryptByte(const QByteArray &baData, const char &cKey);
 
     /**
      * Returns the size of a file as a string for display.

@@ -28,9 +28,9 @@ QString dateFormat()
 // which is not thread-safe. Formatting one here loads it before a second thread can need it.
 QDate todayWithLocaleLoaded()
 {
-    const QDate dateToday = QDate::currentDate();
-    dateToday.toString(dateFormat());
-    return dateToday;
+    const QDate today = QDate::currentDate();
+    today.toString(dateFormat());
+    return today;
 }
 
 } // namespace
@@ -52,9 +52,9 @@ bool CFileUtils::CheckFilePathValid(const QString &strFilePath)
 
 QString CFileUtils::FormatOpenTime(long long nSeconds)
 {
-    static const QDate dateToday = todayWithLocaleLoaded();
+    static const QDate today = todayWithLocaleLoaded();
     const QDateTime dateTime = QDateTime::fromSecsSinceEpoch(nSeconds, Qt::LocalTime);
-    if (dateTime.date() == dateToday)
+    if (dateTime.date() == today)
         return dateTime.toString(QStringLiteral("HH:mm:ss"));
     return dateTime.toString(dateFormat());
 }

@@ -17,7 +17,7 @@ constexpr const char *pszDesktopVariable = "XDG_CURRENT_DESKTOP";
 struct Command
 {
     QString strProgram;
-    QStringList listArguments;
+    QStringList arguments;
 };
 
 QString currentDesktop()
@@ -52,9 +52,9 @@ void CFileUtils::OpenFolderAndSelectFile(QString strFilePath) // NOLINT(performa
         return;
     }
     const Command command = fileManagerCommand(currentDesktop(), fileInfo);
-    if (QProcess::startDetached(command.strProgram, command.listArguments))
+    if (QProcess::startDetached(command.strProgram, command.arguments))
         return;
-    qWarning() << "Failed to execute:" << command.strProgram << command.listArguments;
+    qWarning() << "Failed to execute:" << command.strProgram << command.arguments;
     QDesktopServices::openUrl(QUrl::fromLocalFile(fileInfo.absolutePath()));
 }
 

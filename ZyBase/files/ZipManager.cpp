@@ -90,9 +90,9 @@ ZipManager::ZipManager(QObject *pParent)
 {
 }
 
-bool ZipManager::ZipDir(const QString &strZipPath, const QStringList &listFilePaths)
+bool ZipManager::ZipDir(const QString &strZipPath, const QStringList &filePaths)
 {
-    return zipWriter(strZipPath, listFilePaths);
+    return zipWriter(strZipPath, filePaths);
 }
 
 bool ZipManager::UnzipFile(const QString &strZipPath, QString strExtractDir)

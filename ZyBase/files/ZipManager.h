@@ -13,7 +13,7 @@ namespace ZyBase {
 /**
  * Does nothing: no archive is created.
  *
- * @param strZipPath,listFilePaths not used
+ * @param strZipPath,filePaths not used
  * @return always false
  *
  * **Threads.** This function is thread-safe. **Blocking.** Never blocks.
@@ -21,7 +21,7 @@ namespace ZyBase {
  * @warning Do not use it to create archives. Use QuaZip directly.
  * @since 0.1.0
  */
-ZYBASE_EXPORT bool zipWriter(const QString &strZipPath, const QStringList &listFilePaths);
+ZYBASE_EXPORT bool zipWriter(const QString &strZipPath, const QStringList &filePaths);
 
 /**
  * Does nothing: no file is extracted.
@@ -68,12 +68,12 @@ public:
     /**
      * Does nothing: no archive is created.
      *
-     * @param strZipPath,listFilePaths not used
+     * @param strZipPath,filePaths not used
      * @return always false
      *
      * @warning Do not use it to create archives. Use QuaZip directly.
      */
-    static bool ZipDir(const QString &strZipPath, const QStringList &listFilePaths);
+    static bool ZipDir(const QString &strZipPath, const QStringList &filePaths);
 
     /**
      * Does nothing: no file is extracted.
@@ -88,13 +88,13 @@ public:
     /**
      * Does nothing: no archive is created.
      *
-     * @param strZipPath,listFilePaths not used
+     * @param strZipPath,filePaths not used
      * @return always true
      *
      * @warning True does not mean that an archive exists. Do not use it to create archives. Use QuaZip
      * directly.
      */
-    static bool QuaZipDir(const QString &strZipPath, const QStringList &listFilePaths);
+    static bool QuaZipDir(const QString &strZipPath, const QStringList &filePaths);
 
     /**
      * Extracts all entries of an archive into a directory.
