@@ -56,8 +56,8 @@ public:
      * time with a random number where both are. What is stored is returned as it stands, whatever
      * became of the machine and whatever the text looks like; nothing is written then.
      *
-     * @param strDirPrefix what the directory's path below the configuration directory begins with
-     * @param strDirName what follows straight behind it
+     * @param dirPrefix what the directory's path below the configuration directory begins with
+     * @param dirName what follows straight behind it
      * @return 32 lower-case hexadecimal digits, or what else was stored; never empty
      *
      * @warning No separator is put between the arguments: "example" and "reader" are the directory
@@ -72,7 +72,7 @@ public:
      * **Threads.** Any. First calls at the same time write the same value; where it is made from the
      * time the last one stays, and another caller holds a value that is not the stored one.
      */
-    static QString GetPCID(const QString &strDirPrefix, const QString &strDirName);
+    static QString GetPCID(const QString &dirPrefix, const QString &dirName);
 
     /**
      * A random number from Qt's process-wide generator.
@@ -90,14 +90,14 @@ public:
      * Whether this is the first call for the directory. The call itself makes the next one answer false: it
      * sets the key "NewUser" of the file that GetPCID() tells of.
      *
-     * @param strDirPrefix,strDirName as for GetPCID()
+     * @param dirPrefix,dirName as for GetPCID()
      * @return true for the first call; false once the key is there, whatever its value is, so a stored
      * "false" is no new user either
      *
      * @warning Ask once a run and keep the answer. Where the file can't be written the answer is true
      * each time, and two processes that ask first at the same time may both hear true.
      */
-    static bool IsNewUser(const QString &strDirPrefix, const QString &strDirName);
+    static bool IsNewUser(const QString &dirPrefix, const QString &dirName);
 
     /** No monitor is asked: QScreen::logicalDotsPerInch() has the real numbers. @return three zeros */
     static std::array<quint64, 3> GetDpiFromMonitors();

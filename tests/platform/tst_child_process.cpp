@@ -2,29 +2,46 @@
 
 #include <ZyBase/platform/ChildProcess.h>
 
+#include "Utf8.h"
+
 #include <QTest>
 
-using ZyBase::runTool;
-using ZyBase::takeOutput;
+#include <dlfcn.h>
+
+using ZyBase::ChildProcess;
 
 namespace {
 
-const QString quiet = QStringLiteral("");
+const QString emptyString = QStringLiteral("");
+constexpr int notExecutableCode = 255;
 
-void runShell(QProcess &process, const char *script)
+QList<QIODevice::OpenMode> openModes; // of all starts
+
+void runShell(ChildProcess &process, const char *script)
 {
-    runTool(process, "sh", {QStringLiteral("-c"), QLatin1String(script)});
+    process.run("sh", {QStringLiteral("-c"), utf8(script)});
 }
 
 } // namespace
 
-// A tool of the desktop, as the questions for the theme and the default application run it.
+// Called instead of Qt's function, because symbols of the program come first. Records the mode.
+__attribute__((visibility("default"))) void QProcess::start(const QString &program,
+                                                            const QStringList &arguments, OpenMode mode)
+{
+    openModes << mode;
+    using Start = void (*)(QProcess *, const QString &, const QStringList &, OpenMode);
+    static const auto original = reinterpret_cast<Start>(
+        dlsym(RTLD_NEXT, "_ZN8QProcess5startERK7QStringRK11QStringList6QFlagsIN9QIODevice12OpenModeFlagEE"));
+    original(this, program, arguments, mode);
+}
+
+// Runs tools as the theme detectors and the default application functions do.
 class TestChildProcess : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void outputIsTakenAsText_data()
+    void returnsOutput_data()
     {
         QTest::addColumn<QByteArray>("script");
         QTest::addColumn<QString>("output");
@@ -32,43 +49,61 @@ private Q_SLOTS:
             << QByteArray("printf ' \\t\\n a b \\r\\n'") << QStringLiteral("a b");
         QTest::newRow("UTF-8") << QByteArray("printf '\\303\\244'") << QStringLiteral("\u00e4");
         QTest::newRow("up to a NUL byte") << QByteArray("printf 'a\\0b'") << QStringLiteral("a");
-        QTest::newRow("nothing") << QByteArray("true") << quiet;
-        QTest::newRow("white space alone") << QByteArray("printf ' \\n'") << quiet;
-        QTest::newRow("errors are no output") << QByteArray("echo wrong >&2") << quiet;
-        QTest::newRow("of a tool that fails") << QByteArray("echo said; exit 3") << QStringLiteral("said");
+        QTest::newRow("no output") << QByteArray("true") << emptyString;
+        QTest::newRow("only white space") << QByteArray("printf ' \\n'") << emptyString;
+        QTest::newRow("only standard error") << QByteArray("echo wrong >&2") << emptyString;
+        QTest::newRow("tool that fails") << QByteArray("echo said; exit 3") << QStringLiteral("said");
     }
-    void outputIsTakenAsText()
+    void returnsOutput()
     {
         QFETCH(QByteArray, script);
-        QProcess process;
+        ChildProcess process;
         runShell(process, script.constData());
-        const QString taken = takeOutput(process);
-        QTEST(taken, "output");
-        QVERIFY(!taken.isNull());
+        const QString output = process.takeOutput();
+        QTEST(output, "output");
+        QVERIFY(!output.isNull());
+        QCOMPARE(process.takeOutput(), emptyString);
     }
 
-    void toolHasEndedWhenTheCallReturns()
+    void waitsForTheEnd()
     {
-        QProcess process;
+        ChildProcess process;
         runShell(process, "sleep 0.2; exit 3");
-        QCOMPARE(process.state(), QProcess::NotRunning);
         QCOMPARE(process.exitCode(), 3);
     }
 
-    void argumentsArriveAsTheyAre()
+    void runsSeveralTools()
     {
-        QProcess process;
-        runTool(process, "printf",
-                {QStringLiteral("[%s]"), QStringLiteral("a b"), QStringLiteral("$HOME\"'")});
-        QCOMPARE(takeOutput(process), QStringLiteral("[a b][$HOME\"']"));
+        ChildProcess process;
+        runShell(process, "echo first; exit 3");
+        QCOMPARE(process.takeOutput(), QStringLiteral("first"));
+        runShell(process, "echo second");
+        QCOMPARE(process.exitCode(), 0);
+        QCOMPARE(process.takeOutput(), QStringLiteral("second"));
     }
 
-    void missingToolSaysNothing()
+    void passesArgumentsUnchanged()
     {
-        QProcess process;
-        runTool(process, "no-such-tool", {});
-        QCOMPARE(process.error(), QProcess::FailedToStart);
-        QCOMPARE(takeOutput(process), quiet);
+        ChildProcess process;
+        process.run("printf", {QStringLiteral("[%s]"), QStringLiteral("a b"), QStringLiteral("$HOME\"'")});
+        QCOMPARE(process.takeOutput(), QStringLiteral("[a b][$HOME\"']"));
+    }
+
+    void returnsNoOutputOfMissingTool()
+    {
+        ChildProcess process;
+        process.run("no-such-tool", {});
+        QCOMPARE(process.exitCode(), notExecutableCode);
+        QCOMPARE(process.takeOutput(), emptyString);
+    }
+
+    void opensToolForReadingAndWriting()
+    {
+        openModes.clear();
+        ChildProcess process;
+        runShell(process, "true");
+        runShell(process, "true");
+        QCOMPARE(openModes, QList<QIODevice::OpenMode>({QIODevice::ReadWrite, QIODevice::ReadWrite}));
     }
 };
 
