@@ -15,17 +15,17 @@ constexpr const char *pszEntrySuffix = ".desktop";
 
 bool COperateSystem::IsDefaultLauncher(const QString &strApp, const QString &strMimeType)
 {
-    ChildProcess process;
-    process.run(pszTool, {QStringLiteral("query"), QStringLiteral("default"), strMimeType});
-    return process.takeOutput().contains(strApp, Qt::CaseSensitive);
+    QProcess process;
+    runTool(process, pszTool, {QStringLiteral("query"), QStringLiteral("default"), strMimeType});
+    return takeOutput(process).contains(strApp, Qt::CaseSensitive);
 }
 
 bool COperateSystem::SetDefaultLauncher(const QString &strApp, const QString &strMimeType, const QString &,
                                         bool)
 {
     const QString strEntry = strApp + QLatin1String(pszEntrySuffix);
-    ChildProcess process;
-    process.run(pszTool, {QStringLiteral("default"), strEntry, strMimeType});
+    QProcess process;
+    runTool(process, pszTool, {QStringLiteral("default"), strEntry, strMimeType});
     return true;
 }
 

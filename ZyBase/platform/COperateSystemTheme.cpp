@@ -51,22 +51,22 @@ int verdictOfName(const QString &strName)
 
 // --- Reading settings -----------------------------------------------------------------------
 
-bool hasGSettings(ChildProcess &process)
+bool hasGSettings(QProcess &process)
 {
-    process.run("which", {QStringLiteral("gsettings")});
+    runTool(process, "which", {QStringLiteral("gsettings")});
     return process.exitCode() == 0;
 }
 
 // Returns no value if gsettings fails, for example if the schema or the key does not exist.
-std::optional<QString> readGSettings(ChildProcess &process, const char *pszSchema, const char *pszKey)
+std::optional<QString> readGSettings(QProcess &process, const char *pszSchema, const char *pszKey)
 {
-    process.run("gsettings", {QStringLiteral("get"), QLatin1String(pszSchema), QLatin1String(pszKey)});
+    runTool(process, "gsettings", {QStringLiteral("get"), QLatin1String(pszSchema), QLatin1String(pszKey)});
     if (process.exitCode() != 0)
         return std::nullopt;
-    return process.takeOutput().remove(QLatin1Char('\'')).remove(QLatin1Char('"'));
+    return takeOutput(process).remove(QLatin1Char('\'')).remove(QLatin1Char('"'));
 }
 
-std::optional<QString> readAndLogGSettings(ChildProcess &process, const char *pszLabel, const char *pszSchema,
+std::optional<QString> readAndLogGSettings(QProcess &process, const char *pszLabel, const char *pszSchema,
                                            const char *pszKey)
 {
     std::optional<QString> value = readGSettings(process, pszSchema, pszKey);
@@ -122,7 +122,7 @@ int getEnvironmentTheme()
 
 int getUkuiTheme()
 {
-    ChildProcess process;
+    QProcess process;
     if (!hasGSettings(process))
         return Undetermined;
 
@@ -167,7 +167,7 @@ int getKylinConfigTheme()
 
 int getMateTheme()
 {
-    ChildProcess process;
+    QProcess process;
     const auto theme = readAndLogGSettings(process, "MATE gtk-theme:", pszMateSchema, "gtk-theme");
     return verdictOfName(theme.value_or(QString()));
 }
@@ -196,7 +196,7 @@ constexpr Detector detectors[] = {
 
 int getGnomeTheme()
 {
-    ChildProcess process;
+    QProcess process;
     if (!hasGSettings(process))
         return Undetermined;
 

@@ -9,15 +9,7 @@ namespace {
 constexpr int nToolTimeoutMs = 30000;
 constexpr qint64 nNoProcess = -1;
 
-// If the system creates no process, Qt 5.15 can take the process for a running one whose identifier is -1.
-// It would wait for it, and the destructor would send SIGKILL to every process of the user.
-bool hasNoChild(const QProcess &process)
-{
-    return process.processId() == nNoProcess;
-}
-
-// Only derived classes may set the state. A derived object must not be started in place of a QProcess:
-// Qt would then install a handler for SIGCHLD in the application.
+// Only derived classes may set the state.
 struct ProcessState : QProcess
 {
     static void reset(QProcess &process) { (process.*&ProcessState::setProcessState)(QProcess::NotRunning); }
@@ -25,24 +17,19 @@ struct ProcessState : QProcess
 
 } // namespace
 
-void ChildProcess::run(const char *pszProgram, const QStringList &arguments)
+void runTool(QProcess &process, const char *pszProgram, const QStringList &arguments)
 {
-    if (hasNoChild(*m_process))
-        m_process.emplace(); // closes the pipes of the failed start
-    m_process->start(QLatin1String(pszProgram), arguments, QIODevice::ReadWrite);
-    if (hasNoChild(*m_process))
-        ProcessState::reset(*m_process);
-    m_process->waitForFinished(nToolTimeoutMs);
+    process.start(QLatin1String(pszProgram), arguments, QIODevice::ReadWrite);
+    // If the system creates no process, Qt 5.15 can take it for a running one whose identifier is -1. It
+    // would wait for it, and the destructor would send SIGKILL to every process of the user.
+    if (process.processId() == nNoProcess)
+        ProcessState::reset(process);
+    process.waitForFinished(nToolTimeoutMs);
 }
 
-int ChildProcess::exitCode() const
+QString takeOutput(QProcess &process)
 {
-    return m_process->exitCode();
-}
-
-QString ChildProcess::takeOutput()
-{
-    return fromUtf8UpToNul(m_process->readAllStandardOutput().trimmed());
+    return fromUtf8UpToNul(process.readAllStandardOutput().trimmed());
 }
 
 QString fromUtf8UpToNul(const QByteArray &baUtf8)

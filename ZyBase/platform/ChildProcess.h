@@ -7,51 +7,38 @@
 #include <QString>
 #include <QStringList>
 
-#include <optional>
-
 namespace ZyBase {
 
 /**
- * Runs command-line tools, one after the other, and waits for each.
+ * Starts a command-line tool and waits until it ends, for at most 30 seconds.
  *
- * Use one object for all tools of one task. Destroying the object ends a tool that is still running.
+ * The outcome is the exit code and the output of @p process:
  *
- * The class is reentrant: every thread uses objects of its own. It needs neither an event loop nor an
- * application object. Nothing is reported except by the exit code and the output.
+ * - If the program cannot be executed, the exit code is 255.
+ * - If the tool crashed, the exit code is the number of the signal.
+ * - If the tool is still running, or the system created no process, the exit code is 0. Destroying @p process
+ *   ends a tool that is still running.
+ *
+ * The function is reentrant: every thread passes a process object of its own. It needs neither an event loop
+ * nor an application object.
+ *
+ * @param process runs one or more tools, one after the other; if an earlier tool is still running, the call
+ * starts none and waits for the earlier one
+ * @param pszProgram name of the program, which is searched for in PATH; Latin-1
+ * @param arguments its arguments, passed unchanged and without a shell
+ *
+ * @warning Do not pass an object of a class derived from QProcess. Qt then installs a handler for SIGCHLD in
+ * the application.
  */
-class ChildProcess
-{
-public:
-    /**
-     * Starts the tool and waits until it ends, for at most 30 seconds.
-     *
-     * If an earlier tool is still running, this one is not started; the call waits for the earlier one.
-     * If the system creates no process, the call returns at once.
-     *
-     * @param pszProgram name of the program, which is searched for in PATH; Latin-1
-     * @param arguments its arguments, passed unchanged and without a shell
-     */
-    void run(const char *pszProgram, const QStringList &arguments);
+void runTool(QProcess &process, const char *pszProgram, const QStringList &arguments);
 
-    /**
-     * Returns the exit code of the last tool.
-     *
-     * @return the exit code; the signal's number if the tool crashed; 255 if the program cannot be executed;
-     * 0 if the tool is still running or the system created no process
-     */
-    int exitCode() const;
-
-    /**
-     * Returns what the tool has printed to its standard output so far, and removes it.
-     *
-     * @return the output without the white space around it, up to the first NUL byte; an empty string, never
-     * a null one, if there is none
-     */
-    QString takeOutput();
-
-private:
-    std::optional<QProcess> m_process {std::in_place};
-};
+/**
+ * Returns what the tool has printed to its standard output so far, and removes it from @p process.
+ *
+ * @return the output without the white space around it, up to the first NUL byte; an empty string, never a
+ * null one, if there is none
+ */
+QString takeOutput(QProcess &process);
 
 /** Returns the UTF-8 bytes up to the first NUL byte as a string. */
 QString fromUtf8UpToNul(const QByteArray &baUtf8);
