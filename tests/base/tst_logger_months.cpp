@@ -247,7 +247,7 @@ private Q_SLOTS:
         QVERIFY(QDir().mkdir(m_directory->path()));
         info(QStringLiteral("december"));
         QCOMPARE(files(), QStringList {QStringLiteral("app.log")});
-        QCOMPARE(lines(), QStringList {QStringLiteral("2026-12-01 00:00:00.000 INFO   - december")});
+        QCOMPARE(lines(), QStringList {QStringLiteral("2026-12-01 12:00:00.000 INFO   - december")});
 
         m_clock->set(atUtc(2027, 1, 1));
         info(QStringLiteral("january"));
