@@ -36,11 +36,10 @@ bool isDefault(Report &report, const QString &application)
 
 void showDefault(Report &report)
 {
-    CAssocUtils::SetPdfLauncher(viewer, QString(), false);
-    const bool wasViewer = isDefault(report, viewer);
-    CAssocUtils::SetPdfLauncher(reader, QString(), false);
+    const bool wasViewer = CAssocUtils::SetPdfLauncher(viewer, QString(), false) && isDefault(report, viewer);
+    const bool isReader = CAssocUtils::SetPdfLauncher(reader, QString(), false) && isDefault(report, reader);
     report.promise(QStringLiteral("SetPdfLauncher() sets the application that opens PDF files"),
-                   wasViewer && isDefault(report, reader) && !isDefault(report, viewer));
+                   wasViewer && isReader && !isDefault(report, viewer));
     report.promise(QStringLiteral("ResetPdfLauncher() returns true and changes nothing"),
                    CAssocUtils::ResetPdfLauncher(reader) && isDefault(report, reader));
 }

@@ -30,10 +30,11 @@ void showRequests(Report &report, const HttpServer &server)
 {
     CHttpPostRequest request;
     QByteArray answer;
-    request.StartGetRequestSync(server.url(QStringLiteral("/echo?greeting=hello")), answer);
+    const bool isFetched =
+        request.StartGetRequestSync(server.url(QStringLiteral("/echo?greeting=hello")), answer);
     report.line(QStringLiteral("StartGetRequestSync"), QString::fromUtf8(answer));
     report.promise(QStringLiteral("A GET request returns the server's answer"),
-                   answer == "/echo?greeting=hello");
+                   isFetched && answer == "/echo?greeting=hello");
 
     QJsonObject order {{QStringLiteral("item"), QStringLiteral("paper")}, {QStringLiteral("count"), 3}};
     const QString signature = CHttpPostRequest::SignObject(order, QStringLiteral("secret"));
@@ -42,10 +43,10 @@ void showRequests(Report &report, const HttpServer &server)
                    signature == QLatin1String("4d6fe485946b7efee53c94d7ed3a3d39"));
 
     order.insert(QStringLiteral("sign"), signature);
-    request.StartRequestSync(server.url(QStringLiteral("/echo")), order, answer);
+    const bool isPosted = request.StartRequestSync(server.url(QStringLiteral("/echo")), order, answer);
     report.line(QStringLiteral("StartRequestSync"), QString::fromUtf8(answer));
     report.promise(QStringLiteral("A POST request sends the compact JSON text"),
-                   answer == QJsonDocument(order).toJson(QJsonDocument::Compact));
+                   isPosted && answer == QJsonDocument(order).toJson(QJsonDocument::Compact));
 }
 
 void showStop(Report &report, const HttpServer &server)

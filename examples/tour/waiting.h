@@ -9,7 +9,7 @@
 #include <chrono>
 
 /** Longer than any request of the library, so that a request that times out is noticed as such. */
-constexpr std::chrono::milliseconds longestWait(15000);
+constexpr std::chrono::milliseconds longestWait(12000);
 
 /** Runs the event loop until the condition is true. @return false if it is still false after @p limit */
 template <typename Condition> bool waitFor(Condition condition, std::chrono::milliseconds limit = longestWait)

@@ -24,11 +24,12 @@ constexpr const char *archiveBytes =
     "0000000000000000a4812b000000646f63732f67756964652e747874504b05060000000002000200740000005c"
     "0000000000";
 
-QStringList extract(const QString &archive, const QString &target, bool overwrite)
+bool extract(Report &report, const QString &archive, const QString &target, bool overwrite)
 {
     const LoggedMessages messages;
-    ZipManager::QuaUnzipFile(archive, target, overwrite);
-    return messages.all();
+    const bool isExtracted = ZipManager::QuaUnzipFile(archive, target, overwrite);
+    report.excerpt(messages.all());
+    return isExtracted;
 }
 
 bool hasDesktop()
@@ -41,9 +42,8 @@ void showFolder(Report &report, const QString &path)
 {
     if (hasDesktop())
         CFileUtils::OpenFolderAndSelectFile(path);
-    report.line(QStringLiteral("OpenFolderAndSelectFile"), hasDesktop()
-                                                               ? QStringLiteral("see the file manager")
-                                                               : QStringLiteral("no desktop is running"));
+    const char *const result = hasDesktop() ? "see the file manager" : "no desktop is running";
+    report.line(QStringLiteral("OpenFolderAndSelectFile"), QLatin1String(result));
 
     const LoggedMessages messages;
     CFileUtils::OpenFolderAndSelectFile(path + QStringLiteral(".missing"));
@@ -70,14 +70,14 @@ void showZip(Report &report, const QDir &directory)
     CFileUtils::WriteFileData(readme, QStringLiteral("old"));
 
     report.line(QStringLiteral("QuaUnzipFile, skip"), directory.relativeFilePath(archive));
-    report.excerpt(extract(archive, target, false));
     report.promise(QStringLiteral("Existing files are kept, the others are extracted"),
-                   CFileUtils::ReadFileData(readme) == QLatin1String("old")
+                   extract(report, archive, target, false)
+                       && CFileUtils::ReadFileData(readme) == QLatin1String("old")
                        && CFileUtils::ReadFileData(target + QStringLiteral("/docs/guide.txt"))
                               == QLatin1String("guide"));
     report.line(QStringLiteral("QuaUnzipFile, overwrite"), directory.relativeFilePath(archive));
-    report.excerpt(extract(archive, target, true));
     report.promise(QStringLiteral("Existing files are overwritten"),
-                   CFileUtils::ReadFileData(readme) == QLatin1String("new"));
+                   extract(report, archive, target, true)
+                       && CFileUtils::ReadFileData(readme) == QLatin1String("new"));
     showFolder(report, readme);
 }
