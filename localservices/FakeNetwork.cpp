@@ -54,7 +54,7 @@ private:
 
 FakeNetwork::FakeNetwork(GaCollector::Watcher eventWatcher, StatisticsBackend::Watcher recordWatcher)
     : m_collector(std::move(eventWatcher))
-    , m_statistics(szSigningSecret, {}, std::move(recordWatcher))
+    , m_statistics(ZyBase::pszSigningSecret, {}, std::move(recordWatcher))
     , m_proxy(m_authority)
 {
     route(collectorHost, m_collector.url());

@@ -70,7 +70,7 @@ private:
 private Q_SLOTS:
     void usesSecretOf32AsciiCharacters()
     {
-        const QByteArray secret(szSigningSecret);
+        const QByteArray secret(ZyBase::pszSigningSecret);
         QCOMPARE(secret.size(), 32);
         QVERIFY(std::all_of(secret.begin(), secret.end(), [](char c) { return c > ' ' && c < 127; }));
     }
@@ -106,7 +106,7 @@ private Q_SLOTS:
         const Record record = send();
         const QByteArray seconds = QByteArray::number(record.timestamp);
         QCOMPARE(record.request.target, "/report?sign=" + record.signature + "&timestamp=" + seconds);
-        const QByteArray secret(szSigningSecret);
+        const QByteArray secret(ZyBase::pszSigningSecret);
         const QByteArray signedBytes = secret + "timestamp" + seconds + record.request.body + secret;
         QCOMPARE(record.signature, QCryptographicHash::hash(signedBytes, QCryptographicHash::Md5).toHex());
     }
@@ -114,10 +114,10 @@ private Q_SLOTS:
     void doesNotSendSecret()
     {
         const HttpServer::Request request = send().request;
-        QVERIFY(!request.target.contains(szSigningSecret));
-        QVERIFY(!request.body.contains(szSigningSecret));
+        QVERIFY(!request.target.contains(ZyBase::pszSigningSecret));
+        QVERIFY(!request.body.contains(ZyBase::pszSigningSecret));
         for (const QPair<QByteArray, QByteArray> &header : request.headers)
-            QVERIFY(!header.second.contains(szSigningSecret));
+            QVERIFY(!header.second.contains(ZyBase::pszSigningSecret));
     }
 
     void sendsHeadersOfPostWithoutSession()
@@ -218,7 +218,8 @@ private Q_SLOTS:
 
     void acceptsAnyCertificate()
     {
-        const StatisticsBackend secure(szSigningSecret, Authority::selfSigned(QStringLiteral("other")));
+        const StatisticsBackend secure(ZyBase::pszSigningSecret,
+                                       Authority::selfSigned(QStringLiteral("other")));
         Reporter reporter;
         start(reporter, secure.url());
         QTRY_COMPARE(reporter.running(), 0);

@@ -43,7 +43,7 @@ LocalWorld::~LocalWorld()
 void LocalWorld::setSilent(bool isSilent)
 {
     for (const char *host :
-         {ZyBase::Services::pszGeolocationHost, ZyBase::Services::pszGeolocationPageHost}) {
+         {ZyBase::pszGeolocationHost, ZyBase::pszGeolocationPageHost}) {
         if (isSilent)
             m_network.route(host, [](Connection &client) { client.waitForClose(); });
         else

@@ -16,8 +16,8 @@ using ZyBase::CNetworkUtils;
 
 namespace {
 
-const char *const service = ZyBase::Services::pszGeolocationHost;
-const char *const pageService = ZyBase::Services::pszGeolocationPageHost;
+const char *const service = ZyBase::pszGeolocationHost;
+const char *const pageService = ZyBase::pszGeolocationPageHost;
 
 const QByteArray berlin =
     "{\"status\":\"success\",\"country\":\"Germany\",\"countryCode\":\"DE\",\"region\":\"BE\","

@@ -10,7 +10,7 @@
 
 namespace {
 
-const char *const service = ZyBase::Services::pszGeolocationPageHost;
+const char *const service = ZyBase::pszGeolocationPageHost;
 
 const QByteArray city = "<td>City:</td>\n<td>Paris</td>\n";
 const QByteArray country = "<td>Country:</td>\n<td>France</td>\n";

@@ -57,8 +57,8 @@ private Q_SLOTS:
     {
         const auto never = [](Connection &client) { client.waitForClose(); };
         for (const char *host :
-             {ZyBase::Services::pszGeolocationHost, ZyBase::Services::pszGeolocationPageHost,
-              ZyBase::Services::pszAddressHost, ZyBase::Services::pszCountryHost})
+             {ZyBase::pszGeolocationHost, ZyBase::pszGeolocationPageHost,
+              ZyBase::pszAddressHost, ZyBase::pszCountryHost})
             network().route(host, never);
         Resolver::hold();
 

@@ -19,7 +19,7 @@ using ZyBase::CNetworkUtils;
 
 namespace {
 
-const QByteArray probe = ZyBase::Services::pszProbeName;
+const QByteArray probe = ZyBase::pszProbeName;
 
 // Runs IsNetWorkOnline() in a process with an empty network and these name sources.
 QJsonValue isOnline(const QByteArray &hosts, const QByteArray &sources)

@@ -11,8 +11,8 @@ using ZyBase::CNetworkUtils;
 
 namespace {
 
-const char *const addressHost = ZyBase::Services::pszAddressHost;
-const char *const countryHost = ZyBase::Services::pszCountryHost;
+const char *const addressHost = ZyBase::pszAddressHost;
+const char *const countryHost = ZyBase::pszCountryHost;
 
 const QByteArray germanAddress = "{\"country_code\":\"DE\",\"ip\":\"192.0.2.1\"}";
 
