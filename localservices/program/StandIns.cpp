@@ -44,8 +44,8 @@ StandIns::StandIns(ArrivalFeed &feed)
                 [&feed](const StatisticsBackend::Record &record) { feed.add(Arrival::of(record)); })
     , m_proxy(m_authority)
 {
-    m_publicServices.lead(m_proxy);
-    m_proxy.lead(QLatin1String(collectorHost), m_collector.url());
+    m_publicServices.route(m_proxy);
+    m_proxy.route(QLatin1String(collectorHost), m_collector.url());
 }
 
 QUrl StandIns::proxy() const
