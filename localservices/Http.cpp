@@ -10,7 +10,6 @@
 #include <boost/beast/http/parser.hpp>
 #include <boost/beast/http/string_body.hpp>
 
-#include <algorithm>
 #include <limits>
 
 namespace LocalServices {
@@ -28,14 +27,6 @@ const QByteArray endOfHead = QByteArrayLiteral("\r\n\r\n");
 QByteArray toBytes(boost::beast::string_view view)
 {
     return QByteArray(view.data(), int(view.size()));
-}
-
-// The parser detects other protocols only at the end of the headers, and a TLS handshake may have none.
-bool startsWithMethod(const QByteArray &bytes)
-{
-    const auto isUpperCase = [](char character) { return character >= 'A' && character <= 'Z'; };
-    const char *const end = std::find(bytes.begin(), bytes.end(), ' ');
-    return std::all_of(bytes.begin(), end, isUpperCase);
 }
 
 // The parser groups headers of the same name; here they keep the order received.
@@ -102,8 +93,6 @@ std::optional<HttpRequest> readRequest(Connection &connection, QByteArray *recei
         if (size <= 0)
             return std::nullopt;
         bytes.append(buffer, int(size));
-        if (!startsWithMethod(bytes))
-            return std::nullopt;
         boost::beast::error_code error;
         const boost::asio::const_buffer rest(bytes.constData() + parsedSize,
                                              size_t(bytes.size() - parsedSize));

@@ -132,7 +132,7 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("bytes");
         // A long TLS handshake arrives in parts, the first one without the end of a line.
         QTest::newRow("start of a TLS handshake") << QByteArray("\x16\x03\x01\x06\xa1\x01", 6);
-        QTest::newRow("lower-case method") << QByteArray("get / HTTP/1.1");
+        QTest::newRow("zeros") << QByteArray(1, '\0');
         QTest::newRow("header without a colon") << QByteArray("GET / HTTP/1.1\r\nHost\r\n\r\n");
     }
     void closesConnectionThatIsNotHttp()
