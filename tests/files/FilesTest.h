@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "EightThreads.h"
 #include "MessageCapture.h"
 #include "OrdinaryUser.h"
 #include "Utf8.h"
@@ -10,10 +11,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <atomic>
 #include <memory>
-#include <thread>
-#include <vector>
 
 /** Base of the tests of files: each function has its own temporary directory and keeps all Qt messages. */
 class FilesTest : public QObject
@@ -40,9 +38,6 @@ protected:
      */
     bool becomeOrdinaryUser();
 
-    /** Calls @p function(0) to @p function(7) in eight threads at the same time and returns their sum. */
-    template <class Function> static int sumOfEightThreads(Function function);
-
 protected Q_SLOTS:
     void init();
     void cleanup();
@@ -52,14 +47,3 @@ private:
     std::unique_ptr<QTemporaryDir> m_directory;
     std::unique_ptr<MessageCapture> m_messages;
 };
-
-template <class Function> int FilesTest::sumOfEightThreads(Function function)
-{
-    std::atomic<int> sum {0};
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 8; ++i)
-        threads.emplace_back([&sum, &function, i] { sum += function(i); });
-    for (std::thread &thread : threads)
-        thread.join();
-    return sum;
-}
