@@ -29,11 +29,11 @@ class TourNetwork::OwnServices : public TourNetwork::Services
 {
 public:
     OwnServices()
-        : m_backend(szSigningSecret)
+        : m_backend(ZyBase::pszSigningSecret)
         , m_proxy(m_authority)
     {
-        m_publicServices.lead(m_proxy);
-        m_proxy.leadAll(m_collector.url());
+        m_publicServices.route(m_proxy);
+        m_proxy.routeAll(m_collector.url());
         QSslConfiguration trusting = QSslConfiguration::defaultConfiguration();
         trusting.setCaCertificates(QSslCertificate::fromData(m_authority.certificate()));
         QSslConfiguration::setDefaultConfiguration(trusting);

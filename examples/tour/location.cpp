@@ -57,8 +57,8 @@ Location locateWithoutFirstService(Report &report)
     const RawServer failingService(RawServer::answerWith("{\"status\":\"fail\"}"));
     const Authority authority;
     Proxy proxy(authority);
-    services.lead(proxy);
-    proxy.lead(QLatin1String(ZyBase::Services::pszGeolocationHost), failingService.url());
+    services.route(proxy);
+    proxy.route(QLatin1String(ZyBase::pszGeolocationHost), failingService.url());
     const QNetworkProxy previous = QNetworkProxy::applicationProxy();
     QNetworkProxy::setApplicationProxy(
         QNetworkProxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), proxy.port()));
@@ -87,7 +87,7 @@ void showOnline(Report &report)
     const bool isOnline = CNetworkUtils::IsNetWorkOnline();
     report.line(QStringLiteral("IsNetWorkOnline"),
                 isOnline ? QStringLiteral("true") : QStringLiteral("false"));
-    const QHostInfo probe = QHostInfo::fromName(QLatin1String(ZyBase::Services::pszProbeName));
+    const QHostInfo probe = QHostInfo::fromName(QLatin1String(ZyBase::pszProbeName));
     report.promise(QStringLiteral("The machine is online if a public name can be resolved"),
                    isOnline == (probe.error() == QHostInfo::NoError));
 }
