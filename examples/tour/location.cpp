@@ -50,7 +50,7 @@ Location locateWithoutFirstService(Report &report)
 {
     FakeNetwork network;
     network.routePublicServices();
-    network.route(ZyBase::Services::pszGeolocationHost, RawServer::answerWith("{\"status\":\"fail\"}"));
+    network.route(ZyBase::pszGeolocationHost, RawServer::answerWith("{\"status\":\"fail\"}"));
     network.install();
     return locate(report, QStringLiteral("GetIPInfo, 2nd service"));
 }
