@@ -91,7 +91,7 @@ Proxy::Proxy(Issue issue)
 {
 }
 
-void Proxy::lead(const QString &host, const QUrl &standIn)
+void Proxy::route(const QString &host, const QUrl &standIn)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_ports.insert(host.toLower(), standIn.port());

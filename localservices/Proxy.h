@@ -18,7 +18,7 @@ namespace LocalServices {
  * const Authority authority;       // which the default SSL configuration is told to trust
  * const HttpServer server;
  * Proxy proxy(authority);
- * proxy.lead("service.example.org", server.url("/"));
+ * proxy.route("service.example.org", server.url("/"));
  * QNetworkProxy::setApplicationProxy({QNetworkProxy::HttpProxy, "127.0.0.1", proxy.port()});
  * @endcode
  *
@@ -41,10 +41,10 @@ public:
     quint16 port() const { return m_listener.port(); }
 
     /** Leads @p host to the server of @p standIn, a plain HTTP URL of which the rest is ignored. */
-    void lead(const QString &host, const QUrl &standIn);
+    void route(const QString &host, const QUrl &standIn);
 
     /** Leads there all names that weren't led elsewhere. */
-    void leadAll(const QUrl &standIn) { lead(QString(), standIn); }
+    void routeAll(const QUrl &standIn) { route(QString(), standIn); }
 
     /** The first lines of the requests so far, such as "CONNECT host:443 HTTP/1.1". Any thread. */
     QStringList requestLines() const;

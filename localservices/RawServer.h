@@ -36,6 +36,9 @@ public:
     /** The requests so far, each as it stood on the wire. Any thread. */
     QList<QByteArray> requests() const;
 
+    /** The number of open connections. Any thread. */
+    int openConnections() { return m_listener.openConnections(); }
+
 private:
     Q_DISABLE_COPY(RawServer)
 

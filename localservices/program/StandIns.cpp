@@ -40,12 +40,12 @@ QMap<QString, HttpServer::Answer> files()
 StandIns::StandIns(ArrivalFeed &feed)
     : m_downloads({}, files())
     , m_collector([&feed](const GaCollector::Event &event) { feed.add(Arrival::of(event)); })
-    , m_backend(szSigningSecret, {},
+    , m_backend(ZyBase::pszSigningSecret, {},
                 [&feed](const StatisticsBackend::Record &record) { feed.add(Arrival::of(record)); })
     , m_proxy(m_authority)
 {
-    m_publicServices.lead(m_proxy);
-    m_proxy.lead(QLatin1String(collectorHost), m_collector.url());
+    m_publicServices.route(m_proxy);
+    m_proxy.route(QLatin1String(collectorHost), m_collector.url());
 }
 
 QUrl StandIns::proxy() const

@@ -29,13 +29,13 @@ HttpServer::Answer answerWith(const QByteArray &body)
 } // namespace
 
 LocalWorld::LocalWorld()
-    : m_backend(szSigningSecret)
+    : m_backend(ZyBase::pszSigningSecret)
     , m_server({}, {{QStringLiteral("/json"), answerWith(location)},
                     {QStringLiteral("/orders/4711"), answerWith(order)}})
     , m_proxy(m_authority)
 {
-    m_proxy.leadAll(m_server.url(QStringLiteral("/")));
-    m_proxy.lead(QStringLiteral("www.google-analytics.com"), m_collector.url());
+    m_proxy.routeAll(m_server.url(QStringLiteral("/")));
+    m_proxy.route(QStringLiteral("www.google-analytics.com"), m_collector.url());
     const QString path = m_directory.filePath(QStringLiteral("services.json"));
     describe(path);
     qputenv("LOCAL_SERVICES", path.toUtf8());
@@ -52,8 +52,8 @@ void LocalWorld::setSilent(bool isSilent)
         m_silence =
             std::make_unique<RawServer>([](LocalServices::Connection &client) { client.waitForClose(); });
     const QUrl target = isSilent ? m_silence->url() : m_server.url(QStringLiteral("/"));
-    for (const char *host : {ZyBase::Services::pszGeolocationHost, ZyBase::Services::pszGeolocationPageHost})
-        m_proxy.lead(QLatin1String(host), target);
+    for (const char *host : {ZyBase::pszGeolocationHost, ZyBase::pszGeolocationPageHost})
+        m_proxy.route(QLatin1String(host), target);
     if (!isSilent)
         m_silence.reset();
 }

@@ -24,7 +24,7 @@ public:
     void setSilent(bool isSilent);
 
     /** Leads @p host elsewhere than to server(). */
-    void lead(const char *host, const QUrl &url) { m_proxy.lead(QLatin1String(host), url); }
+    void route(const char *host, const QUrl &url) { m_proxy.route(QLatin1String(host), url); }
 
     LocalServices::HttpServer &server() { return m_server; }
     QList<LocalServices::GaCollector::Event> events() const { return m_collector.events(); }

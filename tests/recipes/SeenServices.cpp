@@ -7,11 +7,11 @@
 #include <QJsonDocument>
 
 SeenServices::SeenServices()
-    : m_backend(szSigningSecret)
+    : m_backend(ZyBase::pszSigningSecret)
     , m_proxy(m_authority)
 {
     m_statistics = m_backend.url();
-    m_proxy.leadAll(m_collector.url());
+    m_proxy.routeAll(m_collector.url());
     writeFile(m_directory.filePath(QStringLiteral("authority.pem")), m_authority.certificate());
     describe();
 }

@@ -32,7 +32,7 @@ private:
     Proxy m_proxy {m_authority};
 
 private Q_SLOTS:
-    void initTestCase() { m_proxy.leadAll(m_server.url(QStringLiteral("/"))); }
+    void initTestCase() { m_proxy.routeAll(m_server.url(QStringLiteral("/"))); }
 
     void usesProxyOfEnvironment_data()
     {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 
-#include "World.h"
+#include "TourNetwork.h"
 
 #include "DevelopmentServices.h"
 
@@ -16,24 +16,24 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 
-class World::Services
+class TourNetwork::Services
 {
 public:
     virtual ~Services() = default;
-    virtual QString statistics() const = 0;
-    virtual QList<Sent> events() const = 0;
-    virtual QList<Sent> records() const = 0;
+    virtual QString statisticsUrl() const = 0;
+    virtual QList<Arrival> events() const = 0;
+    virtual QList<Arrival> records() const = 0;
 };
 
-class World::OwnServices : public World::Services
+class TourNetwork::OwnServices : public TourNetwork::Services
 {
 public:
     OwnServices()
-        : m_backend(szSigningSecret)
+        : m_backend(ZyBase::pszSigningSecret)
         , m_proxy(m_authority)
     {
-        m_publicServices.lead(m_proxy);
-        m_proxy.leadAll(m_collector.url());
+        m_publicServices.route(m_proxy);
+        m_proxy.routeAll(m_collector.url());
         QSslConfiguration trusting = QSslConfiguration::defaultConfiguration();
         trusting.setCaCertificates(QSslCertificate::fromData(m_authority.certificate()));
         QSslConfiguration::setDefaultConfiguration(trusting);
@@ -41,19 +41,19 @@ public:
             QNetworkProxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), m_proxy.port()));
     }
 
-    QString statistics() const override { return m_backend.url().toString(); }
-    QList<Sent> events() const override { return toSent(m_collector.events()); }
-    QList<Sent> records() const override { return toSent(m_backend.records()); }
+    QString statisticsUrl() const override { return m_backend.url().toString(); }
+    QList<Arrival> events() const override { return toArrivals(m_collector.events()); }
+    QList<Arrival> records() const override { return toArrivals(m_backend.records()); }
 
 private:
-    template <typename Arrivals> static QList<Sent> toSent(const Arrivals &arrivals)
+    template <typename List> static QList<Arrival> toArrivals(const List &list)
     {
-        QList<Sent> sent;
-        for (const auto &arrival : arrivals) {
-            sent.append({QString::fromLatin1(arrival.request.target), QString::fromUtf8(arrival.request.body),
-                         arrival.problems.isEmpty()});
+        QList<Arrival> arrivals;
+        for (const auto &arrival : list) {
+            arrivals.append({QString::fromLatin1(arrival.request.target),
+                             QString::fromUtf8(arrival.request.body), arrival.problems.isEmpty()});
         }
-        return sent;
+        return arrivals;
     }
 
     const LocalServices::Authority m_authority;
@@ -63,19 +63,19 @@ private:
     LocalServices::Proxy m_proxy;
 };
 
-class World::LedServices : public World::Services
+class TourNetwork::SharedServices : public TourNetwork::Services
 {
 public:
-    explicit LedServices(const QString &description)
+    explicit SharedServices(const QString &description)
         : m_services(useDevelopmentServices())
         , m_page(ZyBase::CJsonReader::ParseJsonFile(description, QStringLiteral("page")).toString())
-        , m_before(lastId())
+        , m_lastIdBefore(lastId())
     {
     }
 
-    QString statistics() const override { return m_services.statistics; }
-    QList<Sent> events() const override { return sent(QLatin1String("event")); }
-    QList<Sent> records() const override { return sent(QLatin1String("record")); }
+    QString statisticsUrl() const override { return m_services.statistics; }
+    QList<Arrival> events() const override { return arrivalsOf(QLatin1String("event")); }
+    QList<Arrival> records() const override { return arrivalsOf(QLatin1String("record")); }
 
 private:
     QJsonArray arrivals(int after) const
@@ -88,10 +88,10 @@ private:
 
     int lastId() const { return arrivals(0).last().toObject().value(QStringLiteral("id")).toInt(); }
 
-    QList<Sent> sent(QLatin1String kind) const
+    QList<Arrival> arrivalsOf(QLatin1String kind) const
     {
-        QList<Sent> result;
-        const QJsonArray all = arrivals(m_before);
+        QList<Arrival> result;
+        const QJsonArray all = arrivals(m_lastIdBefore);
         for (const QJsonValue &arrival : all) {
             const auto value = [&](const char *key) { return arrival.toObject().value(QLatin1String(key)); };
             if (value("kind").toString() == kind)
@@ -102,10 +102,10 @@ private:
 
     const DevelopmentServices m_services;
     const QString m_page;
-    const int m_before;
+    const int m_lastIdBefore;
 };
 
-World::World()
+TourNetwork::TourNetwork()
     : m_previousProxy(QNetworkProxy::applicationProxy())
     , m_previousConfiguration(QSslConfiguration::defaultConfiguration())
 {
@@ -113,26 +113,26 @@ World::World()
     if (description.isEmpty())
         m_services = std::make_unique<OwnServices>();
     else
-        m_services = std::make_unique<LedServices>(description);
+        m_services = std::make_unique<SharedServices>(description);
 }
 
-World::~World()
+TourNetwork::~TourNetwork()
 {
     QNetworkProxy::setApplicationProxy(m_previousProxy);
     QSslConfiguration::setDefaultConfiguration(m_previousConfiguration);
 }
 
-QString World::statistics() const
+QString TourNetwork::statisticsUrl() const
 {
-    return m_services->statistics();
+    return m_services->statisticsUrl();
 }
 
-QList<World::Sent> World::events() const
+QList<TourNetwork::Arrival> TourNetwork::events() const
 {
     return m_services->events();
 }
 
-QList<World::Sent> World::records() const
+QList<TourNetwork::Arrival> TourNetwork::records() const
 {
     return m_services->records();
 }
