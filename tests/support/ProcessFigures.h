@@ -10,8 +10,10 @@ namespace ProcessFigures {
 int threadCount();
 int openFileCount();
 
-/** The resident memory of heap and stacks, in bytes. Mapped files are not counted: the system loads and
- *  drops their pages as it likes. */
+/**
+ * The resident memory of heap and stacks, in bytes. Mapped files are not counted, because the system loads
+ * and drops their pages at any time.
+ */
 qint64 residentBytes();
 
 } // namespace ProcessFigures
