@@ -19,7 +19,7 @@ public:
     PublicServices();
 
     /** Leads the services' names in the world here. */
-    void lead(Proxy &proxy) const;
+    void route(Proxy &proxy) const;
 
 private:
     Q_DISABLE_COPY(PublicServices)

@@ -126,7 +126,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, look);
         const HalfServer files;
-        m_stage->world().lead("files.example.org", files.url());
+        m_stage->world().route("files.example.org", files.url());
         m_stage->open("Adwaita-" + look.toLatin1());
         gallery().window().setFixedSize(windowSize);
         fillPages();

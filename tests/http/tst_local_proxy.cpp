@@ -57,7 +57,7 @@ private:
     std::unique_ptr<QNetworkAccessManager> m_manager;
 
 private Q_SLOTS:
-    void init() { m_proxy.lead(fixedHost, m_server.url(QStringLiteral("/"))); }
+    void init() { m_proxy.route(fixedHost, m_server.url(QStringLiteral("/"))); }
 
     void nameIsLedToTheStandIn_data()
     {
@@ -109,7 +109,7 @@ private Q_SLOTS:
     void certificateMayBeForAnother()
     {
         Proxy other([this](const QString &) { return m_authority.issue(QStringLiteral("other.example")); });
-        other.leadAll(m_server.url(QStringLiteral("/")));
+        other.routeAll(m_server.url(QStringLiteral("/")));
         const Reply reply =
             send(fixedUrl(QStringLiteral("https"), QStringLiteral("/echo")), {}, other.port());
         QVERIFY(waitFor(reply));
@@ -119,11 +119,11 @@ private Q_SLOTS:
     void namesAreToldApart()
     {
         const HttpServer second;
-        m_proxy.lead(QStringLiteral("Second.example.org"), second.url(QStringLiteral("/")));
+        m_proxy.route(QStringLiteral("Second.example.org"), second.url(QStringLiteral("/")));
         QVERIFY(waitFor(send(QUrl(QStringLiteral("https://second.example.org/echo")))));
         QCOMPARE(second.requests().size(), 1);
         const HttpServer third;
-        m_proxy.leadAll(third.url(QStringLiteral("/")));
+        m_proxy.routeAll(third.url(QStringLiteral("/")));
         QVERIFY(waitFor(send(QUrl(QStringLiteral("http://third.example.org/echo")))));
         QCOMPARE(third.requests().size(), 1);
         QCOMPARE(second.requests().size(), 1);
@@ -161,7 +161,7 @@ private Q_SLOTS:
     void hangingRequestsDoNotHoldTheProxyUp()
     {
         auto proxy = std::make_unique<Proxy>(m_authority);
-        proxy->leadAll(m_server.url(QStringLiteral("/")));
+        proxy->routeAll(m_server.url(QStringLiteral("/")));
         const Reply reply =
             send(fixedUrl(QStringLiteral("https"), QStringLiteral("/never")), {}, proxy->port());
         QTRY_COMPARE(m_server.openConnections(), 1);
