@@ -4,17 +4,17 @@
 
 #include "DevelopmentServices.h"
 
-#include <ZyBase/analytics/SigningSecret.h>
 #include <ZyBase/files/CJsonReader.h>
 #include <ZyBase/http/CHttpPostRequest.h>
 
-#include <localservices/GaCollector.h>
-#include <localservices/Proxy.h>
-#include <localservices/PublicServices.h>
-#include <localservices/StatisticsBackend.h>
+#include <localservices/FakeNetwork.h>
 
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QNetworkProxy>
+#include <QSslConfiguration>
+
+using LocalServices::FakeNetwork;
 
 class TourNetwork::Services
 {
@@ -29,21 +29,14 @@ class TourNetwork::OwnServices : public TourNetwork::Services
 {
 public:
     OwnServices()
-        : m_backend(ZyBase::pszSigningSecret)
-        , m_proxy(m_authority)
     {
-        m_publicServices.route(m_proxy);
-        m_proxy.routeAll(m_collector.url());
-        QSslConfiguration trusting = QSslConfiguration::defaultConfiguration();
-        trusting.setCaCertificates(QSslCertificate::fromData(m_authority.certificate()));
-        QSslConfiguration::setDefaultConfiguration(trusting);
-        QNetworkProxy::setApplicationProxy(
-            QNetworkProxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), m_proxy.port()));
+        m_network.routePublicServices();
+        m_network.install();
     }
 
-    QString statisticsUrl() const override { return m_backend.url().toString(); }
-    QList<Arrival> events() const override { return toArrivals(m_collector.events()); }
-    QList<Arrival> records() const override { return toArrivals(m_backend.records()); }
+    QString statisticsUrl() const override { return m_network.statistics().url().toString(); }
+    QList<Arrival> events() const override { return toArrivals(m_network.collector().events()); }
+    QList<Arrival> records() const override { return toArrivals(m_network.statistics().records()); }
 
 private:
     template <typename List> static QList<Arrival> toArrivals(const List &list)
@@ -56,21 +49,25 @@ private:
         return arrivals;
     }
 
-    const LocalServices::Authority m_authority;
-    const LocalServices::PublicServices m_publicServices;
-    const LocalServices::GaCollector m_collector;
-    const LocalServices::StatisticsBackend m_backend;
-    LocalServices::Proxy m_proxy;
+    FakeNetwork m_network;
 };
 
 class TourNetwork::SharedServices : public TourNetwork::Services
 {
 public:
     explicit SharedServices(const QString &description)
-        : m_services(useDevelopmentServices())
+        : m_previousProxy(QNetworkProxy::applicationProxy())
+        , m_previousConfiguration(QSslConfiguration::defaultConfiguration())
+        , m_services(useDevelopmentServices())
         , m_page(ZyBase::CJsonReader::ParseJsonFile(description, QStringLiteral("page")).toString())
         , m_lastIdBefore(lastId())
     {
+    }
+
+    ~SharedServices() override
+    {
+        QNetworkProxy::setApplicationProxy(m_previousProxy);
+        QSslConfiguration::setDefaultConfiguration(m_previousConfiguration);
     }
 
     QString statisticsUrl() const override { return m_services.statistics; }
@@ -78,21 +75,23 @@ public:
     QList<Arrival> records() const override { return arrivalsOf(QLatin1String("record")); }
 
 private:
-    QJsonArray arrivals(int after) const
+    Q_DISABLE_COPY(SharedServices)
+
+    QJsonArray arrivalsAfter(int id) const
     {
         QByteArray answer;
         ZyBase::CHttpPostRequest().StartGetRequestSync(
-            QUrl(m_page + QStringLiteral("arrivals?after=%1").arg(after)), answer);
+            QUrl(m_page + QStringLiteral("arrivals?after=%1").arg(id)), answer);
         return QJsonDocument::fromJson(answer).array();
     }
 
-    int lastId() const { return arrivals(0).last().toObject().value(QStringLiteral("id")).toInt(); }
+    int lastId() const { return arrivalsAfter(0).last().toObject().value(QStringLiteral("id")).toInt(); }
 
     QList<Arrival> arrivalsOf(QLatin1String kind) const
     {
         QList<Arrival> result;
-        const QJsonArray all = arrivals(m_lastIdBefore);
-        for (const QJsonValue &arrival : all) {
+        const QJsonArray arrivals = arrivalsAfter(m_lastIdBefore);
+        for (const QJsonValue &arrival : arrivals) {
             const auto value = [&](const char *key) { return arrival.toObject().value(QLatin1String(key)); };
             if (value("kind").toString() == kind)
                 result.append({value("target").toString(), value("body").toString(), value("good").toBool()});
@@ -100,14 +99,14 @@ private:
         return result;
     }
 
+    const QNetworkProxy m_previousProxy;
+    const QSslConfiguration m_previousConfiguration;
     const DevelopmentServices m_services;
     const QString m_page;
     const int m_lastIdBefore;
 };
 
 TourNetwork::TourNetwork()
-    : m_previousProxy(QNetworkProxy::applicationProxy())
-    , m_previousConfiguration(QSslConfiguration::defaultConfiguration())
 {
     const QString description = qEnvironmentVariable("LOCAL_SERVICES");
     if (description.isEmpty())
@@ -116,11 +115,7 @@ TourNetwork::TourNetwork()
         m_services = std::make_unique<SharedServices>(description);
 }
 
-TourNetwork::~TourNetwork()
-{
-    QNetworkProxy::setApplicationProxy(m_previousProxy);
-    QSslConfiguration::setDefaultConfiguration(m_previousConfiguration);
-}
+TourNetwork::~TourNetwork() = default;
 
 QString TourNetwork::statisticsUrl() const
 {

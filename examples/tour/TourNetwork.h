@@ -3,15 +3,13 @@
 #pragma once
 
 #include <QList>
-#include <QNetworkProxy>
-#include <QSslConfiguration>
 #include <QString>
 
 #include <memory>
 
 /**
- * Routes all requests of this process to stand-in services on 127.0.0.1 until it is destroyed. They are those
- * of scripts/local-services if the tour runs under it, otherwise services in this process.
+ * Routes all requests of this process to services on 127.0.0.1 until it is destroyed. They are those of
+ * scripts/local-services if the tour runs under it, otherwise services in this process.
  */
 class TourNetwork
 {
@@ -30,8 +28,10 @@ public:
     /** Returns the address for CGaReportManager::InitXdData(). */
     QString statisticsUrl() const;
 
-    /** Return what has arrived since this object was created. */
+    /** Returns the events that have arrived since this object was created. */
     QList<Arrival> events() const;
+
+    /** Returns the records that have arrived since this object was created. */
     QList<Arrival> records() const;
 
 private:
@@ -40,7 +40,5 @@ private:
     class OwnServices;
     class SharedServices;
 
-    const QNetworkProxy m_previousProxy;
-    const QSslConfiguration m_previousConfiguration;
     std::unique_ptr<Services> m_services;
 };

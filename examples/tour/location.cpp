@@ -8,16 +8,11 @@
 #include <ZyBase/netinfo/CNetworkUtils.h>
 #include <ZyBase/netinfo/Services.h>
 
-#include <localservices/Proxy.h>
-#include <localservices/PublicServices.h>
-#include <localservices/RawServer.h>
+#include <localservices/FakeNetwork.h>
 
 #include <QHostInfo>
-#include <QNetworkProxy>
 
-using LocalServices::Authority;
-using LocalServices::Proxy;
-using LocalServices::PublicServices;
+using LocalServices::FakeNetwork;
 using LocalServices::RawServer;
 using ZyBase::CNetworkUtils;
 
@@ -53,18 +48,11 @@ Location locate(Report &report, const QString &what)
 // A network of its own, because scripts/local-services has no service that fails.
 Location locateWithoutFirstService(Report &report)
 {
-    const PublicServices services;
-    const RawServer failingService(RawServer::answerWith("{\"status\":\"fail\"}"));
-    const Authority authority;
-    Proxy proxy(authority);
-    services.route(proxy);
-    proxy.route(QLatin1String(ZyBase::pszGeolocationHost), failingService.url());
-    const QNetworkProxy previous = QNetworkProxy::applicationProxy();
-    QNetworkProxy::setApplicationProxy(
-        QNetworkProxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), proxy.port()));
-    const Location location = locate(report, QStringLiteral("GetIPInfo, 2nd service"));
-    QNetworkProxy::setApplicationProxy(previous);
-    return location;
+    FakeNetwork network;
+    network.routePublicServices();
+    network.route(ZyBase::pszGeolocationHost, RawServer::answerWith("{\"status\":\"fail\"}"));
+    network.install();
+    return locate(report, QStringLiteral("GetIPInfo, 2nd service"));
 }
 
 void showAddress(Report &report)
