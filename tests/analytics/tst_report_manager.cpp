@@ -18,7 +18,7 @@ namespace {
 
 using Catalogue = QMap<QString, QJsonObject>;
 
-// The fields, as they lie in the manager behind those of QObject.
+// The fields, which follow those of QObject.
 struct Fields
 {
     Catalogue catalogue;
@@ -58,7 +58,7 @@ private:
              "  \"event_label\": \"\"}]");
     }
 
-    // What arrived: name, category and label of each event.
+    // Returns "name/category/label" of each received event.
     QStringList received()
     {
         QStringList texts;
@@ -73,7 +73,7 @@ private:
         return texts;
     }
 
-    // Whether nothing went out: neither waiting nor in the background.
+    // Whether neither a synchronous nor an asynchronous call sends an event.
     bool sendsNothing(const QString &key, const QString &label = QString())
     {
         const int before = received().size();
@@ -102,13 +102,13 @@ private Q_SLOTS:
         AnalyticsTest::cleanup();
     }
 
-    void releaseBeforeTheFirstInstanceMakesNone()
+    void createsNoInstanceForRelease()
     {
         CGaReportManager::ReleaseReport();
         QVERIFY(!CGaReportManager::s_instance);
     }
 
-    void firstParentCounts()
+    void usesFirstParent()
     {
         QObject first;
         QObject second;
@@ -120,7 +120,7 @@ private Q_SLOTS:
         instance->setParent(nullptr);
     }
 
-    void instanceGoesWithItsParentAndStaysSet()
+    void keepsPointerAfterParentDeletesInstance()
     {
         auto parent = std::make_unique<QObject>();
         CGaReportManager *const instance = CGaReportManager::getInstance(parent.get());
@@ -131,9 +131,9 @@ private Q_SLOTS:
         CGaReportManager::s_instance = nullptr;
     }
 
-    void instanceWithoutAParentHasNone() { QCOMPARE(manager()->parent(), nullptr); }
+    void acceptsNullParent() { QCOMPARE(manager()->parent(), nullptr); }
 
-    void fieldsStandInTheirOrder()
+    void keepsFieldsInOrder()
     {
         QCOMPARE(sizeof(CGaReportManager),
                  sizeof(QObject) + sizeof(Catalogue) + sizeof(CGaReport) + sizeof(CXdReport));
@@ -147,7 +147,7 @@ private Q_SLOTS:
         QCOMPARE(ownMethods(CGaReportManager::staticMetaObject), QStringList());
     }
 
-    void partsGoInReverseOrder()
+    void destroysFieldsInReverseOrder()
     {
         QStringList gone;
         CGaReportManager *const instance = manager();
@@ -158,13 +158,13 @@ private Q_SLOTS:
         QCOMPARE(gone, QStringList({utf8("xd"), utf8("ga")}));
     }
 
-    void eventGoesOutByItsKey_data()
+    void sendsEventOfKey_data()
     {
         QTest::addColumn<bool>("sync");
-        QTest::newRow("waiting") << true;
-        QTest::newRow("in the background") << false;
+        QTest::newRow("synchronous") << true;
+        QTest::newRow("asynchronous") << false;
     }
-    void eventGoesOutByItsKey()
+    void sendsEventOfKey()
     {
         QFETCH(bool, sync);
         loadTwoEvents();
@@ -180,22 +180,22 @@ private Q_SLOTS:
         QCOMPARE(event.body.value(QStringLiteral("client_id")).toString(), utf8("client"));
     }
 
-    void unknownKeySendsNothing()
+    void sendsNothingForUnknownKey()
     {
-        QVERIFY(sendsNothing(utf8("open"))); // before any catalogue
+        QVERIFY(sendsNothing(utf8("open"))); // without a catalogue
         loadTwoEvents();
         QVERIFY(sendsNothing(utf8("close"), utf8("label")));
         QVERIFY(sendsNothing(QString(), utf8("label")));
         QCOMPARE(manager()->GetGaData(utf8("close")), QJsonObject());
     }
 
-    void keysAreMatchedExactly_data()
+    void matchesKeysExactly_data()
     {
         QTest::addColumn<QString>("key");
         for (const char *key : {"Open", "open ", " open", "ope", "open.", "öpen"})
             QTest::newRow(key) << utf8(key);
     }
-    void keysAreMatchedExactly()
+    void matchesKeysExactly()
     {
         QFETCH(QString, key);
         load("[{\"event_key\": \"open\", \"event_name\": \"n\", \"event_category\": \"c\","
@@ -205,7 +205,7 @@ private Q_SLOTS:
         QVERIFY(sendsNothing(key));
     }
 
-    void labelOfTheCallReplacesThatOfTheCatalogue()
+    void prefersLabelOfCall()
     {
         loadTwoEvents();
         const QJsonObject before = manager()->GetGaData(utf8("open"));
@@ -216,7 +216,7 @@ private Q_SLOTS:
         QCOMPARE(received().last(), utf8("open_file/file/pdf"));
     }
 
-    void emptyLabelWantsOneOfTheCall()
+    void requiresLabelOfCallIfLabelIsEmpty()
     {
         loadTwoEvents();
         QVERIFY(sendsNothing(utf8("print"), QStringLiteral("")));
@@ -225,27 +225,27 @@ private Q_SLOTS:
         QCOMPARE(received(), QStringList {utf8("print_file/device/laser")});
     }
 
-    void eventWithAnEmptyPartIsNotSent_data()
+    void doesNotSendIncompleteEvent_data()
     {
         QTest::addColumn<QByteArray>("parts");
         QTest::newRow("no name") << QByteArray("\"event_category\": \"c\", \"event_label\": \"l\"");
         QTest::newRow("empty name") << QByteArray(
             "\"event_name\": \"\", \"event_category\": \"c\", \"event_label\": \"l\"");
-        QTest::newRow("number for a name")
+        QTest::newRow("name is a number")
             << QByteArray("\"event_name\": 7, \"event_category\": \"c\", \"event_label\": \"l\"");
-        QTest::newRow("null for a name")
+        QTest::newRow("name is null")
             << QByteArray("\"event_name\": null, \"event_category\": \"c\", \"event_label\": \"l\"");
         QTest::newRow("no category") << QByteArray("\"event_name\": \"n\", \"event_label\": \"l\"");
         QTest::newRow("empty category")
             << QByteArray("\"event_name\": \"n\", \"event_category\": \"\", \"event_label\": \"l\"");
-        QTest::newRow("boolean for a category")
+        QTest::newRow("category is a boolean")
             << QByteArray("\"event_name\": \"n\", \"event_category\": true, \"event_label\": \"l\"");
-        QTest::newRow("object for a category")
+        QTest::newRow("category is an object")
             << QByteArray("\"event_name\": \"n\", \"event_category\": {}, \"event_label\": \"l\"");
         QTest::newRow("other case") << QByteArray(
             "\"Event_Name\": \"n\", \"event_category\": \"c\", \"event_label\": \"l\"");
     }
-    void eventWithAnEmptyPartIsNotSent()
+    void doesNotSendIncompleteEvent()
     {
         QFETCH(QByteArray, parts);
         load("[{\"event_key\": \"k\", " + parts + "}]");
@@ -254,7 +254,7 @@ private Q_SLOTS:
         QVERIFY(sendsNothing(utf8("k"), utf8("label")));
     }
 
-    void labelThatIsNoTextIsEmpty()
+    void treatsOtherTypeOfLabelAsEmpty()
     {
         load("[{\"event_key\": \"k\", \"event_name\": \"n\", \"event_category\": \"c\","
              " \"event_label\": 5}]");
@@ -263,7 +263,7 @@ private Q_SLOTS:
         QCOMPARE(received(), QStringList {utf8("n/c/l")});
     }
 
-    void objectIsKeptWhole()
+    void keepsWholeObject()
     {
         load("[{\"event_key\": \"k\", \"event_name\": \"n\", \"other\": [1, {\"x\": null}]}]");
         const QJsonObject expected = QJsonDocument::fromJson("{\"event_key\": \"k\", \"event_name\": \"n\","
@@ -275,7 +275,7 @@ private Q_SLOTS:
         QCOMPARE(manager()->GetGaData(utf8("k")), expected);
     }
 
-    void laterObjectOfAKeyCounts()
+    void usesLastObjectOfKey()
     {
         load("[{\"event_key\": \"k\", \"event_name\": \"first\"}, {\"event_key\": \"other\", \"a\": 1},"
              " {\"event_key\": \"k\", \"event_name\": \"second\"}]");
@@ -285,16 +285,16 @@ private Q_SLOTS:
         QVERIFY(!manager()->GetGaData(utf8("other")).isEmpty());
     }
 
-    void eventWithoutAKeyHasTheEmptyOne_data()
+    void usesEmptyKeyForMissingKey_data()
     {
         QTest::addColumn<QByteArray>("key");
-        QTest::newRow("none") << QByteArray("");
+        QTest::newRow("missing") << QByteArray("");
         QTest::newRow("empty") << QByteArray("\"event_key\": \"\",");
         QTest::newRow("number") << QByteArray("\"event_key\": 7,");
         QTest::newRow("null") << QByteArray("\"event_key\": null,");
         QTest::newRow("array") << QByteArray("\"event_key\": [\"k\"],");
     }
-    void eventWithoutAKeyHasTheEmptyOne()
+    void usesEmptyKeyForMissingKey()
     {
         QFETCH(QByteArray, key);
         load("[{\"event_key\": \"k\", \"x\": 1}, {" + key
@@ -305,13 +305,13 @@ private Q_SLOTS:
         QCOMPARE(received(), QStringList({utf8("n/c/l"), utf8("n/c/l")}));
     }
 
-    void elementThatIsNoEventEmptiesTheEmptyKey_data()
+    void clearsEmptyKeyForInvalidElement_data()
     {
         QTest::addColumn<QByteArray>("element");
         for (const char *element : {"{}", "7", "\"text\"", "null", "true", "[]", "[{\"event_key\": \"k\"}]"})
             QTest::newRow(element) << QByteArray(element);
     }
-    void elementThatIsNoEventEmptiesTheEmptyKey()
+    void clearsEmptyKeyForInvalidElement()
     {
         QFETCH(QByteArray, element);
         load("[{\"event_name\": \"n\", \"event_category\": \"c\", \"event_label\": \"l\"}, " + element + "]");
@@ -320,36 +320,34 @@ private Q_SLOTS:
         QVERIFY(sendsNothing(QString(), utf8("label")));
     }
 
-    void fileThatGivesNothingLeavesTheCatalogue_data()
+    void keepsCatalogueAfterInvalidFile_data()
     {
         QTest::addColumn<QByteArray>("content");
         QTest::newRow("missing") << QByteArray();
         QTest::newRow("empty") << QByteArray("");
         QTest::newRow("object") << QByteArray("{\"event_key\": \"k\", \"event_name\": \"n\"}");
-        QTest::newRow("cut") << QByteArray("[{\"event_key\": \"k\"}, {\"event_key\"");
-        QTest::newRow("no JSON") << QByteArray("hello");
+        QTest::newRow("truncated") << QByteArray("[{\"event_key\": \"k\"}, {\"event_key\"");
+        QTest::newRow("not JSON") << QByteArray("hello");
         QTest::newRow("empty array") << QByteArray("[]");
         QTest::newRow("UTF-16") << QByteArray("\xff\xfe[\0]\0", 6);
     }
-    void fileThatGivesNothingLeavesTheCatalogue()
+    void keepsCatalogueAfterInvalidFile()
     {
         QFETCH(QByteArray, content);
         loadTwoEvents();
-        const MessageCapture messages;
         const QString path =
             content.isNull() ? m_directory->filePath(utf8("missing.json")) : write(content, "bad.json");
         manager()->InitGaData(path, utf8("other"), utf8("G-2"), utf8("hidden"));
         QCOMPARE(fieldsOf(manager()).catalogue.keys(), QStringList({utf8("open"), utf8("print")}));
-        // The identifiers are set all the same.
+        // The identifiers are set nevertheless.
         manager()->SendGaReport(utf8("open"), QString(), true);
         QCOMPARE(received().size(), 1);
         const GaCollector::Event event = network().collector().events().first();
         QCOMPARE(event.request.target, QByteArray("/mp/collect?measurement_id=G-2&api_secret=hidden"));
         QCOMPARE(event.body.value(QStringLiteral("client_id")).toString(), utf8("other"));
-        QVERIFY(messages.messages().isEmpty());
     }
 
-    void secondCatalogueAddsToTheFirst()
+    void addsSecondCatalogue()
     {
         loadTwoEvents();
         manager()->InitGaData(write("[{\"event_key\": \"close\", \"event_name\": \"close_file\","
@@ -364,7 +362,7 @@ private Q_SLOTS:
             QCOMPARE(event.request.target, QByteArray("/mp/collect?measurement_id=G-2&api_secret=S2"));
     }
 
-    void hugeCatalogueIsKeptWhole()
+    void keepsHugeCatalogue()
     {
         constexpr int count = 100000;
         QByteArray content("[");
@@ -384,7 +382,7 @@ private Q_SLOTS:
         QCOMPARE(received(), QStringList {utf8("n99999/c/l")});
     }
 
-    void recordCarriesWhatWasSet()
+    void sendsRecordWithInitialValues()
     {
         manager()->InitXdData(network().statistics().url().toString(), utf8("device"), utf8("reader"),
                               utf8("1.2.3"), utf8("store"));
@@ -404,14 +402,14 @@ private Q_SLOTS:
         QCOMPARE(body, expected);
     }
 
-    void recordBeforeItsAddressIsLost()
+    void dropsRecordWithoutAddress()
     {
         manager()->SendXdReport(utf8("install"), utf8("start"));
         QCOMPARE(runningRecords(), 1);
         QTRY_COMPARE(runningRecords(), 0);
     }
 
-    void stopsAreForOneCollectorEach()
+    void stopsEventsAndRecordsSeparately()
     {
         const SilentServer silent;
         routeEvents(silent.url());
@@ -432,7 +430,7 @@ private Q_SLOTS:
         QCOMPARE(runningEvents(), 1);
     }
 
-    void releaseStopsBothAndDeletesNothing()
+    void stopsBothAndDeletesNothingOnRelease()
     {
         const SilentServer silent;
         routeEvents(silent.url());
@@ -443,7 +441,7 @@ private Q_SLOTS:
         instance->SendXdReport(utf8("crash"), utf8("end"));
         QTRY_COMPARE(silent.requests().size(), 2);
         CGaReportManager::ReleaseReport();
-        QCOMPARE(runningEvents(), 1); // nothing ends before the event loop runs
+        QCOMPARE(runningEvents(), 1); // requests end in the event loop
         QCOMPARE(runningRecords(), 1);
         QTRY_COMPARE_WITH_TIMEOUT(runningEvents() + runningRecords(), 0, 5000);
 
@@ -457,7 +455,7 @@ private Q_SLOTS:
         QTRY_COMPARE(silent.requests().size(), 3);
     }
 
-    void releaseStopsEventsBeforeRecords()
+    void stopsEventsBeforeRecordsOnRelease()
     {
         QStringList stopped;
         const QObject listener;
@@ -468,7 +466,7 @@ private Q_SLOTS:
         QCOMPARE(stopped, QStringList({utf8("ga"), utf8("xd")}));
     }
 
-    void stopsWithNothingRunningDoNothing()
+    void ignoresStopWithoutRequest()
     {
         manager()->StopGaReport();
         manager()->StopXdReport();

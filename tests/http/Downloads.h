@@ -9,7 +9,7 @@
 #include <QTest>
 #include <QTimer>
 
-/** A download manager whose signals are collected. */
+/** A DownloadManager and the signals that it emitted. */
 class WatchedDownload : public QObject
 {
 public:
@@ -37,27 +37,27 @@ public:
                     m_outcomes.append({success, path});
                     m_loop.quit();
                 });
-        connect(&m_manager, &DownloadManager::finished, this, [this] { ++m_neverEmitted; });
+        connect(&m_manager, &DownloadManager::finished, this, [this] { ++m_finishedCount; });
     }
 
     ZyBase::DownloadManager *manager() { return &m_manager; }
     const QList<Progress> &progress() const { return m_progress; }
     const QList<Outcome> &outcomes() const { return m_outcomes; }
-    int neverEmitted() const { return m_neverEmitted; }
+    int finishedCount() const { return m_finishedCount; }
 
     bool waitForOutcomes(int count = 1)
     {
-        constexpr int patience = 120000;
+        constexpr int timeoutMs = 120000;
         QTimer timeout;
         connect(&timeout, &QTimer::timeout, this, [this] { m_loop.quit(); });
         timeout.setSingleShot(true);
-        timeout.start(patience);
+        timeout.start(timeoutMs);
         while (m_outcomes.size() < count && timeout.isActive())
             m_loop.exec();
         return m_outcomes.size() >= count;
     }
 
-    /** Starts a download and waits for its end; @return the path of the file, null for a failure. */
+    /** Downloads a file and returns its path, or a null string after a failure. */
     QString fetch(const QUrl &url, const QString &directory)
     {
         const int before = m_outcomes.size();
@@ -70,6 +70,6 @@ private:
     ZyBase::DownloadManager m_manager;
     QList<Progress> m_progress;
     QList<Outcome> m_outcomes;
-    int m_neverEmitted = 0;
+    int m_finishedCount = 0;
     QEventLoop m_loop;
 };

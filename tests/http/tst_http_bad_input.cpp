@@ -16,9 +16,9 @@ using LocalServices::RawServer;
 namespace {
 
 constexpr bool isSanitized = ZYBASE_SANITIZED != 0;
-constexpr int largeBody = (isSanitized ? 20 : 200) * 1000 * 1000;
+constexpr int largeBodyBytes = (isSanitized ? 20 : 200) * 1000 * 1000;
 
-// What comes back where no answer came.
+// The result of a request without an answer.
 Outcome nothing(Form form)
 {
     return result(form, QByteArray(), 0);
@@ -26,7 +26,7 @@ Outcome nothing(Form form)
 
 using Answer = RawServer::Answer;
 
-Answer text(const QByteArray &bytes)
+Answer answerWith(const QByteArray &bytes)
 {
     return [bytes](Connection &client) { client.write(bytes); };
 }
@@ -52,13 +52,13 @@ Answer halfClose(const QByteArray &bytes)
 
 Q_DECLARE_METATYPE(RawServer::Answer)
 
-// Addresses that lead nowhere and servers that misbehave: all is a result, and nothing is left behind.
+// Unreachable addresses and misbehaving servers.
 class TestHttpBadInput : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void addressThatLeadsNowhereIsAnEmptyResult_data()
+    void reportsEmptyResultForUnreachableAddress_data()
     {
         QTest::addColumn<Form>("form");
         QTest::addColumn<QString>("address");
@@ -83,28 +83,30 @@ private Q_SLOTS:
                 QTest::addRow("%s <%s>", nameOf(form), qPrintable(address)) << form << address;
         }
     }
-    void addressThatLeadsNowhereIsAnEmptyResult()
+    void reportsEmptyResultForUnreachableAddress()
     {
         QFETCH(Form, form);
         QFETCH(QString, address);
         QCOMPARE(carryOut(form, QUrl(address)), nothing(form));
     }
 
-    void answerThatIsNoneIsAnEmptyResult_data()
+    void reportsEmptyResultForInvalidAnswer_data()
     {
         QTest::addColumn<Form>("form");
         QTest::addColumn<Answer>("answer");
         for (const Form form : allForms) {
-            QTest::addRow("%s: closed", nameOf(form)) << form << text("");
+            QTest::addRow("%s: closed", nameOf(form)) << form << answerWith("");
             QTest::addRow("%s: reset", nameOf(form)) << form << reset("");
             QTest::addRow("%s: half closed", nameOf(form)) << form << halfClose("");
-            QTest::addRow("%s: not HTTP", nameOf(form)) << form << text("220 mail.example.org ESMTP\r\n");
-            QTest::addRow("%s: another protocol", nameOf(form)) << form << text("SSH-2.0-OpenSSH_9.2\r\n");
-            QTest::addRow("%s: half a status line", nameOf(form)) << form << text("HTTP/1.");
-            QTest::addRow("%s: zeros", nameOf(form)) << form << text(QByteArray(10000, '\0'));
+            QTest::addRow("%s: not HTTP", nameOf(form))
+                << form << answerWith("220 mail.example.org ESMTP\r\n");
+            QTest::addRow("%s: another protocol", nameOf(form))
+                << form << answerWith("SSH-2.0-OpenSSH_9.2\r\n");
+            QTest::addRow("%s: half a status line", nameOf(form)) << form << answerWith("HTTP/1.");
+            QTest::addRow("%s: zeros", nameOf(form)) << form << answerWith(QByteArray(10000, '\0'));
         }
     }
-    void answerThatIsNoneIsAnEmptyResult()
+    void reportsEmptyResultForInvalidAnswer()
     {
         QFETCH(Form, form);
         QFETCH(Answer, answer);
@@ -112,7 +114,7 @@ private Q_SLOTS:
         QCOMPARE(carryOut(form, server.url()), nothing(form));
     }
 
-    void answerThatBreaksOffIsAResultWithWhatCame_data()
+    void reportsReceivedPartOfAnswer_data()
     {
         QTest::addColumn<Form>("form");
         QTest::addColumn<Answer>("answer");
@@ -122,18 +124,19 @@ private Q_SLOTS:
             QTest::addRow("%s: half closed in the body", nameOf(form))
                 << form << halfClose(head + "Content-Length: 100\r\n\r\nsome") << 201;
             QTest::addRow("%s: closed in the body", nameOf(form))
-                << form << text(head + "Content-Length: 100\r\n\r\nsome") << 201;
-            QTest::addRow("%s: no length", nameOf(form)) << form << text(head + "\r\nsome") << 201;
+                << form << answerWith(head + "Content-Length: 100\r\n\r\nsome") << 201;
+            QTest::addRow("%s: no length", nameOf(form)) << form << answerWith(head + "\r\nsome") << 201;
             QTest::addRow("%s: closed in a chunk", nameOf(form))
-                << form << text(head + "Transfer-Encoding: chunked\r\n\r\n4\r\nsome\r\n64\r\n") << 201;
+                << form << answerWith(head + "Transfer-Encoding: chunked\r\n\r\n4\r\nsome\r\n64\r\n") << 201;
             QTest::addRow("%s: more than announced", nameOf(form))
-                << form << text(head + "Content-Length: 4\r\n\r\nsomething") << 201;
-            QTest::addRow("%s: HTTP/1.0", nameOf(form)) << form << text("HTTP/1.0 201 OK\r\n\r\nsome") << 201;
-            QTest::addRow("%s: status of its own", nameOf(form))
-                << form << text("HTTP/1.1 299 Odd\r\nContent-Length: 4\r\n\r\nsome") << 299;
+                << form << answerWith(head + "Content-Length: 4\r\n\r\nsomething") << 201;
+            QTest::addRow("%s: HTTP/1.0", nameOf(form))
+                << form << answerWith("HTTP/1.0 201 OK\r\n\r\nsome") << 201;
+            QTest::addRow("%s: unknown status", nameOf(form))
+                << form << answerWith("HTTP/1.1 299 Odd\r\nContent-Length: 4\r\n\r\nsome") << 299;
         }
     }
-    void answerThatBreaksOffIsAResultWithWhatCame()
+    void reportsReceivedPartOfAnswer()
     {
         QFETCH(Form, form);
         QFETCH(Answer, answer);
@@ -142,8 +145,8 @@ private Q_SLOTS:
         QCOMPARE(carryOut(form, server.url()), result(form, "some", status));
     }
 
-    void resetInTheBodyIsAResult_data() { addForms(allForms); }
-    void resetInTheBodyIsAResult()
+    void reportsResultAfterResetInBody_data() { addForms(allForms); }
+    void reportsResultAfterResetInBody()
     {
         QFETCH(Form, form);
         const RawServer server(reset("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nsome"));
@@ -153,8 +156,8 @@ private Q_SLOTS:
         QVERIFY(outcome.data.isEmpty() || outcome.data == "some");
     }
 
-    void serverThatClosesBeforeTheRequestIsAnEmptyResult_data() { addForms(allForms); }
-    void serverThatClosesBeforeTheRequestIsAnEmptyResult()
+    void reportsEmptyResultAfterResetBeforeRequest_data() { addForms(allForms); }
+    void reportsEmptyResultAfterResetBeforeRequest()
     {
         QFETCH(Form, form);
         std::atomic<bool> hasAccepted {false};
@@ -163,69 +166,71 @@ private Q_SLOTS:
             client.reset();
         });
         const QUrl url(QStringLiteral("http://127.0.0.1:%1/").arg(server.port()));
-        // Now and then Qt misses the reset and waits; the limit then ends it.
-        const Outcome outcome = carryOut(form, url);
-        QVERIFY(outcome == nothing(form) || outcome == timedOut);
+        // Qt misses some resets, and the request then ends by the time limit.
+        Outcome outcome = timedOut;
+        for (int attempt = 0; attempt < 5 && outcome == timedOut; ++attempt)
+            outcome = carryOut(form, url);
+        QCOMPARE(outcome, nothing(form));
         QVERIFY(hasAccepted);
     }
 
-    void headersOfOneMegabyteAreNoHindrance_data() { addForms(allForms); }
-    void headersOfOneMegabyteAreNoHindrance()
+    void acceptsManyHeaders_data() { addForms(allForms); }
+    void acceptsManyHeaders()
     {
         QFETCH(Form, form);
         QByteArray headers;
         for (int i = 0; i < 1024; ++i)
             headers += "X-" + QByteArray::number(i) + ": " + QByteArray(1000, 'x') + "\r\n";
-        const RawServer server(text("HTTP/1.1 200 OK\r\n" + headers + "Content-Length: 4\r\n\r\nsome"));
+        const RawServer server(answerWith("HTTP/1.1 200 OK\r\n" + headers + "Content-Length: 4\r\n\r\nsome"));
         const Outcome outcome = carryOut(form, server.url());
         QCOMPARE(outcome, result(form, "some", 200));
     }
 
-    void oneHeaderOfOneMegabyteIsNoHindrance_data() { addForms(allForms); }
-    void oneHeaderOfOneMegabyteIsNoHindrance()
+    void acceptsLongHeader_data() { addForms(allForms); }
+    void acceptsLongHeader()
     {
         QFETCH(Form, form);
-        const RawServer server(text("HTTP/1.1 200 OK\r\nX: " + QByteArray(1024 * 1024, 'x')
-                                    + "\r\nContent-Length: 4\r\n\r\nsome"));
+        const RawServer server(answerWith("HTTP/1.1 200 OK\r\nX: " + QByteArray(1024 * 1024, 'x')
+                                          + "\r\nContent-Length: 4\r\n\r\nsome"));
         QCOMPARE(carryOut(form, server.url()), result(form, "some", 200));
     }
 
-    void largeBodyIsHeldWhole_data() { addForms(allForms); }
-    void largeBodyIsHeldWhole()
+    void reportsLargeBody_data() { addForms(allForms); }
+    void reportsLargeBody()
     {
         QFETCH(Form, form);
         const HttpServer server;
-        const Outcome outcome = carryOut(form, server.url(QStringLiteral("/bytes/%1").arg(largeBody)));
-        QCOMPARE(outcome.data.size(), largeBody);
-        QVERIFY(outcome.data == HttpServer::content(largeBody));
+        const Outcome outcome = carryOut(form, server.url(QStringLiteral("/bytes/%1").arg(largeBodyBytes)));
+        QCOMPARE(outcome.data.size(), largeBodyBytes);
+        QVERIFY(outcome.data == HttpServer::content(largeBodyBytes));
     }
 
-    void largeObjectIsPostedWhole_data() { addForms({Form::PostSync, Form::PostAsync}); }
-    void largeObjectIsPostedWhole()
+    void sendsLargeObject_data() { addForms({Form::PostSync, Form::PostAsync}); }
+    void sendsLargeObject()
     {
         QFETCH(Form, form);
         const HttpServer server;
-        const QString longText(5000000, QLatin1Char('x'));
-        const Outcome outcome =
-            carryOut(form, server.url(QStringLiteral("/echo")), QString(), {{QStringLiteral("a"), longText}});
-        QCOMPARE(outcome.data.size(), longText.size() + 8);
+        const QString longString(5000000, QLatin1Char('x'));
+        const Outcome outcome = carryOut(form, server.url(QStringLiteral("/echo")), QString(),
+                                         {{QStringLiteral("a"), longString}});
+        QCOMPARE(outcome.data.size(), longString.size() + 8);
     }
 
-    // The session goes out as it stands: what a host passes on unchecked can forge headers.
-    void lineEndsOfTheSessionAreNotEscaped_data() { addForms(asyncForms); }
-    void lineEndsOfTheSessionAreNotEscaped()
+    // The session is not checked: a string from outside can forge headers.
+    void sendsLineEndsOfSession_data() { addForms(asyncForms); }
+    void sendsLineEndsOfSession()
     {
         QFETCH(Form, form);
-        const RawServer server(text("HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"));
+        const RawServer server(answerWith("HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"));
         carryOut(form, server.url(), QStringLiteral("a\r\nX-Forged: 文é"));
         QCOMPARE(server.requests().size(), 1);
         QVERIFY(server.requests().first().contains("\r\nCookie: sessionid=a\r\nX-Forged: ?\xe9\r\n"));
     }
 
-    void threadThatCannotBeStartedIsAnException()
+    void throwsIfThreadCannotBeStarted()
     {
         if (isSanitized)
-            QSKIP("sanitizers need the memory that this test takes away");
+            QSKIP("sanitizers need the address space that this test removes");
         HostProcess host;
         QVERIFY(host.start());
         QCOMPARE(host.call(QStringLiteral("http.startWithoutThreads")),

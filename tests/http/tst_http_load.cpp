@@ -3,34 +3,35 @@
 #include "Requests.h"
 
 #include "ProcessFigures.h"
+#include "Waiting.h"
 
 #include <localservices/HttpServer.h>
 
 #include <memory>
-#include <utility>
 #include <vector>
 
 using LocalServices::HttpServer;
+using namespace std::chrono_literals;
 
 namespace {
 
 constexpr bool isSanitized = ZYBASE_SANITIZED != 0;
-constexpr int atOnce = isSanitized ? 40 : 200;
-constexpr int inTurn = isSanitized ? 300 : 5000;
-constexpr int warmUp = isSanitized ? 50 : 500;
-constexpr qint64 mebi = 1024 * 1024;
-// What a sanitizer keeps of freed memory is not ours to count.
-constexpr qint64 allowedGrowth = (isSanitized ? 512 : 4) * mebi;
+constexpr int parallelRequests = isSanitized ? 40 : 200;
+constexpr int sequentialRequests = isSanitized ? 300 : 5000;
+constexpr int warmUpRequests = isSanitized ? 50 : 500;
+constexpr qint64 mebibyte = 1024 * 1024;
+// Sanitizers keep freed memory.
+constexpr qint64 allowedGrowthBytes = (isSanitized ? 512 : 4) * mebibyte;
 
 } // namespace
 
-// Many requests at once and in turn leave no thread, file descriptor or memory behind.
+// Many requests leak no thread, file descriptor or memory.
 class TestHttpLoad : public QObject
 {
     Q_OBJECT
 
 private:
-    void verifyNothingIsLeft()
+    void verifyNothingLeaks()
     {
         QTRY_COMPARE_WITH_TIMEOUT(ProcessFigures::threadCount(), m_threads, 20000);
         QTRY_COMPARE_WITH_TIMEOUT(ProcessFigures::openFileCount(), m_files, 20000);
@@ -43,84 +44,88 @@ private:
 private Q_SLOTS:
     void initTestCase()
     {
-        // What Qt makes once for all requests to come is no leak.
+        // What Qt creates once for all requests is not a leak.
         for (const Form form : allForms)
             carryOut(form, m_server.url(QStringLiteral("/echo")));
         QTRY_COMPARE(m_server.openConnections(), 0);
-        int threads = -1;
-        QTRY_COMPARE(std::exchange(threads, ProcessFigures::threadCount()), ProcessFigures::threadCount());
-        QTest::qWait(200);
-        m_threads = ProcessFigures::threadCount();
-        m_files = ProcessFigures::openFileCount();
+        QTRY_VERIFY(([this] {
+            m_threads = ProcessFigures::threadCount();
+            m_files = ProcessFigures::openFileCount();
+            return staysTrueFor(200ms, [this] {
+                return ProcessFigures::threadCount() == m_threads
+                       && ProcessFigures::openFileCount() == m_files;
+            });
+        }()));
     }
 
-    void manyOnOneObjectAreStoppedByOneSignal()
+    void stopsManyRequestsOfOneObject()
     {
         {
             WatchedRequest watched;
             const int before = m_server.requests().size();
-            for (int i = 0; i < atOnce; ++i)
+            for (int i = 0; i < parallelRequests; ++i)
                 watched.start(asyncForms.at(i % asyncForms.size()), m_server.url(QStringLiteral("/never")));
-            QTRY_COMPARE_WITH_TIMEOUT(m_server.requests().size(), before + atOnce, 9000);
+            QTRY_COMPARE_WITH_TIMEOUT(m_server.requests().size(), before + parallelRequests, 9000);
             QVERIFY(watched.stopAll());
-            QCOMPARE(watched.outcomes().count(cancelled), atOnce);
-            verifyNothingIsLeft();
-            QCOMPARE(watched.outcomes().size(), atOnce);
+            QCOMPARE(watched.outcomes().count(cancelled), parallelRequests);
+            verifyNothingLeaks();
+            QCOMPARE(watched.outcomes().size(), parallelRequests);
         }
     }
 
-    void manyOnOneObjectAllEnd()
+    void endsManyRequestsOfOneObject()
     {
         WatchedRequest watched;
-        for (int i = 0; i < atOnce; ++i)
+        for (int i = 0; i < parallelRequests; ++i)
             watched.start(Form::Get, m_server.url(QStringLiteral("/bytes/10000?rate=20000")));
         QVERIFY(watched.waitForAll());
-        QCOMPARE(watched.outcomes().count(result(Form::Get, HttpServer::content(10000), 200)), atOnce);
-        verifyNothingIsLeft();
+        QCOMPARE(watched.outcomes().count(result(Form::Get, HttpServer::content(10000), 200)),
+                 parallelRequests);
+        verifyNothingLeaks();
     }
 
-    void manyObjectsAreStoppedByOneSignal()
+    void stopsManyObjectsByOneSignal()
     {
-        std::vector<std::unique_ptr<WatchedRequest>> watched(atOnce);
+        std::vector<std::unique_ptr<WatchedRequest>> watched(parallelRequests);
         const int before = m_server.requests().size();
-        WatchedRequest host;
+        WatchedRequest source;
         for (auto &mine : watched) {
             mine = std::make_unique<WatchedRequest>();
-            QVERIFY(connect(host.request(), SIGNAL(SignalStopRequest()), mine->request(),
+            QVERIFY(connect(source.request(), SIGNAL(SignalStopRequest()), mine->request(),
                             SIGNAL(SignalStopRequest())));
             mine->start(Form::PostAsync, m_server.url(QStringLiteral("/never")));
         }
-        QTRY_COMPARE_WITH_TIMEOUT(m_server.requests().size(), before + atOnce, 9000);
+        QTRY_COMPARE_WITH_TIMEOUT(m_server.requests().size(), before + parallelRequests, 9000);
         for (auto &mine : watched) {
             QTRY_VERIFY(([&] {
-                Q_EMIT host.request()->SignalStopRequest();
+                Q_EMIT source.request()->SignalStopRequest();
                 return !mine->outcomes().isEmpty();
             }()));
         }
         for (auto &mine : watched)
             QCOMPARE(mine->outcomes(), QList<Outcome> {cancelled});
-        verifyNothingIsLeft();
+        verifyNothingLeaks();
     }
 
-    void manyInTurnLeaveNoMemory()
+    void leaksNoMemoryInSequence()
     {
         const QUrl url = m_server.url(QStringLiteral("/echo"));
-        for (int i = 0; i < warmUp; ++i)
+        for (int i = 0; i < warmUpRequests; ++i)
             carryOut(allForms.at(i % allForms.size()), url);
-        verifyNothingIsLeft();
+        verifyNothingLeaks();
         m_server.forgetRequests();
         const qint64 before = ProcessFigures::residentBytes();
-        for (int i = 0; i < inTurn; ++i) {
+        for (int i = 0; i < sequentialRequests; ++i) {
             const Form form = allForms.at(i % allForms.size());
             QCOMPARE(carryOut(form, url).data, form < Form::Get ? QByteArray("{}") : QByteArray("/echo"));
             m_server.forgetRequests();
         }
-        verifyNothingIsLeft();
+        verifyNothingLeaks();
         const qint64 growth = ProcessFigures::residentBytes() - before;
-        QVERIFY2(growth < allowedGrowth, qPrintable(QStringLiteral("%1 KiB").arg(growth / 1024)));
+        QVERIFY2(growth < allowedGrowthBytes, qPrintable(QStringLiteral("%1 KiB").arg(growth / 1024)));
     }
 
-    void failedRequestsLeaveNothing()
+    void leaksNothingAfterFailures()
     {
         for (int i = 0; i < 50; ++i) {
             for (const Form form : allForms) {
@@ -128,7 +133,7 @@ private Q_SLOTS:
                 carryOut(form, QUrl());
             }
         }
-        verifyNothingIsLeft();
+        verifyNothingLeaks();
     }
 };
 

@@ -2,55 +2,48 @@
 
 #include "Requests.h"
 
-#include "MessageCapture.h"
+#include "Headers.h"
+#include "OutputCapture.h"
+#include "Waiting.h"
 
 #include <localservices/HttpServer.h>
 
 #include <QJsonArray>
 #include <QMetaMethod>
 #include <QPointer>
-#include <QSet>
-#include <QThread>
 #include <QTimer>
 
 #include <thread>
 
 using LocalServices::HttpServer;
 using ZyBase::CHttpPostRequest;
+using namespace std::chrono_literals;
 
 namespace {
 
 const QJsonObject object {{QStringLiteral("name"), QStringLiteral("Größe 文件")},
                           {QStringLiteral("b"), QJsonArray {1, true, QJsonValue::Null}},
                           {QStringLiteral("A"), 1.5}};
-const QByteArray objectText = "{\"A\":1.5,\"b\":[1,true,null],\"name\":\"Größe 文件\"}";
+const QByteArray objectJson = "{\"A\":1.5,\"b\":[1,true,null],\"name\":\"Größe 文件\"}";
 
 const QByteArray browser = "Mozilla/5.0 (Windows NT 10.0; Win64; x64) AppleWebKit/537.36 (KHTML, like Gecko) "
                            "Chrome/60.0.3100.0 Safari/537.36";
-const QByteArray qtItself = "Mozilla/5.0";
+const QByteArray userAgentOfQt = "Mozilla/5.0";
 
 bool isPost(Form form)
 {
     return form == Form::PostSync || form == Form::PostAsync;
 }
 
-QSet<QByteArray> headerNames(const HttpServer::Request &request)
-{
-    QSet<QByteArray> names;
-    for (const QPair<QByteArray, QByteArray> &header : request.headers)
-        names << header.first;
-    return names;
-}
-
 } // namespace
 
-// What goes out on the wire and what comes back.
+// What the five forms send, and what they report.
 class TestHttpRequests : public QObject
 {
     Q_OBJECT
 
 private:
-    // The one request that the server got.
+    // The only request to the server.
     HttpServer::Request onlyRequest() const
     {
         const QList<HttpServer::Request> requests = m_server->requests();
@@ -64,16 +57,16 @@ private Q_SLOTS:
     void init() { m_server = std::make_unique<HttpServer>(); }
     void cleanup() { m_server.reset(); }
 
-    void objectHasNoStateOfItsOwn() { QCOMPARE(sizeof(CHttpPostRequest), sizeof(QObject)); }
+    void hasNoState() { QCOMPARE(sizeof(CHttpPostRequest), sizeof(QObject)); }
 
-    void parentIsTaken()
+    void keepsParent()
     {
         QObject parent;
         const auto *const request = new CHttpPostRequest(&parent);
         QCOMPARE(request->parent(), &parent);
     }
 
-    void signalsAreInTheirOrderAndNothingIsASlot()
+    void keepsSignalsInOrder()
     {
         const QMetaObject &meta = CHttpPostRequest::staticMetaObject;
         QList<QByteArray> signatures;
@@ -86,8 +79,8 @@ private Q_SLOTS:
                                                 "SignalRequestResultAndStatusCode(QByteArray,int)"}));
     }
 
-    void methodAndTargetAreTheForms_data() { addForms(allForms); }
-    void methodAndTargetAreTheForms()
+    void sendsMethodAndTarget_data() { addForms(allForms); }
+    void sendsMethodAndTarget()
     {
         QFETCH(Form, form);
         carryOut(form, url("/echo/a%20b?x=%C3%A4&y=1+2#fragment"));
@@ -95,24 +88,24 @@ private Q_SLOTS:
         QCOMPARE(onlyRequest().target, QByteArray("/echo/a%20b?x=%C3%A4&y=1+2"));
     }
 
-    void bodyIsTheCompactTextOfTheObject_data() { addForms(allForms); }
-    void bodyIsTheCompactTextOfTheObject()
+    void sendsCompactJson_data() { addForms(allForms); }
+    void sendsCompactJson()
     {
         QFETCH(Form, form);
         carryOut(form, url("/echo"), QString(), object);
-        QCOMPARE(onlyRequest().body, isPost(form) ? objectText : QByteArray());
+        QCOMPARE(onlyRequest().body, isPost(form) ? objectJson : QByteArray());
     }
 
-    void emptyObjectIsPostedAsTwoBytes_data() { addForms({Form::PostSync, Form::PostAsync}); }
-    void emptyObjectIsPostedAsTwoBytes()
+    void sendsEmptyObjectAsTwoBytes_data() { addForms({Form::PostSync, Form::PostAsync}); }
+    void sendsEmptyObjectAsTwoBytes()
     {
         QFETCH(Form, form);
         QCOMPARE(carryOut(form, url("/echo")).data, QByteArray("{}"));
         QCOMPARE(onlyRequest().header("Content-Length"), QByteArray("2"));
     }
 
-    void contentTypeIsJsonForAllButTheSynchronousGet_data() { addForms(allForms); }
-    void contentTypeIsJsonForAllButTheSynchronousGet()
+    void sendsContentType_data() { addForms(allForms); }
+    void sendsContentType()
     {
         QFETCH(Form, form);
         carryOut(form, url("/echo"));
@@ -120,38 +113,40 @@ private Q_SLOTS:
                  form == Form::GetSync ? QByteArray() : QByteArray("application/json"));
     }
 
-    void userAgentIsABrowsersForTheSynchronousGetOnly_data() { addForms(allForms); }
-    void userAgentIsABrowsersForTheSynchronousGetOnly()
+    void sendsUserAgent_data() { addForms(allForms); }
+    void sendsUserAgent()
     {
         QFETCH(Form, form);
         carryOut(form, url("/echo"));
-        QCOMPARE(onlyRequest().header("User-Agent"), form == Form::GetSync ? browser : qtItself);
+        QCOMPARE(onlyRequest().header("User-Agent"), form == Form::GetSync ? browser : userAgentOfQt);
     }
 
-    void noOtherHeaderIsSet_data() { addForms(allForms); }
-    void noOtherHeaderIsSet()
+    void sendsNoOtherHeader_data() { addForms(allForms); }
+    void sendsNoOtherHeader()
     {
         QFETCH(Form, form);
         carryOut(form, url("/echo"), QStringLiteral("s"));
-        QSet<QByteArray> expected {"Host", "User-Agent", "Connection", "Accept-Encoding", "Accept-Language"};
-        if (form != Form::GetSync)
-            expected << "Content-Type";
+        Headers expected = headersOfQt(m_server->url(QString()));
+        if (form == Form::GetSync)
+            expected.insert("User-Agent", browser);
+        else
+            expected.insert("Content-Type", "application/json");
         if (isPost(form))
-            expected << "Content-Length";
+            expected.insert("Content-Length", "2");
         if (!isSync(form))
-            expected << "Cookie";
-        QCOMPARE(headerNames(onlyRequest()), expected);
+            expected.insert("Cookie", "sessionid=s");
+        QCOMPARE(headersOf(onlyRequest()), expected);
     }
 
-    void sessionIsTheCookie_data() { addForms(asyncForms); }
-    void sessionIsTheCookie()
+    void sendsSessionAsCookie_data() { addForms(asyncForms); }
+    void sendsSessionAsCookie()
     {
         QFETCH(Form, form);
         carryOut(form, url("/echo"), QStringLiteral("abc-123"));
         QCOMPARE(onlyRequest().header("Cookie"), QByteArray("sessionid=abc-123"));
     }
 
-    void emptySessionSendsNoCookieHeader_data()
+    void sendsNoCookieForEmptySession_data()
     {
         QTest::addColumn<Form>("form");
         QTest::addColumn<QString>("session");
@@ -160,24 +155,24 @@ private Q_SLOTS:
             QTest::addRow("%s, null", nameOf(form)) << form << QString();
         }
     }
-    void emptySessionSendsNoCookieHeader()
+    void sendsNoCookieForEmptySession()
     {
         QFETCH(Form, form);
         QFETCH(QString, session);
         carryOut(form, url("/echo"), session);
-        QVERIFY(!headerNames(onlyRequest()).contains("Cookie"));
+        QVERIFY(!headersOf(onlyRequest()).contains("Cookie"));
     }
 
-    void sessionIsLatin1_data()
+    void encodesSessionAsLatin1_data()
     {
         QTest::addColumn<QString>("session");
         QTest::addColumn<QByteArray>("cookie");
         QTest::newRow("Latin-1") << QStringLiteral("é") << QByteArray("sessionid=\xe9");
-        QTest::newRow("beyond it") << QStringLiteral("a文b") << QByteArray("sessionid=a?b");
-        QTest::newRow("blanks and separators")
+        QTest::newRow("beyond Latin-1") << QStringLiteral("a文b") << QByteArray("sessionid=a?b");
+        QTest::newRow("spaces and separators")
             << QStringLiteral("a b; c=d") << QByteArray("sessionid=a b; c=d");
     }
-    void sessionIsLatin1()
+    void encodesSessionAsLatin1()
     {
         QFETCH(QString, session);
         QFETCH(QByteArray, cookie);
@@ -185,15 +180,15 @@ private Q_SLOTS:
         QCOMPARE(onlyRequest().header("Cookie"), cookie);
     }
 
-    void answerIsTheResult_data() { addForms(allForms); }
-    void answerIsTheResult()
+    void reportsAnswer_data() { addForms(allForms); }
+    void reportsAnswer()
     {
         QFETCH(Form, form);
-        const QByteArray expected = isPost(form) ? objectText : QByteArray("/echo?x");
+        const QByteArray expected = isPost(form) ? objectJson : QByteArray("/echo?x");
         QCOMPARE(carryOut(form, url("/echo?x"), QString(), object), result(form, expected, 200));
     }
 
-    void anyStatusIsAResultWithItsBody_data()
+    void reportsAnyStatusWithBody_data()
     {
         QTest::addColumn<Form>("form");
         QTest::addColumn<int>("status");
@@ -203,7 +198,7 @@ private Q_SLOTS:
                 QTest::addRow("%s, %d", nameOf(form), status) << form << status;
         }
     }
-    void anyStatusIsAResultWithItsBody()
+    void reportsAnyStatusWithBody()
     {
         QFETCH(Form, form);
         QFETCH(int, status);
@@ -212,7 +207,7 @@ private Q_SLOTS:
         QCOMPARE(carryOut(form, url("/status/" + number)), result(form, body, status));
     }
 
-    void redirectIsNotFollowed_data()
+    void doesNotFollowRedirect_data()
     {
         QTest::addColumn<Form>("form");
         QTest::addColumn<int>("status");
@@ -224,7 +219,7 @@ private Q_SLOTS:
             }
         }
     }
-    void redirectIsNotFollowed()
+    void doesNotFollowRedirect()
     {
         QFETCH(Form, form);
         QFETCH(int, status);
@@ -235,15 +230,15 @@ private Q_SLOTS:
         QCOMPARE(m_server->requests().size(), 1);
     }
 
-    void nothingIsTriedTwice_data() { addForms(allForms); }
-    void nothingIsTriedTwice()
+    void doesNotRepeatRequest_data() { addForms(allForms); }
+    void doesNotRepeatRequest()
     {
         QFETCH(Form, form);
         carryOut(form, url("/status/503"));
         QCOMPARE(m_server->requests().size(), 1);
     }
 
-    void chunkedAndCompressedAnswersAreWhole_data()
+    void reportsChunkedAndCompressedAnswers_data()
     {
         QTest::addColumn<Form>("form");
         QTest::addColumn<QByteArray>("path");
@@ -254,7 +249,7 @@ private Q_SLOTS:
             }
         }
     }
-    void chunkedAndCompressedAnswersAreWhole()
+    void reportsChunkedAndCompressedAnswers()
     {
         QFETCH(Form, form);
         QFETCH(QByteArray, path);
@@ -262,45 +257,37 @@ private Q_SLOTS:
         QCOMPARE(carryOut(form, url(path)), result(form, HttpServer::content(size), 200));
     }
 
-    void brokenOffAnswerIsAResult_data() { addForms(allForms); }
-    void brokenOffAnswerIsAResult()
+    void reportsTruncatedAnswer_data() { addForms(allForms); }
+    void reportsTruncatedAnswer()
     {
         QFETCH(Form, form);
         QCOMPARE(carryOut(form, url("/cut/1000")), result(form, HttpServer::content(500), 200));
     }
 
-    void outcomeIsOneSignalOnly_data() { addForms(asyncForms); }
-    void outcomeIsOneSignalOnly()
+    void emitsOneOutcome_data() { addForms(asyncForms); }
+    void emitsOneOutcome()
     {
         QFETCH(Form, form);
         WatchedRequest watched;
         watched.start(form, url("/echo"));
         QVERIFY(watched.waitForAll());
-        // Once its connection is gone so is the manager, and the thread has nothing left to say.
+        // The connection is closed by the thread, which emits nothing afterwards.
         QTRY_COMPARE(m_server->openConnections(), 0);
-        QTest::qWait(50);
-        QCOMPARE(watched.outcomes().size(), 1);
+        QVERIFY(staysTrueFor(50ms, [&] { return watched.outcomes().size() == 1; }));
     }
 
-    void outcomeIsEmittedInTheWorker_data() { addForms(asyncForms); }
-    void outcomeIsEmittedInTheWorker()
+    void emitsResultInWorkerThread_data() { addForms(asyncForms); }
+    void emitsResultInWorkerThread()
     {
         QFETCH(Form, form);
         WatchedRequest watched;
-        std::atomic<Qt::HANDLE> emitter {nullptr};
-        const auto keepThread = [&emitter] { emitter = QThread::currentThreadId(); };
-        connect(watched.request(), &CHttpPostRequest::SignalRequestResult, watched.request(), keepThread,
-                Qt::DirectConnection);
-        connect(watched.request(), &CHttpPostRequest::SignalRequestResultAndStatusCode, watched.request(),
-                keepThread, Qt::DirectConnection);
         watched.start(form, url("/echo"));
         QVERIFY(watched.waitForAll());
-        QTRY_VERIFY(emitter.load());
-        QVERIFY(emitter.load() != QThread::currentThreadId());
+        QVERIFY(watched.areEmittedInWorkers());
     }
 
-    void argumentsAreCopied_data() { addForms(asyncForms); }
-    void argumentsAreCopied()
+    void copiesArguments_data() { addForms(asyncForms); }
+    void copiesArguments()
     {
         QFETCH(Form, form);
         WatchedRequest watched;
@@ -319,7 +306,7 @@ private Q_SLOTS:
         QCOMPARE(onlyRequest().body, isPost(form) ? QByteArray("{\"a\":1}") : QByteArray());
     }
 
-    void modelOfUseDeletesTheRequestAfterItsOutcome()
+    void isDeletableAfterOutcome()
     {
         QPointer<CHttpPostRequest> request = new CHttpPostRequest;
         QByteArray answer;
@@ -333,8 +320,8 @@ private Q_SLOTS:
         QCOMPARE(answer, QByteArray("/echo?x"));
     }
 
-    void eventsAreDeliveredDuringASynchronousCall_data() { addForms(syncForms); }
-    void eventsAreDeliveredDuringASynchronousCall()
+    void deliversEventsDuringSynchronousCall_data() { addForms(syncForms); }
+    void deliversEventsDuringSynchronousCall()
     {
         QFETCH(Form, form);
         int events = 0;
@@ -346,8 +333,8 @@ private Q_SLOTS:
         QVERIFY(events > 5);
     }
 
-    void synchronousCallIsReentrant_data() { addForms(syncForms); }
-    void synchronousCallIsReentrant()
+    void supportsNestedSynchronousCall_data() { addForms(syncForms); }
+    void supportsNestedSynchronousCall()
     {
         QFETCH(Form, form);
         CHttpPostRequest request;
@@ -362,8 +349,8 @@ private Q_SLOTS:
         QCOMPARE(inner, QByteArray("/echo?inner"));
     }
 
-    void synchronousCallNeedsNoEventLoopOfTheCaller_data() { addForms(syncForms); }
-    void synchronousCallNeedsNoEventLoopOfTheCaller()
+    void needsNoEventLoopForSynchronousCall_data() { addForms(syncForms); }
+    void needsNoEventLoopForSynchronousCall()
     {
         QFETCH(Form, form);
         QByteArray data;
@@ -373,17 +360,17 @@ private Q_SLOTS:
         QCOMPARE(data, QByteArray("status 404"));
     }
 
-    void resultReplacesWhatTheVariableHeld_data() { addForms(syncForms); }
-    void resultReplacesWhatTheVariableHeld()
+    void replacesResultVariable_data() { addForms(syncForms); }
+    void replacesResultVariable()
     {
         QFETCH(Form, form);
-        QByteArray data("a text that is longer than the answer");
+        QByteArray data("longer than the answer");
         QVERIFY(call(form, url("/bytes/1"), data));
         QCOMPARE(data, HttpServer::content(1));
     }
 
-    void noConnectionOrCookieIsSharedBetweenRequests_data() { addForms(allForms); }
-    void noConnectionOrCookieIsSharedBetweenRequests()
+    void sharesNoCookieBetweenRequests_data() { addForms(allForms); }
+    void sharesNoCookieBetweenRequests()
     {
         QFETCH(Form, form);
         carryOut(form, url("/echo"), QStringLiteral("first"));
@@ -392,15 +379,15 @@ private Q_SLOTS:
         QCOMPARE(m_server->requests().at(1).header("Cookie"), QByteArray());
     }
 
-    void nothingIsLogged_data() { addForms(allForms); }
-    void nothingIsLogged()
+    void logsNothing_data() { addForms(allForms); }
+    void logsNothing()
     {
         QFETCH(Form, form);
-        const MessageCapture capture;
+        OutputCapture output;
         carryOut(form, url("/status/500"));
         carryOut(form, url("/cut/1000"));
         carryOut(form, QUrl(QStringLiteral("http://127.0.0.1:1/")));
-        QCOMPARE(capture.messages().size(), 0);
+        QCOMPARE(output.lines(), QStringList());
     }
 };
 

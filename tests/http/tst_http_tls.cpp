@@ -32,14 +32,14 @@ class TestHttpTls : public QObject
     Q_OBJECT
 
 private:
-    // The server with one file, "hello".
+    // Creates a server with one file, "hello".
     std::unique_ptr<Nginx> createServer(const Certificate &certificate, const QString &protocols)
     {
         auto server = std::make_unique<Nginx>(certificate, protocols);
         writeFile(server->filePath(QStringLiteral("hello")), "hello");
         return server;
     }
-    // A static file can't be posted to.
+    // nginx rejects a POST to a static file.
     static Outcome expected(Form form, const Outcome &outcome)
     {
         return form == Form::PostSync || form == Form::PostAsync
@@ -55,7 +55,7 @@ private:
     Authority m_authority;
 
 private Q_SLOTS:
-    void anyCertificateIsAccepted_data()
+    void acceptsAnyCertificate_data()
     {
         QTest::addColumn<Form>("form");
         QTest::addColumn<QString>("kind");
@@ -65,7 +65,7 @@ private Q_SLOTS:
                 QTest::addRow("%s, %s", nameOf(form), kind) << form << QString::fromLatin1(kind);
         }
     }
-    void anyCertificateIsAccepted()
+    void acceptsAnyCertificate()
     {
         if (!Nginx::isAvailable())
             QSKIP("nginx is not installed");
@@ -85,8 +85,8 @@ private Q_SLOTS:
         QCOMPARE(outcome, expected(form, outcome));
     }
 
-    void serverWithBothVersionsIsReached_data() { addForms(allForms); }
-    void serverWithBothVersionsIsReached()
+    void connectsToServerWithBothVersions_data() { addForms(allForms); }
+    void connectsToServerWithBothVersions()
     {
         if (!Nginx::isAvailable())
             QSKIP("nginx is not installed");
@@ -96,7 +96,7 @@ private Q_SLOTS:
         QCOMPARE(outcome, expected(form, outcome));
     }
 
-    void serverOfAnotherVersionIsNotReached_data()
+    void rejectsServerWithOtherVersion_data()
     {
         QTest::addColumn<Form>("form");
         QTest::addColumn<QString>("protocols");
@@ -105,7 +105,7 @@ private Q_SLOTS:
             QTest::addRow("%s, TLS 1.1", nameOf(form)) << form << QStringLiteral("TLSv1.1");
         }
     }
-    void serverOfAnotherVersionIsNotReached()
+    void rejectsServerWithOtherVersion()
     {
         if (!Nginx::isAvailable())
             QSKIP("nginx is not installed");
@@ -116,8 +116,8 @@ private Q_SLOTS:
         QCOMPARE(carryOut(form, server->url(hello())), result(form, QByteArray(), 0));
     }
 
-    void plainRequestToATlsPortIsAnAnswerLikeAnyOther_data() { addForms(allForms); }
-    void plainRequestToATlsPortIsAnAnswerLikeAnyOther()
+    void reportsAnswerOfTlsPortToPlainRequest_data() { addForms(allForms); }
+    void reportsAnswerOfTlsPortToPlainRequest()
     {
         if (!Nginx::isAvailable())
             QSKIP("nginx is not installed");
@@ -129,8 +129,8 @@ private Q_SLOTS:
         QVERIFY(outcome.data.contains("400 The plain HTTP request was sent to HTTPS port"));
     }
 
-    void tlsRequestToAPlainPortIsAnEmptyResult_data() { addForms(allForms); }
-    void tlsRequestToAPlainPortIsAnEmptyResult()
+    void reportsEmptyResultOfPlainPortToTlsRequest_data() { addForms(allForms); }
+    void reportsEmptyResultOfPlainPortToTlsRequest()
     {
         QFETCH(Form, form);
         const HttpServer server;
@@ -139,8 +139,8 @@ private Q_SLOTS:
         QCOMPARE(carryOut(form, url), result(form, QByteArray(), 0));
     }
 
-    void requestUnderTlsIsTheSame_data() { addForms(allForms); }
-    void requestUnderTlsIsTheSame()
+    void sendsSameRequestOverTls_data() { addForms(allForms); }
+    void sendsSameRequestOverTls()
     {
         QFETCH(Form, form);
         const HttpServer server(Authority::selfSigned(localHost));
@@ -154,13 +154,13 @@ private Q_SLOTS:
         QCOMPARE(request.header("Cookie"), isSync(form) ? QByteArray() : QByteArray("sessionid=abc"));
     }
 
-    void downloadChecksCertificatesAndKnowsTls13_data()
+    void downloadsWithTls13FromTrustedServer_data()
     {
         QTest::addColumn<QString>("protocols");
         QTest::newRow("1.2") << tls12;
         QTest::newRow("1.3") << tls13;
     }
-    void downloadChecksCertificatesAndKnowsTls13()
+    void downloadsWithTls13FromTrustedServer()
     {
         if (!Nginx::isAvailable())
             QSKIP("nginx is not installed");
@@ -180,14 +180,14 @@ private Q_SLOTS:
         QCOMPARE(readFile(path), QByteArray("hello"));
     }
 
-    void downloadFromABadCertificateFails_data()
+    void rejectsDownloadWithInvalidCertificate_data()
     {
         QTest::addColumn<QString>("host");
         QTest::addColumn<int>("validSeconds");
         QTest::newRow("expired") << localHost << -3600;
         QTest::newRow("wrong name") << QStringLiteral("other.example.org") << 3600;
     }
-    void downloadFromABadCertificateFails()
+    void rejectsDownloadWithInvalidCertificate()
     {
         if (!Nginx::isAvailable())
             QSKIP("nginx is not installed");

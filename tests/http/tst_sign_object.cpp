@@ -35,7 +35,7 @@ class TestSignObject : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void digestOfAText_data()
+    void returnsDigestOfString_data()
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("expected");
@@ -47,14 +47,14 @@ private Q_SLOTS:
         QTest::newRow("UTF-8") << QStringLiteral("Größe 文件 😀") << digest("Größe 文件 😀");
         QTest::newRow("NUL inside") << QString(3, QChar()) << digest(QByteArray(3, '\0'));
     }
-    void digestOfAText()
+    void returnsDigestOfString()
     {
         QFETCH(QString, text);
         QFETCH(QString, expected);
         QCOMPARE(CSystemUtils::GetStringMd5(text), expected);
     }
 
-    void signatureIsTheDigestOfTheCanonicalText_data()
+    void returnsDigestOfSortedMembers_data()
     {
         QTest::addColumn<QJsonObject>("object");
         QTest::addColumn<QString>("secret");
@@ -87,7 +87,7 @@ private Q_SLOTS:
         QTest::newRow("text that looks like a number")
             << parsed("{\"a\":\"1.9\"}") << S << QByteArray("a=1.9S");
     }
-    void signatureIsTheDigestOfTheCanonicalText()
+    void returnsDigestOfSortedMembers()
     {
         QFETCH(QJsonObject, object);
         QFETCH(QString, secret);
@@ -95,7 +95,7 @@ private Q_SLOTS:
         QCOMPARE(CHttpPostRequest::SignObject(object, secret), digest(text));
     }
 
-    void numberCountsAsAWholeOneOf32Bits_data()
+    void convertsNumberTo32BitInteger_data()
     {
         QTest::addColumn<double>("number");
         QTest::addColumn<QByteArray>("text");
@@ -117,7 +117,7 @@ private Q_SLOTS:
         QTest::newRow("hugely negative") << -1e300 << QByteArray("-2147483648");
         QTest::newRow("tiny") << 1e-300 << QByteArray("0");
     }
-    void numberCountsAsAWholeOneOf32Bits()
+    void convertsNumberTo32BitInteger()
     {
         QFETCH(double, number);
         QFETCH(QByteArray, text);
@@ -125,7 +125,7 @@ private Q_SLOTS:
         QCOMPARE(CHttpPostRequest::SignObject(object, QStringLiteral("S")), digest("n=" + text + 'S'));
     }
 
-    void otherTypesCountAsEmpty_data()
+    void treatsOtherTypesAsEmpty_data()
     {
         QTest::addColumn<QJsonValue>("value");
         QTest::newRow("true") << QJsonValue(true);
@@ -134,20 +134,20 @@ private Q_SLOTS:
         QTest::newRow("array") << QJsonValue(QJsonArray {1, QStringLiteral("x")});
         QTest::newRow("object") << QJsonValue(parsed("{\"a\":1}"));
     }
-    void otherTypesCountAsEmpty()
+    void treatsOtherTypesAsEmpty()
     {
         QFETCH(QJsonValue, value);
         const QJsonObject object {{QStringLiteral("a"), value}, {QStringLiteral("b"), QStringLiteral("x")}};
         QCOMPARE(CHttpPostRequest::SignObject(object, QStringLiteral("S")), digest("a=&b=xS"));
     }
 
-    void orderInTheDocumentHasNoEffect()
+    void ignoresOrderOfMembers()
     {
         QCOMPARE(CHttpPostRequest::SignObject(parsed("{\"a\":1,\"B\":2,\"c\":3}"), QStringLiteral("S")),
                  CHttpPostRequest::SignObject(parsed("{\"c\":3,\"B\":2,\"a\":1}"), QStringLiteral("S")));
     }
 
-    void objectIsLeftAsItIs()
+    void keepsObject()
     {
         const QJsonObject object = parsed("{\"b\":1.5,\"a\":null}");
         const QJsonObject copy = object;
@@ -155,7 +155,7 @@ private Q_SLOTS:
         QCOMPARE(object, copy);
     }
 
-    void resultIsAlways32LowerCaseDigits()
+    void returns32LowerCaseDigits()
     {
         static const QRegularExpression form(QStringLiteral("^[0-9a-f]{32}$"));
         QJsonObject object;
@@ -167,7 +167,7 @@ private Q_SLOTS:
         }
     }
 
-    void manyThreadsMaySignAtOnce()
+    void supportsConcurrentCalls()
     {
         const QJsonObject object = parsed("{\"b\":\"x\",\"a\":1.9,\"c\":true}");
         const QString expected = digest("a=1&b=x&c=S");

@@ -52,7 +52,8 @@ public:
     void kill() { m_process.kill(); }
 
     /** All that the host wrote to its standard error stream so far. */
-    QString standardError() { return QString::fromUtf8(m_process.standardError()); }
+    QString standardError() { return QString::fromUtf8(standardErrorBytes()); }
+    QByteArray standardErrorBytes() { return m_process.standardError(); }
 
     /** What the host wrote to its standard output stream besides its answers, up to the last answer. */
     QString standardOutput() const { return QString::fromUtf8(m_standardOutput); }

@@ -39,17 +39,7 @@ int openFileCount()
 
 qint64 residentBytes()
 {
-    return statusBytes("VmRSS");
-}
-
-bool resetPeak()
-{
-    return writeFile(QStringLiteral("/proc/self/clear_refs"), "5");
-}
-
-qint64 peakBytes()
-{
-    return statusBytes("VmHWM");
+    return statusBytes("RssAnon");
 }
 
 } // namespace ProcessFigures

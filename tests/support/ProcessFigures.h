@@ -4,19 +4,14 @@
 
 #include <QtGlobal>
 
-/** What the system counts of this process. */
+/** Figures that the system reports of this process. */
 namespace ProcessFigures {
 
 int threadCount();
 int openFileCount();
 
-/** The memory in use, in bytes. */
+/** The resident memory of heap and stacks, in bytes. Mapped files are not counted: the system loads and
+ *  drops their pages as it likes. */
 qint64 residentBytes();
-
-/** Forgets the peak so far; false where the system doesn't let it be forgotten. */
-bool resetPeak();
-
-/** The most memory in use since resetPeak(), in bytes. */
-qint64 peakBytes();
 
 } // namespace ProcessFigures

@@ -4,6 +4,7 @@
 
 #include <QFile>
 #include <QLibrary>
+#include <QTextCodec>
 
 #include <csignal>
 
@@ -17,7 +18,15 @@ QJsonValue setVariable(const QJsonArray &arguments)
     return qputenv(name.constData(), arguments.at(1).toString().toUtf8());
 }
 
-// Dies in the middle of its work, as by the kernel's or the user's "kill -9".
+// Sets the encoding of QString::toLocal8Bit().
+QJsonValue setLocal8BitEncoding(const QJsonArray &arguments)
+{
+    QTextCodec *const codec = QTextCodec::codecForName(arguments.at(0).toString().toLatin1());
+    QTextCodec::setCodecForLocale(codec);
+    return codec != nullptr;
+}
+
+// Ends the process with SIGKILL.
 QJsonValue die(const QJsonArray &)
 {
     return raise(SIGKILL);
@@ -51,6 +60,7 @@ QJsonValue loadLibrary(const QJsonArray &arguments)
 Commands processCommands()
 {
     return {{QStringLiteral("process.setVariable"), setVariable},
+            {QStringLiteral("process.setLocal8BitEncoding"), setLocal8BitEncoding},
             {QStringLiteral("process.die"), die},
             {QStringLiteral("process.readFile"), readFile},
             {QStringLiteral("process.fileSize"), fileSize},
