@@ -6,6 +6,7 @@
 #include <QNetworkAccessManager>
 #include <QNetworkProxy>
 #include <QNetworkReply>
+#include <QSignalSpy>
 #include <QSslConfiguration>
 #include <QSslError>
 #include <QTest>
@@ -46,9 +47,12 @@ private:
         return Reply(m_manager->post(request, body));
     }
 
+    // Runs an event loop. QTest::qWaitFor() sleeps 10 ms between two rounds, and an upload of 1 MB needs 60
+    // of them.
     static bool waitFor(const Reply &reply)
     {
-        return QTest::qWaitFor([&] { return reply->isFinished(); }, timeoutMs);
+        QSignalSpy finished(reply.get(), &QNetworkReply::finished);
+        return reply->isFinished() || finished.wait(timeoutMs);
     }
 
     Authority m_authority;
