@@ -2,14 +2,18 @@
 
 /**
  * @file
- * Everything that a host uses. The header of the logger's working object comes with it where log4qt's
- * headers are in reach; a host that only logs needs none of them.
+ * Includes all public headers of the library.
+ *
+ * The header of LoggerObjectPrivate is included only if the headers of log4qt are found. It is not needed to
+ * write log messages: ZyBase::LoggerObject is enough.
  */
 
 /**
  * @namespace ZyBase
- * What hosts call. A few working classes and functions stand outside of it, in the global scope: their names
- * are as old as the hosts that are compiled against them.
+ * The public classes and functions of the library.
+ *
+ * For compatibility, some classes and functions are in the global namespace instead, for example
+ * CGoogleAnalytics and GetAppDirPath().
  */
 
 #pragma once

@@ -19,20 +19,25 @@ macro(zybase_require name version)
     endif()
 endmacro()
 
-# Leaves the target Log4Qt::log4qt: an installed log4qt or the one of this tree, as
-# ZYBASE_LOG4QT says.
+# Defines the target Log4Qt::log4qt: an installed log4qt or the one of this tree, depending on ZYBASE_LOG4QT.
 macro(zybase_require_log4qt)
     if(NOT ZYBASE_LOG4QT MATCHES "^(auto|system|own)$")
         message(FATAL_ERROR "ZYBASE_LOG4QT is \"${ZYBASE_LOG4QT}\": it takes auto, system or own.")
     endif()
-    if(NOT ZYBASE_LOG4QT STREQUAL "own")
+    if(NOT ZYBASE_LOG4QT STREQUAL "own" AND TARGET Log4Qt::log4qt)
         find_package(Log4Qt 1.5 QUIET)
+    elseif(NOT ZYBASE_LOG4QT STREQUAL "own")
+        find_package(Log4Qt 1.5 QUIET)
+        if(Log4Qt_FOUND)
+            # A project that adds this tree as a subdirectory links the target, too.
+            set_target_properties(Log4Qt::log4qt PROPERTIES IMPORTED_GLOBAL TRUE)
+        endif()
     endif()
     if(Log4Qt_FOUND)
         message(STATUS "log4qt: installed, version ${Log4Qt_VERSION}")
     elseif(ZYBASE_LOG4QT STREQUAL "system")
         message(FATAL_ERROR
-            "Missing: log4qt 1.5 or later. No Debian package brings it: name its place in CMAKE_PREFIX_PATH or set ZYBASE_LOG4QT=own.")
+            "Missing: log4qt 1.5 or later. No Debian package contains it: add its prefix to CMAKE_PREFIX_PATH or set ZYBASE_LOG4QT=own.")
     else()
         message(STATUS "log4qt: our own")
         add_subdirectory(log4qt)

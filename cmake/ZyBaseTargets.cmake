@@ -18,6 +18,8 @@ set(ZYBASE_LIBRARY_DIR "${CMAKE_CURRENT_BINARY_DIR}/lib")
 function(zybase_compile target)
     target_compile_features(${target} PRIVATE cxx_std_17)
     set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
+    # Before glibc 2.34 the thread functions are a library of their own.
+    target_link_libraries(${target} PRIVATE Threads::Threads)
     target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
         # Qt's own macros are called without their last arguments.
         $<$<CXX_COMPILER_ID:Clang>:-Wno-gnu-zero-variadic-macro-arguments>
@@ -49,4 +51,18 @@ function(zybase_shared_object target)
         LIBRARY_OUTPUT_DIRECTORY "${ZYBASE_LIBRARY_DIR}"
         BUILD_RPATH_USE_ORIGIN ON
         INSTALL_RPATH "$ORIGIN")
+endfunction()
+
+# zybase_export(<target> <list>): the library exports the C++ names of the list and nothing else, whatever
+# the compiler and its options make of inline functions.
+function(zybase_export target list)
+    file(READ "${list}" names)
+    string(REGEX REPLACE "#[^\n]*\n" "" names "${names}")
+    string(REGEX REPLACE "([^\n]+)\n" "        \"\\1\";\n" names "${names}")
+    set(script "${CMAKE_CURRENT_BINARY_DIR}/${target}.map")
+    file(GENERATE OUTPUT "${script}"
+        CONTENT "{\n  global:\n    extern \"C++\" {\n${names}    };\n  local:\n    *;\n};\n")
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${list}")
+    target_link_options(${target} PRIVATE "LINKER:--version-script=${script}")
+    set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${script}")
 endfunction()

@@ -32,10 +32,10 @@ PublicServices::PublicServices()
 
 void PublicServices::route(Proxy &proxy) const
 {
-    proxy.route(QLatin1String(ZyBase::Services::pszAddressHost), m_address.url());
-    proxy.route(QLatin1String(ZyBase::Services::pszCountryHost), m_country.url());
-    proxy.route(QLatin1String(ZyBase::Services::pszGeolocationHost), m_location.url());
-    proxy.route(QLatin1String(ZyBase::Services::pszGeolocationPageHost), m_locationPage.url());
+    proxy.route(QLatin1String(ZyBase::pszAddressHost), m_address.url());
+    proxy.route(QLatin1String(ZyBase::pszCountryHost), m_country.url());
+    proxy.route(QLatin1String(ZyBase::pszGeolocationHost), m_location.url());
+    proxy.route(QLatin1String(ZyBase::pszGeolocationPageHost), m_locationPage.url());
 }
 
 } // namespace LocalServices

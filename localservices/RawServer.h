@@ -37,6 +37,9 @@ public:
     /** Returns the requests so far, as received. Thread-safe. */
     QList<QByteArray> requests() const;
 
+    /** The number of open connections. Any thread. */
+    int openConnections() { return m_listener.openConnections(); }
+
 private:
     Q_DISABLE_COPY(RawServer)
 

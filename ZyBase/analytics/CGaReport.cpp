@@ -6,9 +6,9 @@
 
 CGaReport::CGaReport(QObject *parent)
     : QObject(parent)
-    , m_strClientId(QLatin1String(""))
-    , m_strMeasurementId(QLatin1String(""))
-    , m_strApiSecret(QLatin1String(""))
+    , m_strClientId(QStringLiteral(""))
+    , m_strMeasurementId(QStringLiteral(""))
+    , m_strApiSecret(QStringLiteral(""))
 {
 }
 

@@ -8,57 +8,84 @@
 #include <QString>
 
 /**
- * Reports events of one application to Google Analytics 4, each by a request of its own. Hosts go
- * through ZyBase::CGaReportManager, which holds one of these.
+ * Sends the events of one application to Google Analytics 4, each in a request of its own.
  *
- * The requests in the background are children of the reporter until they remove themselves. For
- * that, and for a stop, the reporter's thread must run an event loop. Nobody learns how a request ended.
+ * Applications use ZyBase::CGaReportManager, which contains an object of this class.
  *
- * **Threads.** For the thread that owns it. **Blocking.** ReportGaData() with @p sync true alone does.
+ * **Threads.** Not thread-safe: use the object only in the thread that created it, which may be the
+ * GUI thread.
  *
- * @warning Requests that are still running use a dead object when the reporter is destroyed. Call
- * StopReport(), go back to the event loop until no children are left, and destroy it then. A
- * request that ended in the very moment of its start may stay a child until the reporter goes.
+ * **Blocking.** ReportGaData() with @p sync true blocks for 10000 ms at most; Qt's coarse timer can make
+ * that 10500 ms. All other functions return at once and never block.
+ *
+ * **Failures.** No function reports a failure. An event that could not be sent is lost.
+ *
+ * **Lifetime.** Background requests are children of the reporter and delete themselves. This needs a
+ * running event loop in the reporter's thread. A request that ends before ReportGaData() has returned can
+ * remain a child until the reporter is destroyed.
+ *
+ * @warning Destroying the reporter while a request runs is undefined behaviour. Call StopReport(), run the
+ * event loop until the reporter has no children, and then destroy it.
+ *
+ * @warning Quitting while a background request runs can crash the process. Quit as
+ * @ref guide-quitting-in-time "docs/guide/quitting-in-time.md" shows.
+ *
+ * @warning A QCoreApplication object must exist. Without one, a request that waits never returns and uses a
+ * whole processor core. If the system has no thread left for Qt's network code (EAGAIN), it does not return
+ * within ten seconds.
+ *
+ * @since 0.1.0
  */
 class ZYBASE_EXPORT CGaReport : public QObject
 {
     Q_OBJECT
 
 public:
-    /** Makes a reporter whose three identifiers are empty. @param parent owns it, in the same thread */
+    /**
+     * Creates a reporter. Its three identifiers are empty strings.
+     *
+     * @param parent the parent, in the same thread, or nullptr
+     */
     explicit CGaReport(QObject *parent = nullptr);
 
-    /** Deletes the requests that are its children, running or not. */
+    /** Destroys the reporter and the requests that are its children. No request may be running. */
     ~CGaReport() override;
 
     /**
-     * Sets who reports, for the requests that start from now on. Nothing is checked.
+     * Sets the identifiers of all requests that start later. No value is checked.
      *
-     * @param clientId the installation, such as ZyBase::CSystemUtils::GetPCID() gives it
+     * @param clientId the installation, for example the result of ZyBase::CSystemUtils::GetPCID()
      * @param measurementId the data stream
-     * @param apiSecret the data stream's secret
+     * @param apiSecret the secret of the data stream
      */
     void InitData(const QString &clientId, const QString &measurementId, const QString &apiSecret);
 
     /**
-     * Sends an event; empty texts and identifiers go out as well.
+     * Sends an event. Empty strings and identifiers are sent, too.
      *
-     * @param eventName,eventCategory,eventLabel what it says
-     * @param sync true waits for the answer, for at most 10000 ms, in which the thread's other events are
-     * delivered; false returns once a thread is started
-     * @throws std::system_error with @p sync false, when the system grants no further thread
+     * @param eventName the name of the event
+     * @param eventCategory the category of the event
+     * @param eventLabel the label of the event
+     * @param sync true waits for the end of the request in a nested event loop, which delivers the thread's
+     * other events; false sends in the background and returns at once
+     * @throws std::system_error with @p sync false, if the system cannot create a thread
      */
     void ReportGaData(const QString &eventName, const QString &eventCategory, const QString &eventLabel,
                       bool sync);
 
     /**
-     * Starts to stop all requests in the background; returns at once and has stopped nothing until the
-     * event loop of this thread runs. One that waits isn't stopped, and later ones go out as ever.
+     * Requests a stop of all background requests.
+     *
+     * Returns at once. The stop takes effect when the event loop of this thread runs. Requests that wait
+     * are not stopped, and later events are sent normally.
+     *
+     * @warning A request whose thread has only just started is not stopped. Call the function again until
+     * the reporter has no children.
      */
     void StopReport();
 
 Q_SIGNALS:
-    /** What StopReport() emits; the requests in the background listen to it. */
+    /** Emitted by StopReport(); stops the background requests. */
     void SignalStopRequest();
 
 private:

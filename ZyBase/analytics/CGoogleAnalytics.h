@@ -9,12 +9,13 @@
 #include <QString>
 
 /**
- * Sends one event to Google Analytics 4 by the Measurement Protocol. Hosts report through
- * ZyBase::CGaReportManager, which makes these objects; this header is for the one that wants to know
- * whether an event got through.
+ * Sends one event to Google Analytics 4 by the Measurement Protocol.
  *
- * An event is a POST to https, the service's host and "/mp/collect", with the measurement identifier and
- * the API secret in the query and this body, indented as it stands here:
+ * Applications report through ZyBase::CGaReportManager, which creates these objects. Use this class only if
+ * you must know whether an event was delivered.
+ *
+ * An event is a POST to "https://", the service's name and "/mp/collect". The query contains the
+ * measurement identifier and the API secret. The body is indented JSON:
  * @code
  * {
  *     "client_id": "<clientId>",
@@ -31,83 +32,122 @@
  * }
  * @endcode
  *
- * Nothing is checked: empty texts go out as empty texts. The two identifiers of the query go in as
- * they are: an ampersand starts another query key, "%41" goes out as "A", and a "%1" in
- * the measurement identifier swallows the API secret. Real identifiers have none of these.
+ * No value is checked, and empty strings are sent. The two identifiers in the query are not escaped: "&"
+ * starts another query key, "%41" is sent as "A", and a "%1" in the measurement identifier is replaced by
+ * the API secret. Real identifiers contain none of these.
  *
- * Certificates are checked as Qt's default SSL configuration says, and the application proxy is used.
- * Nothing is kept for later and no message is written: a lost event is lost. Nothing is tried twice, but
- * Qt itself may send a request again whose connection was closed before any answer came.
+ * Certificates are checked by Qt's default SSL configuration, and the application proxy is used. Events
+ * that could not be sent are lost: nothing is stored or logged. Qt itself can repeat a request if its
+ * connection was closed before the answer.
  *
- * **Threads.** A background request runs in a thread of its own, which nothing waits for; its outcome
- * signal is emitted there. A receiver in another thread gets it queued, in need of a running event loop.
+ * **Threads.** All functions and signals except the destructor are thread-safe. Any thread may create
+ * the object and start requests, also the GUI thread. Delete the object in its own thread. A background
+ * request runs in a thread of its own, which emits the outcome signal. A receiver in another thread gets
+ * the signal queued and needs a running event loop there.
  *
- * **Blocking.** StartRequestSync() alone does, for at most 10000 ms.
+ * **Blocking.** StartRequestSync() blocks for 10000 ms at most; Qt's coarse timer can make that 10500 ms.
+ * It runs a nested event loop: other events of the calling thread are delivered meanwhile. All other
+ * functions return at once and never block.
  *
- * @warning The object must outlive its running background request. The destructor drops all connections
- * from the object, those to destroyed() too, but neither waits nor cancels; a request that is
- * still running then uses a dead object. Delete it only by deleteLater() from its outcome.
+ * **Failures.** StartRequestSync() returns false. A background request does not report whether the event
+ * was delivered.
+ *
+ * **Lifetime.** The object must outlive its background requests by at least the last steps of their
+ * threads.
+ *
+ * @warning Deleting the object while a request runs is undefined behaviour, and so is deleting it at once
+ * in the slot of its outcome signal, also with deleteLater(). The destructor neither waits nor cancels.
+ * Create the object without a parent, and delete it one second after its outcome, as
+ * @ref guide-deleting-a-request "docs/guide/deleting-a-request.md" shows for ZyBase::CHttpPostRequest.
+ *
+ * @warning Quitting while a background request runs can crash the process. Quit as
+ * @ref guide-quitting-in-time "docs/guide/quitting-in-time.md" shows.
+ *
+ * @warning A QCoreApplication object must exist. Without one, a request that waits never returns and uses a
+ * whole processor core. If the system has no thread left for Qt's network code (EAGAIN), it does not return
+ * within ten seconds, and background requests emit no signal.
+ *
+ * @since 0.1.0
  */
 class ZYBASE_EXPORT CGoogleAnalytics : public QObject
 {
     Q_OBJECT
 
 public:
-    /** Makes an object without a request. @param parent none for an object that serves in the background */
+    /**
+     * Creates an object without a request.
+     *
+     * @param parent the parent, in the same thread. Pass nullptr if you use background requests: a parent
+     * may delete the object while they run.
+     */
     explicit CGoogleAnalytics(QObject *parent = nullptr);
 
-    /** Drops all connections from the object; neither waits for a running request nor cancels it. */
+    /**
+     * Destroys the object, in the thread that owns it.
+     *
+     * First drops all connections from the object, including those to destroyed(). Does not wait for
+     * running requests and does not cancel them: no request may be running.
+     */
     ~CGoogleAnalytics() override;
 
     /**
-     * Sends the event and waits for the answer, for at most 10000 ms.
+     * Sends the event and waits for the answer. The request cannot be stopped, and no signal is emitted.
      *
-     * Meanwhile it runs an event loop of its own, in which all other events of the calling thread are
-     * delivered: be ready for re-entry. It can't be stopped, and emits no signal.
+     * @param clientId the installation; also sent as the user identifier
+     * @param measurementId the data stream
+     * @param apiSecret the secret of the data stream
+     * @param eventName the name of the event
+     * @param eventCategory the category of the event
+     * @param eventLabel the label of the event
+     * @return true if an answer without an error came in time. False after the time limit, a refused
+     * connection, an invalid certificate, or an HTTP status of 400 or more.
      *
-     * @param clientId whose event it is; also sent as the user identifier
-     * @param measurementId names the data stream
-     * @param apiSecret the data stream's secret
-     * @param eventName,eventCategory,eventLabel what the event says
-     * @return true when the answer came in time with no error; false for a refused connection, a
-     * certificate that doesn't hold, an HTTP status of 400 or more, and after the time limit
+     * @warning If the application quits meanwhile, the call returns at once with true, although no answer
+     * came. Send a last event in a slot of aboutToQuit() or after exec().
      *
-     * @warning When the application quits meanwhile the call returns at once, with true but without an
-     * answer.
+     * @see StartRequestAsync() does not block.
      */
     bool StartRequestSync(const QString &clientId, const QString &measurementId, const QString &apiSecret,
                           const QString &eventName, const QString &eventCategory, const QString &eventLabel);
 
     /**
-     * Sends the event in a thread of its own, and returns at once. The outcome is one of
-     * SignalRequestTimeout(), SignalRequestCancel() and SignalRequestResult().
+     * Sends the event in the background.
      *
-     * @param clientId,measurementId,apiSecret,eventName,eventCategory,eventLabel as for StartRequestSync()
-     * @throws std::system_error when the system grants no further thread; no signal follows then
+     * Emits one of SignalRequestTimeout(), SignalRequestCancel() and SignalRequestResult() when the request
+     * has ended.
+     *
+     * @param clientId the installation; also sent as the user identifier
+     * @param measurementId the data stream
+     * @param apiSecret the secret of the data stream
+     * @param eventName the name of the event
+     * @param eventCategory the category of the event
+     * @param eventLabel the label of the event
+     * @throws std::system_error if the system cannot create a thread; no signal follows
      */
     void StartRequestAsync(const QString &clientId, const QString &measurementId, const QString &apiSecret,
                            const QString &eventName, const QString &eventCategory, const QString &eventLabel);
 
 Q_SIGNALS:
-    /** Ten seconds passed; the request was aborted. */
+    /** Emitted if the background request was aborted after the time limit. */
     void SignalRequestTimeout();
 
-    /** The request was aborted because of SignalStopRequest(). */
+    /** Emitted if the background request was aborted by SignalStopRequest(). */
     void SignalRequestCancel();
 
     /**
-     * Emit this, or connect a signal to it, to stop the background request.
+     * Emit this signal, or connect a signal to it, to stop the background request. It returns at once; the
+     * stopped request then emits SignalRequestCancel(). Without a running request it does nothing.
      *
-     * @warning It doesn't reach a request whose thread hasn't got going yet, a moment after its start:
-     * that request runs on to its end.
+     * @warning A request whose thread has only just started does not receive the signal and runs to its
+     * end. Emit the signal again until the request has ended.
      */
     void SignalStopRequest();
 
     /**
-     * The background request is over in any other way.
+     * Emitted when the background request has ended by itself, also after a failure.
      *
-     * @param data the body of the answer, an error page too; empty when there was none. It doesn't
-     * tell a delivered event from a failed one.
+     * @param data the body of the answer, which may be an error page; empty if there was no answer. It does
+     * not show whether the event was delivered.
      */
     void SignalRequestResult(QByteArray data);
 

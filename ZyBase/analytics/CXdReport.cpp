@@ -16,8 +16,8 @@ using ZyBase::CSystemUtils;
 
 namespace {
 
-// The words that backends know, for the two arguments of a record. No code reads them; building them, in
-// this order, is the one thing that happens when the library is loaded.
+// The words that backends recognise, for the two arguments of a record. No code reads them. Creating them, in
+// this order, is the only work done when the library is loaded.
 [[maybe_unused]] const QString strActionInstall = QStringLiteral("install");
 [[maybe_unused]] const QString strActionUninstall = QStringLiteral("uninstall");
 [[maybe_unused]] const QString strActionUninstallOpt = QStringLiteral("uninstall_opt");
@@ -35,7 +35,7 @@ namespace {
 
 QString sign(const QString &strTimestamp, const QString &strJson)
 {
-    const QLatin1String strSecret(szSigningSecret);
+    const QLatin1String strSecret(ZyBase::pszSigningSecret);
     return CSystemUtils::GetStringMd5(strSecret + QLatin1String("timestamp") + strTimestamp + strJson
                                       + strSecret);
 }
@@ -44,10 +44,10 @@ QString sign(const QString &strTimestamp, const QString &strJson)
 
 CXdReport::CXdReport(QObject *parent)
     : QObject(parent)
-    , m_strReportUrl(QLatin1String(""))
-    , m_strDeviceId(QLatin1String(""))
-    , m_strProduct(QLatin1String(""))
-    , m_strVersion(QLatin1String(""))
+    , m_strReportUrl(QStringLiteral(""))
+    , m_strDeviceId(QStringLiteral(""))
+    , m_strProduct(QStringLiteral(""))
+    , m_strVersion(QStringLiteral(""))
     , m_strQd(QStringLiteral("home"))
 {
 }
@@ -68,7 +68,7 @@ void CXdReport::ReportXdData(const QString &action, const QString &status)
 {
     QString strUrl = m_strReportUrl;
     auto *const pRequest = new CHttpPostRequest(this);
-    // Connected before the start, so that no outcome is missed.
+    // Connect before the start, so that no outcome is missed.
     const auto remove = [pRequest] { pRequest->deleteLater(); };
     connect(pRequest, &CHttpPostRequest::SignalRequestTimeout, this, remove);
     connect(pRequest, &CHttpPostRequest::SignalRequestCancel, this, remove);
@@ -87,7 +87,7 @@ void CXdReport::ReportXdData(const QString &action, const QString &status)
                               {QStringLiteral("version"), m_strVersion}};
     QJsonDocument document;
     document.setObject(record);
-    // The request serialises the record again, to the same bytes as are signed here.
+    // The request serialises the record again, to the same bytes that are signed here.
     const QString strJson = QString::fromUtf8(document.toJson(QJsonDocument::Compact));
     strUrl +=
         QLatin1String("?sign=") + sign(strTimestamp, strJson) + QLatin1String("&timestamp=") + strTimestamp;

@@ -8,39 +8,49 @@
 #include <QString>
 
 /**
- * Sends signed records of what an application did to a statistics backend, each by a request of its
- * own in the background. Hosts go through ZyBase::CGaReportManager, which holds one of these.
+ * Sends signed records to a statistics backend, each in a background request of its own.
  *
- * A record is a POST of a compact JSON text with these keys in this order, all of them texts:
+ * Applications use ZyBase::CGaReportManager, which contains an object of this class.
  *
- * | Key         | Value                                                                    |
- * |-------------|--------------------------------------------------------------------------|
- * | "action"    | as given                                                                 |
- * | "day"       | local date and time in spite of its name, as "2026-11-20 17:05:09"       |
- * | "device_id" | of InitData()                                                            |
- * | "os"        | "linux"                                                                  |
- * | "product"   | of InitData()                                                            |
- * | "qd"        | of InitData(); "home" until then                                         |
- * | "status"    | as given                                                                 |
- * | "version"   | of InitData()                                                            |
+ * A record is a POST of compact JSON. It contains these keys, in this order, all with string values:
  *
- * The address is that of InitData() with "?sign=", the signature, "&timestamp=" and the seconds since
- * 1970 behind it. The signature is the MD5 digest, as 32 lower-case hexadecimal digits, of these UTF-8
- * bytes joined: secret, "timestamp", the seconds, the JSON text, secret. The secret is a constant of the
- * library. "day" may be a second before the time stamp.
+ * | Key         | Value                                                           |
+ * |-------------|-----------------------------------------------------------------|
+ * | "action"    | argument of ReportXdData()                                      |
+ * | "day"       | local date and time, such as "2026-11-20 17:05:09"              |
+ * | "device_id" | argument of InitData()                                          |
+ * | "os"        | "linux"                                                         |
+ * | "product"   | argument of InitData()                                          |
+ * | "qd"        | argument of InitData(); "home" before the first call            |
+ * | "status"    | argument of ReportXdData()                                      |
+ * | "version"   | argument of InitData()                                          |
  *
- * @warning As with all requests of ZyBase::CHttpPostRequest the certificate of the backend isn't
- * checked: whoever sits on the line can read the records. The secret stands in the library for anyone
- * to read, so a signature shows that a record wasn't garbled, not who sent it.
+ * The URL is that of InitData(), followed by "?sign=", the signature, "&timestamp=" and the seconds since
+ * 1970. The signature is the MD5 digest, as 32 lower-case hexadecimal digits, of these strings in UTF-8
+ * without separators: the secret, "timestamp", the seconds, the JSON, the secret. The secret is a constant
+ * of the library. "day" can be one second earlier than the time stamp.
  *
- * The requests are children of the reporter until they remove themselves, for which the reporter's
- * thread must run an event loop. Nobody learns how a request ended, the answer isn't read, and a lost
- * record is lost.
+ * **Threads.** Not thread-safe: use the object only in the thread that created it, which may be the
+ * GUI thread.
  *
- * **Threads.** For the thread that owns it. **Blocking.** Never.
+ * **Blocking.** No function blocks.
  *
- * @warning Requests that are still running use a dead object when the reporter is destroyed. Call
- * StopReport(), go back to the event loop until no children are left, and destroy it then.
+ * **Failures.** No function reports a failure, and the answer is not read. A record that could not be sent
+ * is lost.
+ *
+ * **Lifetime.** Background requests are children of the reporter and delete themselves. This needs a
+ * running event loop in the reporter's thread.
+ *
+ * @warning Destroying the reporter while a request runs is undefined behaviour. Call StopReport(), run the
+ * event loop until the reporter has no children, and then destroy it.
+ *
+ * @warning Quitting while a request runs can crash the process. Quit as
+ * @ref guide-quitting-in-time "docs/guide/quitting-in-time.md" shows.
+ *
+ * @warning The certificate of the backend is not checked: anyone on the network path can read the records.
+ * Every user of the library can read the secret, so a signature does not prove who sent a record.
+ *
+ * @since 0.1.0
  */
 class ZYBASE_EXPORT CXdReport : public QObject
 {
@@ -48,43 +58,51 @@ class ZYBASE_EXPORT CXdReport : public QObject
 
 public:
     /**
-     * Makes a reporter without an address, whose records carry the "qd" "home" and else empty texts.
+     * Creates a reporter without a URL. "qd" is "home", all other values are empty strings.
      *
-     * @param parent owns it, in the same thread
+     * @param parent the parent, in the same thread, or nullptr
      */
     explicit CXdReport(QObject *parent = nullptr);
 
-    /** Deletes the requests that are its children, running or not. */
+    /** Destroys the reporter and the requests that are its children. No request may be running. */
     ~CXdReport() override;
 
     /**
-     * Sets where records go and what they say of the installation, for those that start from now on.
-     * Nothing is checked, and all five are overwritten: an empty @p qd is empty, not "home".
+     * Sets the URL and the description of the installation for all records that start later. No value is
+     * checked.
      *
-     * @param reportUrl the backend's address without a query; to one that has a query, "?sign=" is
-     * appended all the same
-     * @param deviceId,product,version,qd as for ZyBase::CGaReportManager::InitXdData()
+     * @param reportUrl the URL of the backend, without a query: "?sign=" is appended in any case
+     * @param deviceId the installation, for example the result of ZyBase::CSystemUtils::GetPCID()
+     * @param product the name of the application
+     * @param version the version of the application
+     * @param qd the source of the installation; an empty string replaces "home"
      */
     void InitData(const QString &reportUrl, const QString &deviceId, const QString &product,
                   const QString &version, const QString &qd);
 
     /**
-     * Sends a record, and returns once a thread is started.
+     * Sends a record in the background. Before InitData() it has no URL and is lost.
      *
-     * @param action,status any texts; those that backends know are told at
-     * ZyBase::CGaReportManager::SendXdReport()
-     * @throws std::system_error when the system grants no further thread
+     * @param action any string; ZyBase::CGaReportManager::SendXdReport() lists those that backends
+     * recognise
+     * @param status any string; listed there, too
+     * @throws std::system_error if the system cannot create a thread
      */
     void ReportXdData(const QString &action, const QString &status);
 
     /**
-     * Tells all running requests to stop before it returns; they end and remove themselves in the event
-     * loop. Later records go out as ever.
+     * Stops all running requests.
+     *
+     * Returns at once. The requests end in their threads and delete themselves in the event loop of this
+     * thread. Later records are sent normally.
+     *
+     * @warning A request whose thread has only just started is not stopped. Call the function again until
+     * the reporter has no children.
      */
     void StopReport();
 
 Q_SIGNALS:
-    /** What StopReport() emits; the requests listen to it. */
+    /** Emitted by StopReport(); stops the requests. */
     void SignalStopRequest();
 
 private:

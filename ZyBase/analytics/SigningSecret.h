@@ -2,8 +2,12 @@
 
 #pragma once
 
+namespace ZyBase {
+
 /**
- * The secret of the statistics records, 32 ASCII characters that the backend knows as well. A
- * placeholder: the owner of a backend replaces it here and nowhere else.
+ * The signing secret of the statistics records: 32 ASCII characters, shared with the backend. This value is
+ * a placeholder. The owner of a backend replaces it here and nowhere else.
  */
-constexpr const char *szSigningSecret = "0123456789abcdef0123456789ABCDEF";
+constexpr const char *pszSigningSecret = "0123456789abcdef0123456789ABCDEF";
+
+} // namespace ZyBase

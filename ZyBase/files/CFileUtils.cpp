@@ -14,8 +14,8 @@
 namespace {
 
 constexpr const char *pszExecutableLink = "/proc/self/exe";
-constexpr size_t nLinkBufferSize = 4096;
-constexpr int nHashChunkSize = 4096;
+constexpr size_t nLinkBufferBytes = 4096;
+constexpr int nHashChunkBytes = 4096;
 
 constexpr QFile::Permissions executablePermissions = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner
                                                      | QFile::ReadGroup | QFile::ExeGroup | QFile::ReadOther
@@ -30,8 +30,8 @@ QString withForwardSlashes(const std::string &strPath)
 
 std::string GetAppFilePath()
 {
-    char szTarget[nLinkBufferSize] = {};
-    const ssize_t nLength = readlink(pszExecutableLink, szTarget, nLinkBufferSize - 1);
+    char szTarget[nLinkBufferBytes] = {};
+    const ssize_t nLength = readlink(pszExecutableLink, szTarget, nLinkBufferBytes - 1);
     return nLength < 0 ? std::string() : std::string(szTarget, size_t(nLength));
 }
 
@@ -41,7 +41,7 @@ std::string GetAppDirPath()
     return strFilePath.substr(0, strFilePath.rfind('/'));
 }
 
-// The path comes by value as hosts were compiled against it.
+// The path is passed by value for binary compatibility.
 QByteArray getBigFileMd5(QString strFilePath) // NOLINT(performance-unnecessary-value-param)
 {
     QFile file(strFilePath);
@@ -49,13 +49,13 @@ QByteArray getBigFileMd5(QString strFilePath) // NOLINT(performance-unnecessary-
         return QByteArray();
 
     QCryptographicHash hash(QCryptographicHash::Md5);
-    QByteArray chunk;
-    chunk.reserve(nHashChunkSize);
-    // Ends by the size alone: a file that was cut meanwhile is waited for.
-    for (qint64 nLeft = file.size(); nLeft > 0; nLeft -= chunk.length()) {
-        chunk.resize(int(qMin<qint64>(nLeft, nHashChunkSize)));
-        chunk.resize(int(qMax<qint64>(file.read(chunk.data(), chunk.length()), 0)));
-        hash.addData(chunk);
+    QByteArray baChunk;
+    baChunk.reserve(nHashChunkBytes);
+    // Only the original size ends the loop. If the file becomes shorter, the loop waits for it to grow again.
+    for (qint64 nLeft = file.size(); nLeft > 0; nLeft -= baChunk.length()) {
+        baChunk.resize(int(qMin<qint64>(nLeft, nHashChunkBytes)));
+        baChunk.resize(int(qMax<qint64>(file.read(baChunk.data(), baChunk.length()), 0)));
+        hash.addData(baChunk);
     }
     file.close();
     return hash.result();
@@ -92,9 +92,9 @@ QString CFileUtils::GetFileMd5(const QString &strFilePath)
 {
     QFile file(strFilePath);
     file.open(QIODevice::ReadOnly);
-    const QByteArray digest = QCryptographicHash::hash(file.readAll(), QCryptographicHash::Md5);
+    const QByteArray baDigest = QCryptographicHash::hash(file.readAll(), QCryptographicHash::Md5);
     file.close();
-    return QString::fromLatin1(digest.toHex());
+    return QString::fromLatin1(baDigest.toHex());
 }
 
 bool CFileUtils::CreateDesktopLink(const QString &, const QString &, const QString &, const QString &)
@@ -119,10 +119,10 @@ QString CFileUtils::ReadFileData(const QString &strFilePath)
     QFile file(strFilePath);
     if (!file.open(QIODevice::ReadOnly))
         return QStringLiteral("");
-    const QByteArray data = file.readAll();
+    const QByteArray baData = file.readAll();
     file.close();
-    // Up to the first NUL byte, as a C string is read.
-    return data.isNull() ? QString() : QString::fromUtf8(data.constData());
+    // constData() without a length: the string ends before the first NUL byte.
+    return baData.isNull() ? QString() : QString::fromUtf8(baData.constData());
 }
 
 void CFileUtils::WriteFileData(const QString &strFilePath, const QString &strData)
@@ -162,14 +162,14 @@ bool CFileUtils::IsTheSameFile(const QString &strFirstPath, const QString &strSe
     return !strFirst.isEmpty() && !strSecond.isEmpty() && strFirst == strSecond;
 }
 
-QByteArray CFileUtils::getEncryptDecryptByte(const QByteArray &data, const char &cKey)
+QByteArray CFileUtils::getEncryptDecryptByte(const QByteArray &baData, const char &cKey)
 {
-    if (data.isEmpty())
-        return data;
-    QByteArray transformed = data;
-    for (char &cByte : transformed)
+    if (baData.isEmpty())
+        return baData;
+    QByteArray baTransformed = baData;
+    for (char &cByte : baTransformed)
         cByte = char(cByte ^ cKey);
-    return transformed;
+    return baTransformed;
 }
 
 bool CFileUtils::GetFileVersion(const QString &, std::string &)
@@ -185,7 +185,7 @@ QString CFileUtils::GetFileSize(const QString &strFilePath)
 
 bool CFileUtils::isFolderWritable(const QString &strFolderPath)
 {
-    // The backslash is no separator here; hosts rely on the answer that this gives.
+    // On Linux the backslash is part of the file name. It is kept for compatibility.
     QTemporaryFile probe(strFolderPath + QLatin1String("\\temp_0"));
     return probe.open();
 }

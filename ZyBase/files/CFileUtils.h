@@ -11,89 +11,137 @@
 
 /**
  * @file
- * ZyBase::CFileUtils, and beside it GetAppDirPath(), GetAppFilePath() and getBigFileMd5().
+ * The class ZyBase::CFileUtils and the functions GetAppDirPath(), GetAppFilePath() and getBigFileMd5().
  */
 
 /**
- * The directory of the running executable as the kernel's bytes.
+ * Returns the directory of the running executable, as the bytes that the kernel reports.
  *
- * @return the path without a "/" at its end; empty for an executable in the root directory, and when
- * the path can't be read
+ * @return the path without a "/" at the end, or an empty string if the executable is in the root
+ *         directory or the path cannot be read
  *
- * **Threads.** Any. **Blocking.** Never.
+ * **Threads.** This function is thread-safe. **Blocking.** Never blocks.
+ *
+ * @warning An empty string has two meanings. To distinguish them, check whether GetAppFilePath() also returns
+ * an empty string.
+ *
+ * @see CFileUtils::GetApplicationDirPath()
+ * @since 0.1.0
  */
 ZYBASE_EXPORT std::string GetAppDirPath();
 
 /**
- * The path of the running executable as the kernel's bytes, every symbolic link resolved.
+ * Returns the path of the running executable, as the bytes that the kernel reports.
  *
- * Read anew at each call. An executable that was replaced or deleted while it runs, as by an update,
- * has " (deleted)" behind its name.
+ * Symbolic links are resolved. The path is read again at each call.
  *
- * @return the path; empty when it can't be read: without /proc, or for a path of more than 4095 bytes,
- * which the kernel won't tell
+ * @return the path, or an empty string if it cannot be read: /proc is missing, or the path is longer than
+ *         4095 bytes
  *
- * **Threads.** Any. **Blocking.** Never.
+ * **Threads.** This function is thread-safe. **Blocking.** Never blocks.
+ *
+ * @warning If the executable was replaced or deleted while it runs, for example by an update, " (deleted)"
+ * is appended to the path. Do not start the path as a program without checking that it exists.
+ *
+ * @see CFileUtils::GetApplicationFilePath()
+ * @since 0.1.0
  */
 ZYBASE_EXPORT std::string GetAppFilePath();
 
 /**
- * The MD5 of a file of any size, in 4096 bytes of memory.
+ * Returns the MD5 digest of a file of any size.
  *
- * @param strFilePath the file
- * @return the 16 bytes of the digest, not hexadecimal (toHex() gives what CFileUtils::GetFileMd5()
- * does); null when the file can't be opened
+ * The file is read in chunks of 4096 bytes, so a large file needs no more memory than a small one. The
+ * digest of a file that reports no size, such as a file in /proc, is the digest of zero bytes.
  *
- * @warning Never returns when the file gets shorter while it is read, or a read fails: it goes on
- * trying, at full load, until the file has its length again. For files that others write to, hash
- * with QCryptographicHash::addData(QIODevice *). A file that has no size, as those in /proc, gives
- * the digest of nothing.
+ * @param strFilePath path of the file
+ * @return the digest as 16 bytes, not hexadecimal, or a null array if the file cannot be opened;
+ *         QByteArray::toHex() converts it to the form of CFileUtils::GetFileMd5()
  *
- * **Threads.** Any.
+ * **Threads.** This function is thread-safe.
  *
- * **Blocking.** For the time of reading the whole file.
+ * **Blocking.** Blocks until the whole file is read, without a time limit.
+ *
+ * @warning If the file becomes shorter during the call, or a read fails, the function uses a whole processor
+ * core and does not return until the file has its original length again. Do not use it for files that
+ * others may write to. Use QCryptographicHash::addData(QIODevice *) for them.
+ *
+ * @see CFileUtils::GetFileMd5()
+ * @since 0.1.0
  */
 ZYBASE_EXPORT QByteArray getBigFileMd5(QString strFilePath);
 
 namespace ZyBase {
 
 /**
- * Files by their path, and the texts that a host's dialogs and lists show of them.
+ * Functions for files and directories, file names, and the display of sizes and times.
  *
- * All functions are static and keep nothing between calls but what FormatOpenTime() and
- * getLeftSpace() say. None throws, and none is translated. A failure is a value of the result, and
- * where there is none to tell it, nobody is told. Relative paths are taken from the current directory
- * of the process.
+ * Use it for small files, and for the strings that a host application (the application that loads the
+ * library) shows in dialogs and lists. Use QFile and QSaveFile if the user must see why an operation failed.
  *
- * **Threads.** Any. Nothing is replaced in one go: a reader beside WriteFileData() or CopyFileHandle()
- * may meet a file that is cut short or missing.
+ * @code
+ * const QString path = CFileUtils::CombinePath(directory, QStringLiteral("notes.txt"));
+ * const QString label = CFileUtils::GetFileSize(path); // for example "1.50 KB"
+ * @endcode
  *
- * **Blocking.** For the time of what the file system has to do.
+ * Relative paths are relative to the current directory of the process. No string is translated.
+ *
+ * **Threads.** All functions are thread-safe, from the first call on, except where
+ * OpenFolderAndSelectFile() restricts it. The files themselves are not protected. If one thread calls
+ * WriteFileData() or CopyFileHandle(), another thread can see the file missing or incomplete.
+ *
+ * **Blocking.** Functions that use a file or directory block until the file system has finished, without a
+ * time limit. The others never block. No function runs an event loop.
+ *
+ * **Failures.** Failures are reported only by the return value. Functions that return void report none;
+ * OpenFolderAndSelectFile() logs them. No function throws an exception.
+ *
+ * **Lifetime.** All functions are static. Do not create objects of this class.
+ *
+ * @since 0.1.0
  */
 class ZYBASE_EXPORT CFileUtils
 {
 public:
     /** @name The running executable
      *
-     * As GetAppFilePath() and GetAppDirPath() tell it, decoded as UTF-8, with every backslash turned
-     * into "/".
+     * The results of GetAppFilePath() and GetAppDirPath(), decoded as UTF-8, with each backslash replaced by
+     * "/". These functions never block.
      *
-     * @warning A backslash is a character like another in a Linux name. Where one stands in the path of
-     * the executable these paths lead nowhere, and GetAppFilePath() and GetAppDirPath() have the true
-     * one.
+     * @warning On Linux a backslash is an ordinary character of a file name. If the path of the executable
+     * contains one, the returned path does not exist. Use GetAppFilePath() or GetAppDirPath() instead.
      */
     ///@{
 
-    /** The executable. @return its path; empty when that can't be read */
+    /**
+     * Returns the path of the running executable.
+     *
+     * @return the path, or an empty string if it cannot be read
+     */
     static QString GetApplicationFilePath();
 
-    /** Its directory. @return the path; empty for the root directory and when the path can't be read */
+    /**
+     * Returns the directory of the running executable.
+     *
+     * @return the path without a "/" at the end, or an empty string if the executable is in the root
+     *         directory or the path cannot be read
+     */
     static QString GetApplicationDirPath();
 
-    /** The directory "res" beside it, existing or not. @return its path; "/res" when that can't be read */
+    /**
+     * Returns the path of the directory "res" next to the executable.
+     *
+     * The function does not check that the directory exists.
+     *
+     * @return the path, or "/res" if the executable is in the root directory or its path cannot be read
+     */
     static QString GetResDirPath();
 
-    /** There is none on Linux. @return always empty, not null */
+    /**
+     * Returns an empty string, because this directory does not exist on Linux.
+     *
+     * @return always an empty, not null string
+     */
     static QString GetMacResourcesDirPath();
 
     ///@}
@@ -102,68 +150,84 @@ public:
     ///@{
 
     /**
-     * The MD5 of a file. The whole file is held in memory, and one of 2 GiB or more reads as empty; for
-     * large ones there is getBigFileMd5(), whose result has another form.
+     * Returns the MD5 digest of a file. The whole file is read into memory.
      *
-     * @param strFilePath the file
-     * @return 32 lower-case hexadecimal digits
+     * @param strFilePath path of the file
+     * @return the digest as 32 lower-case hexadecimal digits. If the file cannot be opened, the digest of
+     *         zero bytes, "d41d8cd98f00b204e9800998ecf8427e"; Qt can then log a warning.
      *
-     * @warning A file that can't be opened is not told from an empty one: both give
-     * "d41d8cd98f00b204e9800998ecf8427e". Qt writes a warning of its own then.
+     * @warning The result for a file that cannot be opened, or that is 2 GiB or larger, is the result for an
+     * empty file. Use getBigFileMd5() for large files and if you must detect failures.
+     *
+     * @see getBigFileMd5()
      */
     static QString GetFileMd5(const QString &strFilePath);
 
     /**
-     * A text file as a whole, decoded as UTF-8, line endings as they are. It ends at the first NUL
-     * byte; a byte order mark at its start is dropped, and what is no UTF-8 becomes U+FFFD.
+     * Returns the content of a text file, decoded as UTF-8.
      *
-     * @param strFilePath the file
-     * @return the text; null for a file of zero bytes; empty, not null, when it can't be opened
+     * Line endings are not converted. A byte order mark at the start is removed. Each byte sequence that is
+     * not valid UTF-8 becomes U+FFFD. The string ends before the first NUL byte.
+     *
+     * @param strFilePath path of the file
+     * @return the content; a null string if the file has zero bytes; an empty, not null string if the file
+     *         cannot be opened
+     *
+     * @warning A file of 2 GiB or more returns a null string, like an empty file. Read large files in
+     * chunks with QFile.
+     *
+     * @see WriteFileData()
      */
     static QString ReadFileData(const QString &strFilePath);
 
     /**
-     * Writes the text as UTF-8 in place of what the file held; a missing file is made, a missing
-     * directory is not. No byte order mark, line endings as they are.
+     * Writes a string to a file as UTF-8 and replaces the previous content.
      *
-     * @param strFilePath the file
-     * @param strData its new text
+     * A missing file is created, a missing directory is not. Line endings are not converted and no byte order
+     * mark is written. Failures are not reported.
      *
-     * @warning Nothing is reported, and the old content is gone before the new is written: after a
-     * crash or on a full disk the file is cut short. Where that matters:
-     * @code
-     * const QByteArray bytes = text.toUtf8();
-     * QSaveFile file(path);
-     * const bool saved = file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size()
-     *     && file.flush() && file.commit(); // commit() alone takes a full disk for a success
-     * @endcode
+     * @param strFilePath path of the file
+     * @param strData the new content; an empty or null string leaves an empty file
+     *
+     * @warning The previous content is deleted before the new content is written. After a crash, or on a
+     * full disk, the file is incomplete. To replace a file safely, use QSaveFile as the guide shows.
+     *
+     * @see ReadFileData(), @ref guide-saving-json-atomically "docs/guide/saving-json-atomically.md"
      */
     static void WriteFileData(const QString &strFilePath, const QString &strData);
 
     /**
-     * The data with every byte XORed with the key; the same call undoes it. This hides data from a
-     * glance and protects nothing.
+     * Returns the data with each byte XORed with the key. A second call with the same key restores the data.
      *
-     * @param data any bytes
-     * @param cKey 0 leaves them as they are
-     * @return as many bytes; null for null data
+     * This function never blocks.
+     *
+     * @param baData the bytes; the array is not changed
+     * @param cKey the key; 0 changes nothing
+     * @return an array of the same length, or a null array if the data is null
+     *
+     * @warning This is not encryption: anyone can find the key. Do not use it to protect secrets. Use a
+     * cryptographic library instead.
      */
-    static QByteArray getEncryptDecryptByte(const QByteArray &data, const char &cKey);
+    static QByteArray getEncryptDecryptByte(const QByteArray &baData, const char &cKey);
 
     /**
-     * The size of a file as text.
+     * Returns the size of a file as a string for display.
      *
-     * @param strFilePath the file
-     * @return what FormatFileSize() gives; empty, not null, when nothing exists at the path
+     * The format is that of FormatFileSize(): a number with two decimals, a space and one of the units B, KB,
+     * MB, GB and TB in steps of 1024. A file of 1536 bytes returns "1.50 KB".
+     *
+     * @param strFilePath path of the file; symbolic links are followed
+     * @return the size, or an empty, not null string if nothing exists at the path. For a directory, the size
+     *         of its own entry, without the files in it.
      */
     static QString GetFileSize(const QString &strFilePath);
 
     /**
-     * Files carry no version on Linux.
+     * Does nothing, because files have no version on Linux. This function never blocks.
      *
-     * @param strFilePath not looked at
-     * @param strVersion left as it came
-     * @return always true
+     * @param strFilePath not used
+     * @param strVersion not changed
+     * @return always true; this does not mean that a version was found
      */
     static bool GetFileVersion(const QString &strFilePath, std::string &strVersion);
 
@@ -173,214 +237,255 @@ public:
     ///@{
 
     /**
-     * Copies a file with its permissions.
+     * Copies a file and its permissions.
      *
-     * @param strSourcePath the file
-     * @param strTargetPath the path of the copy, not of the directory that it goes to
-     * @param bOverwrite false: an existing target is kept and the result is false. True: it is removed
-     *                   first.
-     * @return whether the copy was made
+     * @param strSourcePath path of the file
+     * @param strTargetPath path of the copy, including the file name
+     * @param bOverwrite true removes an existing target before the copy; false keeps it
+     * @return true if the copy was made; false if it was not, or if the target exists and bOverwrite is false
      *
-     * @warning With true the target is gone when the copy then fails, also for want of a source. A file
-     * copied onto itself is lost so: see IsTheSameFile().
+     * @warning With bOverwrite, the target is lost if the copy then fails. A file that is copied onto
+     * itself is also lost. Copy to a new name in the same directory, and replace the target with
+     * std::filesystem::rename() after the copy succeeded.
+     *
+     * @see IsTheSameFile()
      */
     static bool CopyFileHandle(const QString &strSourcePath, const QString &strTargetPath, bool bOverwrite);
 
     /**
-     * Gives the owner write permission when the user of this process lacks it. Failures are not
-     * reported.
+     * Adds write permission for the owner if the user of this process cannot write to the file.
      *
-     * @param strFilePath the file
-     * @param bWritable not looked at: false takes no permission away
+     * If the permissions change, the setuid, setgid and sticky bits are removed. Failures are not reported;
+     * check QFileInfo::isWritable() after the call.
+     *
+     * @param strFilePath path of the file; a missing file is ignored
+     * @param bWritable not used: false does not remove the permission
      */
     static void SetFileWritable(const QString &strFilePath, bool bWritable);
 
     /**
-     * Sets the permissions to rwxr-xr-x, whatever they were: group and others gain reading and
-     * executing even of a file that was private.
+     * Sets the permissions of a file to rwxr-xr-x (0755).
      *
-     * @param strFilePath the file
-     * @return whether they were set
+     * @param strFilePath path of the file
+     * @return true if the permissions were set; false if they were not, for example because the file is
+     *         missing or belongs to another user
+     *
+     * @warning The previous permissions are replaced: group and others can read and execute a file that was
+     * private. To add only execute permission, use QFile::setPermissions().
      */
     static bool SetFileExecutable(const QString &strFilePath);
 
     /**
-     * Whether two paths lead to the same place, symbolic links resolved. Two hard links to one file are
-     * two places.
+     * Returns whether two paths are the same path after symbolic links are resolved.
+     *
+     * Content is not compared. Two hard links to one file are different paths.
      *
      * @param strFirstPath,strSecondPath the paths
-     * @return whether they do; false when either doesn't exist
+     * @return true if they are the same; false if they differ or if one of them does not exist
      */
     static bool IsTheSameFile(const QString &strFirstPath, const QString &strSecondPath);
 
     /**
-     * Makes a directory with those above it.
+     * Creates a directory, and its parent directories if they are missing.
      *
-     * @param strDirPath the directory
-     * @return true when it was made and when something stood there already, be it a plain file; false
-     * for an empty path, where Qt writes warnings of its own
+     * @param strDirPath path of the directory
+     * @return true if the directory was created, or if anything exists at the path. False if it cannot be
+     *         created, for example below a plain file, or if the path is empty; for an empty path Qt logs
+     *         warnings.
+     *
+     * @warning True does not mean that a directory exists: a plain file at the path also returns true. Check
+     * QFileInfo::isDir() before you use the directory.
      */
     static bool MakeDirPath(const QString &strDirPath);
 
     /**
-     * Removes a directory and all that it holds. Symbolic links in it are removed, not followed; one
-     * given as the path is: the directory behind it is emptied and the link stays.
+     * Removes a directory and everything in it.
      *
-     * @param strDirPath the directory
-     * @return whether it was removed; false when it doesn't exist and when something in it couldn't be
-     * removed; what could be is gone then
+     * Symbolic links in the directory are removed, their targets are kept. If strDirPath itself is a symbolic
+     * link, its target directory is emptied, the link remains, and the result is false.
      *
-     * @warning An empty path means the current directory of the process, which is removed with all it
-     * holds. Look that a path is not empty before the call.
+     * @param strDirPath path of the directory
+     * @return true if the directory was removed; false if it does not exist, or if anything in it could not
+     *         be removed. The rest is removed even if the result is false.
+     *
+     * @warning An empty path removes the current directory of the process with everything in it. Check that
+     * the path is not empty before the call.
      */
     static bool DeleteDirPath(const QString &strDirPath);
 
     /**
-     * Whether a file can be made in a folder, found out by making one and removing it again.
+     * Returns whether a file can be created in a directory. The function creates one and removes it.
      *
-     * @param strFolderPath the folder, with a "/" at its end
-     * @return whether one could be made
+     * @param strFolderPath path of the directory, with a "/" at the end
+     * @return true if the file was created; false if it was not
      *
-     * @warning Give the folder with a "/" at its end. Without, the answer is about the folder that it
-     * lies in, also when the folder itself doesn't exist.
+     * @warning Without a "/" at the end, the result is about the parent directory, even if the directory
+     * itself does not exist. Always append "/".
      */
     static bool isFolderWritable(const QString &strFolderPath);
 
     /**
-     * The free space of the root file system.
+     * Returns the free space of the root file system.
      *
-     * @param strPath not looked at. For the disk of a path: QStorageInfo(path).bytesAvailable().
-     * @return the bytes that an ordinary user may fill; 0 when they can't be had
+     * @param strPath not used
+     * @return the number of bytes that an ordinary user can still write. 0 if Qt does not find the root file
+     *         system, for example in a chroot whose root directory is not a mount point.
      *
-     * @warning Qt asks the root file system once in a process and keeps the answer: the number is that
-     * of the first call.
+     * @warning Qt reads the value once in a process. Every later call returns the value of the first call.
+     * For a current value, or for another disk, use QStorageInfo(path).bytesAvailable().
      */
     static qint64 getLeftSpace(const QString &strPath);
 
     /**
-     * A path made of a directory and a name, as QDir::filePath() makes it.
+     * Returns the path of a file in a directory, as QDir::filePath() does.
      *
-     * @param strDirPath the directory, with or without a "/" at its end
-     * @param strName a name or a relative path; an absolute one is the result as it stands
-     * @return the path; nothing is looked for there
+     * The function does not check that the path exists, and it never blocks. "." and ".." are kept.
+     *
+     * @param strDirPath path of the directory, with or without a "/" at the end; an empty string returns a
+     *                   path that starts with "./"
+     * @param strName a name or a relative path
+     * @return the path; if strName is an absolute path, strName
+     *
+     * @warning A name with ".." or an absolute name leaves the directory. Check names that come from others.
      */
     static QString CombinePath(const QString &strDirPath, const QString &strName);
 
-    /** There is none on Linux. @return always null */
+    /**
+     * Returns a null string, because this directory does not exist on Linux. This function never blocks.
+     *
+     * @return always a null string
+     */
     static QString GetPublicDesktopPath();
 
     /**
-     * Nothing is created.
+     * Does nothing: no link is created. This function never blocks.
      *
-     * @param strTargetPath,strLinkPath,strArguments,strDescription not looked at
-     * @return always true
+     * @param strTargetPath,strLinkPath,strArguments,strDescription not used
+     * @return always true; this does not mean that a link exists
      */
     static bool CreateDesktopLink(const QString &strTargetPath, const QString &strLinkPath,
                                   const QString &strArguments, const QString &strDescription);
 
     ///@}
 
-    /** @name Names and display texts */
+    /** @name Names and display strings
+     *
+     * Except getUniqueFileName(), these functions use no file and never block.
+     */
     ///@{
 
     /**
-     * Whether a file may bear this name on any of the systems that the hosts' files travel to.
+     * Returns whether a file name contains none of the characters that some systems forbid.
+     *
+     * The forbidden characters are \ / : * ? < > | and the double quotation mark. Nothing else is checked: an
+     * empty name, "..", control characters, reserved device names and long names are all accepted.
      *
      * @param strFileName the name, without a directory
-     * @return true when none of the characters \ / : * ? < > | and no double quotation mark stands in it
+     * @return true if the name contains no forbidden character, or if it is not valid UTF-16; otherwise false
      *
-     * Nothing else is looked at: an empty name passes, and so do control characters, names of any
-     * length, "." and "..", blanks and dots at the ends, and reserved device names. A name that is no
-     * valid UTF-16 always passes.
+     * @warning True does not mean that a file of this name can be created. Check the result of QFile::open().
      */
     static bool CheckFileNameValid(const QString &strFileName);
 
     /**
-     * Whether this is a usable path of the form drive letter, colon, separator.
+     * Returns whether a path has the form of a drive path, such as `C:\a.pdf`.
      *
      * @param strFilePath the path
-     * @return true when it is at least 3 characters long, has a colon among the first 3, and behind them
-     * none of : * ? < > | and no double quotation mark
+     * @return true if all of these hold; otherwise false:
+     *         - the path has at least three characters
+     *         - one of its first three characters is a colon
+     *         - the rest contains none of : * ? < > | and no double quotation mark, or it is not valid UTF-16
      *
-     * @warning Made for drive paths only, also on Linux: "/home/user/a.pdf" has no colon and gives
-     * false. The first 3 characters may be anything as long as one of them is a colon.
+     * @warning Ordinary Linux paths such as "/home/user/a.pdf" return false. Use this function only for
+     * drive paths.
      */
     static bool CheckFilePathValid(const QString &strFilePath);
 
     /**
-     * A moment as a list of recent files shows it: "HH:mm:ss" for one of today, "MM/dd/yyyy" for any
-     * other, past or future, in local time. Qt writes it with the digits of the system's locale, which
-     * are not 0 to 9 in every one.
+     * Returns a time as a list of recent files shows it.
      *
-     * @param nSeconds since the Unix epoch. Those beyond Qt's range, some 292 million years either way,
-     *                 come round to another date.
-     * @return the text, never empty
+     * The format is "HH:mm:ss" for a time of today and "MM/dd/yyyy" for any other, in local time. The digits
+     * are those of the system's locale, which are not 0 to 9 in every locale.
      *
-     * @warning "Today" is the day on which this function was first called in the process, to its end.
-     * In a host that runs past midnight the times of the new day appear as dates and those of the old
-     * one as clock times. A host that shows them for days formats them itself.
+     * @param nSeconds time in seconds since the Unix epoch; negative values are times before it. Outside
+     *                 Qt's range, about 292 million years before and after the epoch, the result is another
+     *                 date.
+     * @return the time or the date; never empty
+     *
+     * @warning "Today" is the day of the first call in the process. After midnight, times of the new day are
+     * shown as dates. If the application runs for days, use QDateTime::toString() instead.
      */
     static QString FormatOpenTime(long long nSeconds);
 
     /**
-     * A size as text: the number with two decimals and a full stop in every locale, a blank, and B,
-     * KB, MB, GB or TB in steps of 1024, e.g. "1.50 KB". Plain bytes have decimals too ("512.00 B").
+     * Returns a size as a string for display, such as "1.50 KB".
      *
-     * Rounded after the unit was chosen, so that 1048575 gives "1024.00 KB"; above TB the number goes
-     * on growing. A negative size is given in bytes.
+     * The string is a number with two decimals, a space and one of the units B, KB, MB, GB and TB. Each unit
+     * is 1024 times the one before. The decimal mark is a full stop in every locale.
      *
-     * @param nSize in bytes
-     * @return the text, never empty
+     * The number is rounded after the unit is chosen, so 1048575 returns "1024.00 KB". A negative size is
+     * shown in bytes. A size of 1024 TB or more is shown in TB.
+     *
+     * @param nSize size in bytes
+     * @return the size; never empty
      */
     static QString FormatFileSize(long long nSize);
 
     /**
-     * The first path of the row dir/name.ext, dir/name(1).ext, dir/name(2).ext … at which nothing
-     * exists.
+     * Returns the first path at which nothing exists, out of dir/name.ext, dir/name(1).ext,
+     * dir/name(2).ext and so on.
      *
-     * Only the last suffix counts as one: for "a.tar.gz" the row goes on with "a.tar(1).gz".
+     * Only the last suffix is the extension: the second path for "a.tar.gz" is "a.tar(1).gz". A symbolic link
+     * whose target is missing counts as free.
      *
-     * @param strFilePath the path wished for. Without a directory the result begins with "./", for a
-     *                    file in the root directory with "//".
-     * @param strExtension takes the place of the path's own suffix, without a dot; empty for the
-     *                     path's own. A file without a suffix gets a dot at its end: "README.".
-     * @return the path
+     * @param strFilePath the preferred path. A path without a directory returns a path that starts with "./";
+     *                    a file in the root directory, one that starts with "//".
+     * @param strExtension the extension without a dot; an empty string uses the suffix of strFilePath. If
+     *                     both are empty, the result ends with a dot: "README.".
+     * @return the path; there is no limit to the counter
      *
-     * @warning The name is free at the time of the test and not reserved. A host that can't have two
-     * programs meet opens the file with QIODevice::NewOnly and asks again when that fails.
+     * **Blocking.** One file-system access for each existing name.
      *
-     * **Blocking.** One look at the file system for each name that is taken.
+     * @warning The file is not created, so another program can take the name before you do. Open the file
+     * with QIODevice::NewOnly, and call this function again if that fails.
      */
     static QString getUniqueFileName(const QString &strFilePath, const QString &strExtension);
 
     ///@}
 
     /**
-     * Shows a file in its folder, by the file manager of the running desktop: the file selected where
-     * that can be asked for, else the folder.
+     * Opens the directory of a file in the file manager of the desktop and selects the file if possible.
      *
-     * What is started goes by the words in XDG_CURRENT_DESKTOP, in any case and anywhere in it; the
-     * first row that fits:
+     * The program depends on the environment variable XDG_CURRENT_DESKTOP. Upper and lower case are the same,
+     * and the word can be part of a longer one. The first match is used:
      *
-     *     "gnome" or "ubuntu"   nautilus --select FILE
-     *     "kde"                 dolphin --select FILE
-     *     "xfce"                thunar FILE
-     *     anything else         xdg-open FOLDER
+     * | Value contains | Command |
+     * |---|---|
+     * | "gnome" or "ubuntu" | nautilus --select FILE |
+     * | "kde" | dolphin --select FILE |
+     * | "xfce" | thunar FILE |
+     * | none of these | xdg-open DIRECTORY |
      *
-     * Paths are made absolute. Of a directory the one above it is its folder, unless the path ends in
-     * "/".
+     * Paths are made absolute. If strFilePath is a directory, DIRECTORY is its parent directory; if it also
+     * ends with "/", DIRECTORY is the directory itself.
      *
-     * @param strFilePath the file
+     * The outcome is not returned. Two failures are logged as Qt warnings in the category "default":
      *
-     * No outcome is reported, and whether the file manager does as it is told is not looked at. Two
-     * failures show as Qt warnings in the category "default": "File does not exist:" with the path, and
-     * nothing is started; "Failed to execute:" with the program and its arguments, when it isn't
-     * installed, and then Qt is asked to open the folder.
+     * | Message | What happens |
+     * |---|---|
+     * | File does not exist: PATH | Nothing is started |
+     * | Failed to execute: PROGRAM ARGUMENTS | Qt opens the directory with QDesktopServices |
      *
-     * @warning That last resort is QDesktopServices, which wants a QGuiApplication in the host and the
-     * call on its thread.
+     * If the file manager starts and then fails, nothing is logged.
      *
-     * **Blocking.** For the start of the program, not for its run.
+     * @param strFilePath path of the file
+     *
+     * **Threads.** Not thread-safe. Call it only in the GUI thread, because QDesktopServices requires it.
+     *
+     * **Blocking.** Blocks until the program is started, not until it ends.
+     *
+     * @warning Without a QGuiApplication, nothing is opened if the file manager is not installed. Create one
+     * before the call.
      */
     static void OpenFolderAndSelectFile(QString strFilePath);
 };

@@ -11,13 +11,27 @@ namespace ZyBase {
 
 namespace {
 
-// "C:\" and what else begins a path: exempt from the check of characters.
+// The length of "C:\". The first three characters of a path are not checked.
 constexpr int nDrivePrefixLength = 3;
 
 constexpr const char *pszUnits[] = {"B", "KB", "MB", "GB", "TB"};
 constexpr int nLastUnit = 4;
 constexpr double dUnitBase = 1024.0;
 constexpr double dPerUnit = 1.0 / dUnitBase;
+
+QString dateFormat()
+{
+    return QStringLiteral("MM/dd/yyyy");
+}
+
+// Called once, as the initialiser of a static. Qt loads the system's locale when a date is first formatted,
+// which is not thread-safe. Formatting one here loads it before a second thread can need it.
+QDate todayWithLocaleLoaded()
+{
+    const QDate today = QDate::currentDate();
+    today.toString(dateFormat());
+    return today;
+}
 
 } // namespace
 
@@ -38,11 +52,11 @@ bool CFileUtils::CheckFilePathValid(const QString &strFilePath)
 
 QString CFileUtils::FormatOpenTime(long long nSeconds)
 {
-    static const QDate dateToday = QDate::currentDate();
+    static const QDate today = todayWithLocaleLoaded();
     const QDateTime dateTime = QDateTime::fromSecsSinceEpoch(nSeconds, Qt::LocalTime);
-    if (dateTime.date() == dateToday)
+    if (dateTime.date() == today)
         return dateTime.toString(QStringLiteral("HH:mm:ss"));
-    return dateTime.toString(QStringLiteral("MM/dd/yyyy"));
+    return dateTime.toString(dateFormat());
 }
 
 QString CFileUtils::FormatFileSize(long long nSize)
@@ -65,7 +79,7 @@ QString CFileUtils::getUniqueFileName(const QString &strFilePath, const QString 
     const QString strBaseName = fileInfo.completeBaseName();
     const QString strSuffix = strExtension.isEmpty() ? fileInfo.suffix() : strExtension;
 
-    // Filled in one go: a name that itself holds "%2" stays as it is.
+    // One call of arg() for all markers, so that a "%2" in a file name is not replaced.
     QString strCandidate = QStringLiteral("%1/%2.%3").arg(strDir, strBaseName, strSuffix);
     for (qint64 nCounter = 1; QFile::exists(strCandidate); ++nCounter) {
         strCandidate =

@@ -17,7 +17,7 @@ constexpr const char *pszDesktopVariable = "XDG_CURRENT_DESKTOP";
 struct Command
 {
     QString strProgram;
-    QStringList listArguments;
+    QStringList arguments;
 };
 
 QString currentDesktop()
@@ -27,23 +27,23 @@ QString currentDesktop()
 
 Command fileManagerCommand(const QString &strDesktop, const QFileInfo &fileInfo)
 {
-    const auto is = [&strDesktop](const char *pszWord) {
-        return strDesktop.indexOf(QLatin1String(pszWord)) >= 0;
+    const auto contains = [&strDesktop](const char *pszWord) {
+        return strDesktop.contains(QLatin1String(pszWord));
     };
     const QString strSelect = QStringLiteral("--select");
     const QString strFilePath = fileInfo.absoluteFilePath();
-    if (is("gnome") || is("ubuntu"))
+    if (contains("gnome") || contains("ubuntu"))
         return {QStringLiteral("nautilus"), {strSelect, strFilePath}};
-    if (is("kde"))
+    if (contains("kde"))
         return {QStringLiteral("dolphin"), {strSelect, strFilePath}};
-    if (is("xfce"))
+    if (contains("xfce"))
         return {QStringLiteral("thunar"), {strFilePath}};
     return {QStringLiteral("xdg-open"), {fileInfo.absolutePath()}};
 }
 
 } // namespace
 
-// The path comes by value as hosts were compiled against it.
+// The path is passed by value for binary compatibility.
 void CFileUtils::OpenFolderAndSelectFile(QString strFilePath) // NOLINT(performance-unnecessary-value-param)
 {
     const QFileInfo fileInfo(strFilePath);
@@ -52,9 +52,9 @@ void CFileUtils::OpenFolderAndSelectFile(QString strFilePath) // NOLINT(performa
         return;
     }
     const Command command = fileManagerCommand(currentDesktop(), fileInfo);
-    if (QProcess::startDetached(command.strProgram, command.listArguments))
+    if (QProcess::startDetached(command.strProgram, command.arguments))
         return;
-    qWarning() << "Failed to execute:" << command.strProgram << command.listArguments;
+    qWarning() << "Failed to execute:" << command.strProgram << command.arguments;
     QDesktopServices::openUrl(QUrl::fromLocalFile(fileInfo.absolutePath()));
 }
 

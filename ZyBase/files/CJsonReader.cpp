@@ -9,7 +9,7 @@ namespace ZyBase {
 
 namespace {
 
-// A null document stands for every failure: its object and its array are empty.
+// Returns a null document on failure. Its object and its array are empty.
 QJsonDocument readDocument(const QString &strFilePath)
 {
     QFile file(strFilePath);

@@ -10,7 +10,7 @@ constexpr int nPieceLength = 100;
 
 } // namespace
 
-// Into a text of the final length at once: a third of the time of a list of pieces that is joined.
+// Appending to a string of the final length takes a third of the time that joining a list takes.
 QString CStringUtils::SplitString(const QString &strText)
 {
     QString strWrapped;

@@ -8,18 +8,33 @@
 
 namespace ZyBase {
 
-/** Texts. **Threads.** Any. **Blocking.** Never. */
+/**
+ * Functions for strings.
+ *
+ * **Threads.** All functions are thread-safe.
+ *
+ * **Blocking.** Never blocks.
+ *
+ * **Failures.** No function can fail.
+ *
+ * **Lifetime.** All functions are static. Do not create objects of this class.
+ *
+ * @since 0.1.0
+ */
 class ZYBASE_EXPORT CStringUtils
 {
 public:
     /**
-     * Wraps a long text: a line feed between every 100 characters and the next, none at the end.
+     * Returns the string with a line feed after every 100 characters, except at the end.
      *
-     * Characters are QChars. Words, line feeds that stand in the text already, and the two halves of
-     * a character beyond U+FFFF are not respected; the name notwithstanding, there is no list.
+     * Characters are QChars. Line feeds in strText count as characters. Despite its name, the function
+     * returns one string, not a list.
      *
-     * @param strText the text
-     * @return the wrapped text; null for an empty one
+     * @param strText the string
+     * @return the string with line feeds, or a null string if strText is empty
+     *
+     * @warning A line feed can split a word, or the two QChars of a character above U+FFFF. For words, use
+     * QTextLayout or the word wrap of a widget.
      */
     static QString SplitString(const QString &strText);
 };

@@ -17,7 +17,7 @@ namespace ZyBase {
 
 namespace {
 
-// Directly behind the archive's directory, as hosts know it: no separator goes between.
+// There is no "/" between the archive's directory and its name, for compatibility.
 QString defaultExtractDir(const QString &strZipPath)
 {
     const QFileInfo fileInfo(strZipPath);
@@ -51,7 +51,8 @@ void copyContent(QuaZipFile &zipFile, const QuaZipFileInfo &info, const QString 
     file.close();
     zipFile.close();
 
-    // Qt sets the time of an open file only, so that of its writing stays. Hosts are used to it.
+    // Has no effect, because the file is not open: it keeps the time when it was written. Applications rely
+    // on that time.
     QFile extracted(strTarget);
     extracted.setFileTime(info.dateTime, QFileDevice::FileModificationTime);
     qDebug() << "解压成功：" << strTarget;
@@ -78,7 +79,7 @@ bool zipWriter(const QString &, const QStringList &)
     return false;
 }
 
-// Text by value, here and below, as hosts were compiled against it.
+// Here and below, the directory is passed by value for binary compatibility.
 bool zipReader(const QString &, QString) // NOLINT(performance-unnecessary-value-param)
 {
     return false;
@@ -89,9 +90,9 @@ ZipManager::ZipManager(QObject *pParent)
 {
 }
 
-bool ZipManager::ZipDir(const QString &strZipPath, const QStringList &listFilePaths)
+bool ZipManager::ZipDir(const QString &strZipPath, const QStringList &filePaths)
 {
-    return zipWriter(strZipPath, listFilePaths);
+    return zipWriter(strZipPath, filePaths);
 }
 
 bool ZipManager::UnzipFile(const QString &strZipPath, QString strExtractDir)

@@ -11,127 +11,153 @@
 namespace ZyBase {
 
 /**
- * Packs nothing: no archive is made.
+ * Does nothing: no archive is created.
  *
- * @param strZipPath,listFilePaths not looked at
+ * @param strZipPath,filePaths not used
  * @return always false
  *
- * **Threads.** Any. **Blocking.** Never.
+ * **Threads.** This function is thread-safe. **Blocking.** Never blocks.
+ *
+ * @warning Do not use it to create archives. Use QuaZip directly.
+ * @since 0.1.0
  */
-ZYBASE_EXPORT bool zipWriter(const QString &strZipPath, const QStringList &listFilePaths);
+ZYBASE_EXPORT bool zipWriter(const QString &strZipPath, const QStringList &filePaths);
 
 /**
- * Unpacks nothing.
+ * Does nothing: no file is extracted.
  *
- * @param strZipPath,strExtractDir not looked at
+ * @param strZipPath,strExtractDir not used
  * @return always false
  *
- * **Threads.** Any. **Blocking.** Never.
+ * **Threads.** This function is thread-safe. **Blocking.** Never blocks.
+ *
+ * @warning Do not use it to extract archives. Use ZipManager::QuaUnzipFile() instead.
+ * @since 0.1.0
  */
 ZYBASE_EXPORT bool zipReader(const QString &strZipPath, QString strExtractDir);
 
 /**
- * Unpacks zip archives, by QuaZip. Only QuaUnzipFile() works; the other functions hold their place in
- * the interface and do nothing.
+ * Extracts zip archives with QuaZip.
  *
- * All functions are static: no object is needed.
+ * Use QuaUnzipFile() for archives that the application trusts. The other functions do nothing; they exist for
+ * compatibility. Use QuaZip directly to create archives.
  *
- * **Threads.** Any. Nothing is shared; archives can be extracted at the same time into different
- * directories. **Blocking.** QuaUnzipFile() alone does.
+ * **Threads.** All static functions are thread-safe. Archives can be extracted at the same time into
+ * different directories. Objects of the class are reentrant, as QObject is.
+ *
+ * **Blocking.** QuaUnzipFile() blocks. The other functions never block.
+ *
+ * **Failures.** See QuaUnzipFile(). The results of the other functions are fixed.
+ *
+ * **Lifetime.** All functions are static. No object is needed.
+ *
+ * @since 0.1.0
  */
 class ZYBASE_EXPORT ZipManager : public QObject
 {
     Q_OBJECT
 
 public:
-    /** Makes an object, which no function needs. @param pParent owns it */
+    /**
+     * Creates an object. No function needs one.
+     *
+     * @param pParent the parent, which deletes the object; may be nullptr. It must be in the current thread.
+     */
     explicit ZipManager(QObject *pParent = nullptr);
 
     /**
-     * Packs nothing: no archive is made.
+     * Does nothing: no archive is created.
      *
-     * @param strZipPath,listFilePaths not looked at
+     * @param strZipPath,filePaths not used
      * @return always false
+     *
+     * @warning Do not use it to create archives. Use QuaZip directly.
      */
-    static bool ZipDir(const QString &strZipPath, const QStringList &listFilePaths);
+    static bool ZipDir(const QString &strZipPath, const QStringList &filePaths);
 
     /**
-     * Unpacks nothing; QuaUnzipFile() is the one that works.
+     * Does nothing: no file is extracted.
      *
-     * @param strZipPath,strExtractDir not looked at
+     * @param strZipPath,strExtractDir not used
      * @return always false
+     *
+     * @warning Do not use it to extract archives. Use QuaUnzipFile() instead.
      */
     static bool UnzipFile(const QString &strZipPath, QString strExtractDir);
 
     /**
-     * Packs nothing: no archive is made.
+     * Does nothing: no archive is created.
      *
-     * @param strZipPath,listFilePaths not looked at
-     * @return always true, which says nothing
+     * @param strZipPath,filePaths not used
+     * @return always true
+     *
+     * @warning True does not mean that an archive exists. Do not use it to create archives. Use QuaZip
+     * directly.
      */
-    static bool QuaZipDir(const QString &strZipPath, const QStringList &listFilePaths);
+    static bool QuaZipDir(const QString &strZipPath, const QStringList &filePaths);
 
     /**
-     * Extracts a whole archive. An entry that can't be extracted is passed over and nothing is undone.
+     * Extracts all entries of an archive into a directory.
      *
-     * @warning **Only for archives that the host trusts.** An entry's name is taken as it stands: one
-     * named "../x" or "/x" is written outside the directory, over what lies there, to wherever the user
-     * may write; a symbolic link that lies in the directory already is followed. Before an archive from
-     * elsewhere is extracted, look through its names, which takes QuaZip and little time:
-     * @code
-     * bool staysInside(const QString &zipPath)
-     * {
-     *     QuaZip zip(zipPath);
-     *     if (!zip.open(QuaZip::mdUnzip))
-     *         return false;
-     *     const QStringList names = zip.getFileNameList();
-     *     return std::none_of(names.begin(), names.end(), [](const QString &name) {
-     *         const QString clean = QDir::cleanPath(name);
-     *         return QDir::isAbsolutePath(clean) || clean == QLatin1String("..")
-     *             || clean.startsWith(QLatin1String("../"));
-     *     });
-     * }
-     * @endcode
-     * and extract into a directory of your own that is new.
+     * An entry that cannot be extracted is skipped, and a message is logged. Nothing that was extracted is
+     * removed after a failure.
      *
-     * @warning **True does not mean extracted.** Content whose check sum is wrong is written all the same
-     * and reported as extracted; QuaZip then opens none of the files behind it. A full disk leaves files
-     * cut short. An encrypted entry leaves bytes without sense, as no password can be given. An entry is
-     * held in memory whole, and one of 2 GiB or more is cut off there. Where it matters, compare the
-     * sizes or digests that you expect.
+     * @param strZipPath path of the archive; an empty string returns false and logs nothing
+     * @param strExtractDir path of the directory. It is created if it is missing, with its parent
+     * directories, even if the archive then cannot be opened. If it is empty, the path is that of the
+     *                      archive's directory, followed without "/" by the archive's name up to its first
+     *                      dot: "/home/u/docs/data.tar.zip" is extracted to "/home/u/docsdata". Pass a path
+     * to avoid this.
+     * @param bOverwrite true replaces existing files; false keeps them and skips their entries
      *
-     * @param strZipPath the archive; with an empty one nothing is done
-     * @param strExtractDir where to; made with those above it when missing, also for an archive that
-     *                      then can't be opened. Empty: the archive's directory and its name up to the
-     *                      first dot, with no "/" between them: "/home/u/docs/data.tar.zip" goes to
-     *                      "/home/u/docsdata", beside "docs". Name the directory to be sure of it.
-     * @param bOverwrite true: existing files are replaced. False: they are kept and their entries passed
-     *                   over.
+     * @return True if the last entry was reached, even if entries failed. False if nothing was extracted
+     *         because the archive is missing or cannot be opened, or the directory cannot be created.
      *
-     * @return false when nothing could be begun: no archive, none that can be opened, no directory. True
-     * when the walk through the archive came to its end, however many entries failed.
+     * **Blocking.** Blocks until the whole archive is extracted, without a time limit, and cannot be stopped.
+     * Call it in a worker thread if the archive can be large.
      *
-     * Extracted files have the permissions of new files and the time of their writing; those of the
-     * archive are not taken over. A symbolic link becomes a plain file that holds where it led. Names
-     * that the archive does not mark as UTF-8 are decoded by QuaZip's default.
+     * @warning **Extract only archives that the application trusts.** An entry named "../x" or "/x" is
+     * written outside the directory and replaces any file that the user can write. Symbolic links in the
+     * directory are followed. Check every name before you extract an archive from elsewhere, and extract it
+     * into a new directory. The guide shows how.
      *
-     * Qt's message functions tell what happened, in the category "default", in Chinese in every locale,
-     * each text followed by its value. None carries a file, line or function.
+     * @warning **True does not mean that all files are complete.** These cases also return true:
      *
-     *     level     text                       value                     what became of it
-     *     critical  ZIP 文件不存在：           archive path              false
-     *     critical  无法创建目标目录：         directory                 false
-     *     critical  打开 ZIP 文件失败：        QuaZip error code         false
-     *     warning   获取文件信息失败：         QuaZip error code         next entry
-     *     warning   创建目录失败：             path                      next entry
-     *     warning   创建父目录失败：           directory                 next entry
-     *     warning   打开 ZIP 内文件失败：      QuaZip error code         next entry
-     *     warning   创建目标文件失败：         Qt's text of the error    next entry
-     *     debug     文件已存在，跳过：         path                      next entry
-     *     debug     解压成功：                 path                      next entry
+     * | Entry or event | Result |
+     * |---|---|
+     * | Wrong checksum | The content is written; no later file is extracted |
+     * | Traditional encryption, deflated | Usually an empty file; the existing one is replaced |
+     * | Traditional encryption, stored | Meaningless bytes; then as for a wrong checksum |
+     * | AES encryption or an unknown method | Nothing is written; the warning with code -103 is logged |
+     * | Content of 2 GiB or more | The file is cut off below 2 GiB |
+     * | Read error in an entry | The file is cut off, or the next entry fails |
+     * | Read error in the list of entries | The later entries are not extracted |
+     * | Full disk | Files are cut off |
      *
-     * **Blocking.** For the whole extraction, which can't be stopped. Call it from a thread of your own
-     * when the archive may be large.
+     * Each entry is held in memory while it is extracted. Compare sizes or digests with the expected ones if
+     * the files must be complete.
+     *
+     * Extracted files have the permissions and the time of new files, not those in the archive. A symbolic
+     * link becomes a plain file that contains its target. The library sets no codec for file names: names
+     * that are not marked as UTF-8 are decoded with QuaZip's default.
+     *
+     * Messages are logged with Qt, in the category "default", without a file, line or function. They are in
+     * Chinese in every locale. The value follows the message:
+     *
+     * | Level | Message | Meaning | Value | Then |
+     * |---|---|---|---|---|
+     * | critical | ZIP 文件不存在： | The archive does not exist | archive path | returns false |
+     * | critical | 无法创建目标目录： | Cannot create the directory | directory | returns false |
+     * | critical | 打开 ZIP 文件失败： | Cannot open the archive | QuaZip error code | returns false |
+     * | warning | 获取文件信息失败： | Cannot read the entry's information | QuaZip error code | next entry |
+     * | warning | 创建目录失败： | Cannot create the entry's directory | path | next entry |
+     * | warning | 创建父目录失败： | Cannot create the parent directory | directory | next entry |
+     * | warning | 打开 ZIP 内文件失败： | Cannot open the entry | QuaZip error code | next entry |
+     * | warning | 创建目标文件失败： | Cannot create the file | Qt's error string | next entry |
+     * | debug | 文件已存在，跳过： | The file exists and is skipped | path | next entry |
+     * | debug | 解压成功： | The entry was extracted | path | next entry |
+     *
+     * @see @ref guide-checking-an-archive "docs/guide/checking-an-archive.md"
      */
     static bool QuaUnzipFile(const QString &strZipPath, QString strExtractDir, bool bOverwrite);
 };

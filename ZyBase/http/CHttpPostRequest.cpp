@@ -2,22 +2,17 @@
 
 #include "CHttpPostRequest.h"
 
-#include <QEventLoop>
+#include "Exchange.h"
+
 #include <QJsonDocument>
-#include <QNetworkAccessManager>
 #include <QNetworkCookie>
-#include <QNetworkReply>
-#include <QNetworkRequest>
 #include <QSslConfiguration>
-#include <QTimer>
 
 #include <thread>
 
 namespace ZyBase {
 
 namespace {
-
-constexpr int nTimeLimitMs = 10000;
 
 QByteArray createBody(const QJsonObject &jsonObject)
 {
@@ -52,7 +47,7 @@ QNetworkRequest createSessionRequest(const QUrl &url, const QString &strSession)
     return request;
 }
 
-// The user agent that the web services answer as they would a browser.
+// Web services answer this user agent as they answer a browser.
 QNetworkRequest createBrowserRequest(const QUrl &url)
 {
     QNetworkRequest request = createRequest(url);
@@ -62,76 +57,12 @@ QNetworkRequest createBrowserRequest(const QUrl &url)
     return request;
 }
 
-// One request from its sending, by GET or with a body by POST, to its end, in the thread that makes it. The
-// reply goes with it.
-class Exchange
-{
-public:
-    explicit Exchange(const QNetworkRequest &request)
-        : m_pReply(m_manager.get(request))
-    {
-    }
-    Exchange(const QNetworkRequest &request, const QByteArray &baBody)
-        : m_pReply(m_manager.post(request, baBody))
-    {
-    }
-
-    // Both return when the reply has finished, has failed or was aborted, by the timer or by the stopper.
-    void wait()
-    {
-        connectTimer();
-        run();
-    }
-    void wait(const CHttpPostRequest *pStopper)
-    {
-        connectTimer();
-        QObject::connect(pStopper, SIGNAL(SignalStopRequest()), m_pReply, SLOT(abort()));
-        run();
-    }
-
-    // To be asked first: an abort by the timer looks cancelled as well.
-    bool hasTimedOut() const { return !m_timer.isActive(); }
-    bool isCancelled() const { return m_pReply->error() == QNetworkReply::OperationCanceledError; }
-    QByteArray readAll() { return m_pReply->readAll(); }
-    int statusCode() const { return m_pReply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(); }
-
-private:
-    void connectTimer() { QObject::connect(&m_timer, SIGNAL(timeout()), m_pReply, SLOT(abort())); }
-    void run()
-    {
-        QObject::connect(m_pReply, SIGNAL(finished()), &m_loop, SLOT(quit()));
-        m_timer.setSingleShot(true);
-        m_timer.start(nTimeLimitMs);
-        m_loop.exec();
-    }
-
-    QEventLoop m_loop;
-    QTimer m_timer;
-    QNetworkAccessManager m_manager;
-    QNetworkReply *const m_pReply;
-};
-
 bool waitForResult(Exchange &exchange, QByteArray &baResult)
 {
     exchange.wait();
     if (exchange.hasTimedOut())
         return false;
     baResult = exchange.readAll();
-    return true;
-}
-
-// Tells the two ends that have no answer; true when there is one left to tell.
-bool waitForAnswer(Exchange &exchange, CHttpPostRequest *pOwner)
-{
-    exchange.wait(pOwner);
-    if (exchange.hasTimedOut()) {
-        Q_EMIT pOwner->SignalRequestTimeout();
-        return false;
-    }
-    if (exchange.isCancelled()) {
-        Q_EMIT pOwner->SignalRequestCancel();
-        return false;
-    }
     return true;
 }
 

@@ -13,14 +13,14 @@ namespace ZyBase {
 
 namespace {
 
-// The nearest whole number towards zero that 32 bits hold. A plain cast is undefined beyond them.
+// Truncates toward zero and limits the value to 32 bits: a plain cast outside that range is undefined.
 int toInt32(double dValue)
 {
     using Limits = std::numeric_limits<int>;
     return static_cast<int>(qBound(double(Limits::min()), dValue, double(Limits::max())));
 }
 
-QString signedText(const QJsonValue &value)
+QString memberString(const QJsonValue &value)
 {
     if (value.isString())
         return value.toString();
@@ -33,14 +33,14 @@ QString signedText(const QJsonValue &value)
 
 QString CHttpPostRequest::SignObject(const QJsonObject &jsonObject, const QString &strSecret)
 {
-    QStringList listKeys = jsonObject.keys();
-    std::sort(listKeys.begin(), listKeys.end());
+    QStringList keys = jsonObject.keys();
+    std::sort(keys.begin(), keys.end());
 
-    QStringList listItems;
-    listItems.reserve(listKeys.size());
-    for (const QString &strKey : qAsConst(listKeys))
-        listItems << strKey + QLatin1Char('=') + signedText(jsonObject.value(strKey));
-    return CSystemUtils::GetStringMd5(listItems.join(QLatin1Char('&')) + strSecret);
+    QStringList items;
+    items.reserve(keys.size());
+    for (const QString &strKey : qAsConst(keys))
+        items << strKey + QLatin1Char('=') + memberString(jsonObject.value(strKey));
+    return CSystemUtils::GetStringMd5(items.join(QLatin1Char('&')) + strSecret);
 }
 
 } // namespace ZyBase

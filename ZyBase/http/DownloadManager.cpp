@@ -13,14 +13,14 @@ namespace ZyBase {
 
 namespace {
 
-constexpr double dKilobyte = 1024;
-constexpr double dMegabyte = 1024 * 1024;
+constexpr double dBytesPerKilobyte = 1024;
+constexpr double dBytesPerMegabyte = 1024 * 1024;
 
-// Qt's network thread reads ahead of the disk by this much and no more. Without a bound a fast server
-// fills the memory with the whole file.
-constexpr qint64 nReadAheadBytes = 1048576;
+// Limits how far Qt's network thread reads ahead of the disk. Without a limit, a fast server fills the memory
+// with the whole file.
+constexpr qint64 nReadBufferBytes = 1048576;
 
-int statusOf(const QNetworkReply *pReply)
+int httpStatus(const QNetworkReply *pReply)
 {
     return pReply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
 }
@@ -29,13 +29,13 @@ QString speedText(double dBytesPerSecond)
 {
     double dSpeed = dBytesPerSecond;
     QString strUnit;
-    if (dSpeed < dKilobyte) {
+    if (dSpeed < dBytesPerKilobyte) {
         strUnit = QStringLiteral("bytes/sec");
-    } else if (dSpeed < dMegabyte) {
-        dSpeed /= dKilobyte;
+    } else if (dSpeed < dBytesPerMegabyte) {
+        dSpeed /= dBytesPerKilobyte;
         strUnit = QStringLiteral("kB/s");
     } else {
-        dSpeed /= dMegabyte;
+        dSpeed /= dBytesPerMegabyte;
         strUnit = QStringLiteral("MB/s");
     }
     return QStringLiteral("%1 %2").arg(dSpeed, 3, 'f', 1).arg(strUnit);
@@ -64,7 +64,7 @@ bool DownloadManager::StartDownload(const QUrl &url, const QString &strSaveDir)
     }
 
     m_pReply = m_manager.get(QNetworkRequest(url));
-    m_pReply->setReadBufferSize(nReadAheadBytes);
+    m_pReply->setReadBufferSize(nReadBufferBytes);
     connect(m_pReply, SIGNAL(downloadProgress(qint64, qint64)), SLOT(downloadProgress(qint64, qint64)));
     connect(m_pReply, SIGNAL(finished()), SLOT(downloadFinished()));
     connect(m_pReply, SIGNAL(readyRead()), SLOT(downloadReadyRead()));
@@ -94,7 +94,7 @@ QString DownloadManager::saveFileName(const QUrl &url, QString strSaveDir)
 
 bool DownloadManager::isHttpRedirect() const
 {
-    switch (statusOf(m_pReply)) {
+    switch (httpStatus(m_pReply)) {
     case 301:
     case 302:
     case 303:
@@ -109,23 +109,23 @@ bool DownloadManager::isHttpRedirect() const
 
 void DownloadManager::reportRedirect()
 {
-    const QUrl urlRequest = m_pReply->request().url();
+    const QUrl requestUrl = m_pReply->request().url();
     QTextStream stream(stderr);
-    stream << "Request: " << urlRequest.toDisplayString()
-           << " was redirected with code: " << statusOf(m_pReply) << '\n';
+    stream << "Request: " << requestUrl.toDisplayString()
+           << " was redirected with code: " << httpStatus(m_pReply) << '\n';
 
     const QVariant target = m_pReply->attribute(QNetworkRequest::RedirectionTargetAttribute);
     if (!target.isValid())
         return;
-    QUrl urlTarget = target.toUrl();
-    if (urlTarget.isRelative())
-        urlTarget = urlRequest.resolved(urlTarget);
-    stream << "Redirected to: " << urlTarget.toDisplayString() << '\n';
+    QUrl targetUrl = target.toUrl();
+    if (targetUrl.isRelative())
+        targetUrl = requestUrl.resolved(targetUrl);
+    stream << "Redirected to: " << targetUrl.toDisplayString() << '\n';
 }
 
 void DownloadManager::downloadProgress(qint64 bytesReceived, qint64 bytesTotal)
 {
-    // In the first millisecond this divides by zero; the text then says so.
+    // Divides by zero in the first millisecond; the string is then "inf MB/s" or "nan MB/s".
     const double dSpeed = double(bytesReceived) * 1000.0 / double(m_downloadTimer.elapsed());
     Q_EMIT signalDownloadProgress(bytesReceived, bytesTotal, speedText(dSpeed));
 }
@@ -133,7 +133,7 @@ void DownloadManager::downloadProgress(qint64 bytesReceived, qint64 bytesTotal)
 void DownloadManager::downloadFinished()
 {
     bool bSuccess = false;
-    QString strFilePath = QLatin1String("");
+    QString strFilePath = QStringLiteral("");
     m_output.close();
     if (m_pReply->error() != QNetworkReply::NoError) {
         std::fprintf(stderr, "Failed: %s\n", qPrintable(m_pReply->errorString()));

@@ -16,116 +16,151 @@ class QNetworkReply;
 namespace ZyBase {
 
 /**
- * Downloads one file at a time to a directory, in the background of the thread that owns the object.
+ * Downloads one file at a time to a directory, in the background, and reports the progress.
+ *
+ * Use it for files of any size: the data is written to the file as it arrives. Use CHttpPostRequest for
+ * short answers.
  *
  * @code
  * auto *const download = new ZyBase::DownloadManager(this);
  * connect(download, &ZyBase::DownloadManager::signalDownloadProgress, this, &Window::showProgress);
  * connect(download, &ZyBase::DownloadManager::signalDownloadFinished, this, &Window::openFile);
  * if (!QDir().mkpath(directory) || !download->StartDownload(url, directory))
- *     complain();
+ *     reportError();
  * @endcode
  *
- * The data goes to the file as it arrives and never collects in memory, however large the file is. The
- * file has its final name from the start. There is no timeout: a server that falls silent keeps the
- * download open until StopDownload().
+ * The order of calls is StartDownload(), signals, signalDownloadFinished(), then the next StartDownload().
+ * The file has its final name from the start. Cookies that a server sets are sent with later downloads of
+ * the same object. Certificates are checked as Qt does by default.
  *
- * Certificates are checked as Qt does it by default. Redirects aren't followed: such a download fails,
- * and its target stands on the standard error stream only.
+ * Redirects are not followed. Such a download fails, and only the standard error stream shows the target.
+ * @ref guide-following-a-redirect "docs/guide/following-a-redirect.md" shows how to follow them.
  *
- * The course of a download is told on the standard output and error streams, for developers.
+ * **Threads.** Reentrant: different threads may use different objects. Use an object only in the
+ * thread that created it, which may be the GUI thread. That thread must run an event loop and receives all
+ * signals.
  *
- * **Calling order.** StartDownload(), signals, signalDownloadFinished(), then the next StartDownload().
+ * **Blocking.** No function blocks on the network. Data is written to the disk in this thread. There is no
+ * timeout: if a server stops sending, the download stays open until StopDownload().
  *
- * @warning Don't call StartDownload() while a download runs. The running one is forgotten but not
- * ended, and both then get in each other's way.
+ * **Failures.** StartDownload() returns false, or signalDownloadFinished() reports false. Progress and
+ * failures are also printed to the standard output and error streams, for developers.
  *
- * @warning The destructor removes no partial file. Call StopDownload() before you delete the object.
+ * **Lifetime.** The destructor ends a running download without a signal and keeps the partial file. Call
+ * StopDownload() before you delete the object.
  *
- * **Threads.** The thread that made the object, which needs a running event loop; all signals come
- * there. **Blocking.** Never, but for the writing to disk.
+ * @warning Deleting the object in a slot of signalDownloadFinished() is undefined behaviour. Call
+ * deleteLater() there.
+ *
+ * @warning Calling StartDownload() while a download runs is not supported: the two downloads disturb each
+ * other. Wait for signalDownloadFinished() first.
+ *
+ * @warning A QCoreApplication object must exist. If the system has no thread left for Qt's network code
+ * (EAGAIN), no signal follows.
+ *
+ * @since 0.1.0
  */
 class ZYBASE_EXPORT DownloadManager : public QObject
 {
     Q_OBJECT
 
 public:
-    /** Makes an object without a download. @param parent owns it, in the same thread */
+    /**
+     * Creates an object without a download.
+     *
+     * @param parent the parent, in the same thread, or nullptr
+     */
     explicit DownloadManager(QObject *parent = nullptr);
 
-    /** Drops a running download without a signal, and leaves what it has written. */
+    /** Ends a running download without a signal. The partial file is kept. */
     ~DownloadManager() override;
 
     /**
-     * Starts to download the address to the directory, under the last component of the address's path.
+     * Starts to download a file.
      *
-     * @warning An older file of that name is deleted at once, and stays deleted if the download
-     * fails. To keep it, download to a directory of its own and move the new file over the old one.
+     * The file is stored in the directory under the last component of the URL's path, decoded.
      *
-     * @warning A full disk goes unnoticed: the download succeeds with a file that is cut short. So does, now
-     * and then, a connection that breaks off, since Qt takes it for the end of the file. Compare the size
-     * of the file with the last bytesTotal where that matters.
+     * @param url the URL
+     * @param strSaveDir an existing directory, with or without a "/" at its end; it is not created. An
+     * empty string is the root of the file system.
+     * @return true if the request was sent; signalDownloadFinished() follows. False if the file cannot be
+     * opened for writing, or if the URL's path is empty or ends with "/"; no signal follows.
      *
-     * @param url the address
-     * @param strSaveDir an existing directory, with or without a "/" at its end; it is not made. An
-     * empty one is the root of the file system.
-     * @return true when the request went out, and signalDownloadFinished() follows; false when
-     * the file can't be opened for writing, and no signal follows. That is so too for an address whose
-     * path is empty or ends in "/", which gives the file no name.
+     * @warning An older file of the same name is deleted at once, and is lost if the download fails. To
+     * keep it, download to a different directory and then rename the new file.
+     *
+     * @warning Some failures are reported as success. If the disk is full, the file is cut short. If a
+     * connection breaks off, Qt can treat it as the end of the file. If the first bytesTotal is not -1,
+     * compare it with the size of the file. If it is -1, as for a chunked answer, compare a digest: the
+     * last bytesTotal is then only the number of bytes received.
      */
     bool StartDownload(const QUrl &url, const QString &strSaveDir);
 
     /**
-     * Aborts the running download, which ends as failed, before this returns; does nothing when none
-     * runs.
+     * Stops the running download; does nothing if none runs.
+     *
+     * signalDownloadFinished() with false is emitted before this function returns.
      */
     void StopDownload();
 
     /**
-     * The path that a download of the address to the directory has.
+     * Returns the path of the file to which StartDownload() would store the URL.
      *
-     * @warning A file that is there already is deleted by this call.
+     * This function is thread-safe. It blocks only while it deletes one file.
      *
-     * @param url,strSaveDir as for StartDownload()
-     * @return the path; one that ends in "/" where the address gives no name
+     * @param url the URL
+     * @param strSaveDir the directory, as for StartDownload()
+     * @return the path; it ends with "/" if the URL has no file name
+     *
+     * @warning An existing file with this path is deleted by the call. Do not call this function to test
+     * whether a file exists.
      */
     static QString saveFileName(const QUrl &url, QString strSaveDir);
 
     /**
-     * Whether the running download was answered by a redirect. Serves the class itself; must not be called
-     * while none runs.
+     * Returns whether the running download was answered by a redirect. For use by the class itself.
      *
-     * @return true for the statuses 301, 302, 303, 305, 307 and 308
+     * @return true for the statuses 301, 302, 303, 305, 307 and 308; false for all others
+     *
+     * @warning Calling it while no download runs is undefined behaviour. Use signalDownloadFinished()
+     * instead.
      */
     bool isHttpRedirect() const;
 
-    /** Prints where the running download was redirected to; to be called as isHttpRedirect() is. */
+    /**
+     * Prints the target of a redirect to the standard error stream. For use by the class itself.
+     *
+     * @warning Calling it while no download runs is undefined behaviour. See
+     * @ref guide-following-a-redirect "docs/guide/following-a-redirect.md".
+     */
     void reportRedirect();
 
 Q_SIGNALS:
-    /** Never emitted; signalDownloadFinished() is the one to wait for. */
+    /** Never emitted. Use signalDownloadFinished(). */
     void finished();
 
     /**
-     * Comes many times a second at most, as Qt reports progress.
+     * Emitted when Qt reports progress, about ten times a second at most.
      *
-     * @param bytesReceived of the body, so far
-     * @param bytesTotal of the body; -1 when the server doesn't say
-     * @param strSpeed the mean speed since the start, ready to be shown: "512.0 bytes/sec", "1.5 kB/s",
-     * "12.3 MB/s", where a kB is 1024 bytes. It may read "inf MB/s" or "nan MB/s" in the first moment.
+     * @param bytesReceived bytes of the body received so far
+     * @param bytesTotal bytes of the whole body; -1 if the server does not send the length
+     * @param strSpeed mean speed since the start, for display: "512.0 bytes/sec", "1.5 kB/s" or "12.3
+     * MB/s". A kB has 1024 bytes. In the first millisecond it can be "inf MB/s" or "nan MB/s".
      */
     void signalDownloadProgress(qint64 bytesReceived, qint64 bytesTotal, QString strSpeed);
 
     /**
-     * Once for each download that started.
+     * Emitted once for each download that was started.
      *
-     * @param bSuccess false after a network failure, an HTTP error, a redirect or StopDownload(); what
-     * was written is removed then. Statuses 304 and 306 count as a success.
-     * @param strFilePath the whole path of the file; empty when it failed
+     * @param bSuccess true on success, also for the HTTP statuses 304 and 306. False after a network
+     * failure, an HTTP error, a redirect or StopDownload(); the partial file is removed.
+     * @param strFilePath path of the file; an empty string after a failure
+     *
+     * @warning Do not delete the object in a slot of this signal. Call deleteLater().
      */
     void signalDownloadFinished(bool bSuccess, QString strFilePath);
 
-    /** What StopDownload() emits while a download runs; the download listens to it. */
+    /** Emitted by StopDownload() while a download runs; aborts the download. */
     void SignalStopDownload();
 
 private Q_SLOTS:

@@ -14,14 +14,14 @@ using ZyBase::CHttpPostRequest;
 
 namespace {
 
-constexpr int s_nHitsOfAPage = 5;
+constexpr int nRequiredHits = 5;
 
 QUrl serviceUrl(const char *pszScheme, const char *pszHost, const char *pszPathAndQuery = "")
 {
     return QUrl(QLatin1String(pszScheme) + QLatin1String(pszHost) + QLatin1String(pszPathAndQuery));
 }
 
-// Empty where there was no answer.
+// Empty if there was no answer.
 QByteArray get(const QUrl &url)
 {
     QByteArray baReply;
@@ -30,32 +30,32 @@ QByteArray get(const QUrl &url)
     return baReply;
 }
 
-// Empty where the reply is no JSON or no object.
-QJsonObject objectIn(const QByteArray &baReply)
+// Empty if the reply is not a JSON object.
+QJsonObject parseObject(const QByteArray &baReply)
 {
     return QJsonDocument::fromJson(baReply).object();
 }
 
-// One after the other: what looks like a place marker in a name is filled by the next.
+// The names are inserted one after the other: a "%2" in the city is replaced as well.
 QString printableLocation(const QString &strCity, const QString &strRegion, const QString &strCountry)
 {
     return QStringLiteral("%1, %2, %3").arg(strCity).arg(strRegion).arg(strCountry);
 }
 
-// Up to the first NUL byte.
+// Decodes up to the first NUL byte.
 QString lineText(const QByteArray &baLine)
 {
     return QString::fromUtf8(baLine.constData());
 }
 
-// An entry of the page, with the place for the value on the line behind it.
+// The marker of a page entry, and where the value on the next line is stored.
 struct Entry
 {
     const char *pszMarker;
     QString *pTarget;
 };
 
-// The number of values found. A later one replaces an earlier one and counts again.
+// Returns the number of values found. A repeated entry replaces the value and counts again.
 template <int nCount> int readEntries(const QByteArray &baPage, const Entry (&entries)[nCount])
 {
     const QList<QByteArray> lines = baPage.split('\n');
@@ -78,9 +78,9 @@ bool GetIPInfoAPI(QString &strCountry, QString &strLocation, double &dLatitude, 
 {
     QByteArray baReply;
     CHttpPostRequest request;
-    request.StartRequestSync(serviceUrl("http://", ZyBase::Services::pszGeolocationHost, "/json"),
-                             QJsonObject(), baReply);
-    const QJsonObject answer = objectIn(baReply);
+    request.StartRequestSync(serviceUrl("http://", ZyBase::pszGeolocationHost, "/json"), QJsonObject(),
+                             baReply);
+    const QJsonObject answer = parseObject(baReply);
     if (answer.value(QLatin1String("status")).toString() != QLatin1String("success"))
         return false;
     strCountry = answer.value(QLatin1String("country")).toString();
@@ -97,14 +97,14 @@ bool GetIPInfoMy(QString &strCountry, QString &strLocation, double &dLatitude, d
     QString strState;
     QString strLatitude;
     QString strLongitude;
-    // The country goes straight to the caller, by a page that lacks the others too.
+    // The country is written to the caller's string even if the page lacks other entries.
     const Entry entries[] = {{"<td>City:</td>", &strCity},
                              {"<td>Country:</td>", &strCountry},
                              {"<td>State:</td>", &strState},
                              {"<td>Latitude:</td>", &strLatitude},
                              {"<td>Longitude:</td>", &strLongitude}};
-    const QByteArray baPage = get(serviceUrl("https://", ZyBase::Services::pszGeolocationPageHost));
-    if (readEntries(baPage, entries) < s_nHitsOfAPage)
+    const QByteArray baPage = get(serviceUrl("https://", ZyBase::pszGeolocationPageHost));
+    if (readEntries(baPage, entries) < nRequiredHits)
         return false;
     dLatitude = strLatitude.toDouble();
     dLongitude = strLongitude.toDouble();
@@ -115,7 +115,7 @@ bool GetIPInfoMy(QString &strCountry, QString &strLocation, double &dLatitude, d
 QString GetIP()
 {
     const QJsonObject answer =
-        objectIn(get(serviceUrl("https://", ZyBase::Services::pszAddressHost, "?format=json")));
+        parseObject(get(serviceUrl("https://", ZyBase::pszAddressHost, "?format=json")));
     return answer.isEmpty() ? QStringLiteral("") : answer.value(QLatin1String("ip")).toString();
 }
 
@@ -125,7 +125,7 @@ QString ParseTdValue(const QString &strLine)
     if (nStart >= strLine.length())
         return QStringLiteral("");
     const QString strRest = strLine.mid(nStart);
-    return strRest.left(strRest.indexOf(QLatin1Char('<'))); // all of it where there is none
+    return strRest.left(strRest.indexOf(QLatin1Char('<'))); // the whole rest if there is no "<"
 }
 
 namespace ZyBase {
@@ -139,7 +139,7 @@ bool CNetworkUtils::GetIPInfo(QString &strCountry, QString &strLocation, double 
 
 bool CNetworkUtils::GetIPCountryCode(QString &strCountryCode, QString &strIp)
 {
-    const QJsonObject answer = objectIn(get(serviceUrl("https://", Services::pszCountryHost, "/all.json")));
+    const QJsonObject answer = parseObject(get(serviceUrl("https://", pszCountryHost, "/all.json")));
     if (answer.isEmpty())
         return false;
     strCountryCode = answer.value(QLatin1String("country_code")).toString();
@@ -147,12 +147,12 @@ bool CNetworkUtils::GetIPCountryCode(QString &strCountryCode, QString &strIp)
     return true;
 }
 
-// The loop also ends when the application quits: then the answer comes when the call is long over.
+// The loop also ends when the application quits. The answer then arrives after this function has returned.
 bool CNetworkUtils::IsNetWorkOnline()
 {
     bool bOnline = false;
     QEventLoop loop;
-    QHostInfo::lookupHost(QString::fromLatin1(Services::pszProbeName),
+    QHostInfo::lookupHost(QString::fromLatin1(pszProbeName),
                           [&bOnline, pLoop = QPointer<QEventLoop>(&loop)](const QHostInfo &info) {
                               if (!pLoop)
                                   return;

@@ -8,77 +8,90 @@
 
 /**
  * @file
- * ZyBase::CNetworkUtils, and beside it GetIPInfoAPI(), GetIPInfoMy(), GetIP() and ParseTdValue().
+ * Declares ZyBase::CNetworkUtils and the functions GetIPInfoAPI(), GetIPInfoMy(), GetIP() and
+ * ParseTdValue().
  */
 
 namespace ZyBase {
 
 /**
- * Where the machine stands on the public internet, as public web services see it.
+ * Returns the public IP address and the location of the machine, and tests the name lookup.
+ *
+ * The data comes from free public web services, which @ref services "docs/services.md" lists. They see the
+ * user's IP address, can limit the number of requests, and can disappear. Let nothing important depend on
+ * them.
  *
  * @code
+ * // In a worker thread, or in a program without windows:
  * QString country, location;
  * double latitude = 0, longitude = 0;
  * if (ZyBase::CNetworkUtils::GetIPInfo(country, location, latitude, longitude))
  *     show(location);   // "Berlin, Land Berlin, Germany"
  * @endcode
  *
- * Every request is made anew; nothing is remembered, tried twice or logged. The services are free ones of
- * others, told in docs/services.md: they see the user's address, may limit how often they answer, and
- * may vanish. Then a call fails as it does without a network, so let nothing important depend on it.
+ * Every call sends a new request. Nothing is cached, repeated or logged.
  *
- * @warning Answers can't be trusted. The location is asked for in plain text, and certificates are not
- * checked: whoever sits on the line can answer what they like. Show what comes back as plain text, never
- * as HTML or rich text.
+ * **Threads.** All functions are thread-safe. They may be called from the GUI thread, but see
+ * Blocking.
  *
- * **Threads.** Any that can run an event loop; calls in different threads don't meet.
+ * **Blocking.** Each request blocks for 10000 ms at most; Qt's coarse timer can make that 10500 ms.
+ * GetIPInfo() can send two requests. IsNetWorkOnline() blocks until the system's name lookup ends, without
+ * a limit. All run a nested event loop: other events of the calling thread are delivered meanwhile, so the
+ * same slot can be entered again and a window can be closed.
  *
- * **Blocking.** Ten seconds a request at most, so 20 for GetIPInfo(); IsNetWorkOnline() for as long as
- * the system's name lookup takes. Meanwhile an event loop runs: other events of the calling thread are
- * delivered. Be ready for re-entry, and for the user closing the window that waits.
+ * **Failures.** The return value reports them. If the application quits during a call, the call returns at
+ * once and reports a failure.
+ *
+ * @warning Anyone on the network path can change the answers: GetIPInfoAPI() uses plain HTTP, and
+ * certificates are not checked. Show the values as plain text, never as HTML or rich text.
+ *
+ * @warning A QCoreApplication object must exist. Without one, these functions never return and use a whole
+ * processor core. If the system has no thread left for Qt's network code (EAGAIN), they do not return
+ * within ten seconds.
+ *
+ * @since 0.1.0
  */
 class ZYBASE_EXPORT CNetworkUtils
 {
 public:
     /**
-     * The location, from GetIPInfoAPI() or, where that fails, from GetIPInfoMy().
+     * Returns the location of the machine. Calls GetIPInfoAPI() and, if that fails, GetIPInfoMy(). Blocks
+     * for two requests at most.
      *
-     * @param strCountry the country's name as the source words it
-     * @param strLocation city, region and country: "%1, %2, %3"
-     * @param dLatitude in degrees
-     * @param dLongitude in degrees
-     * @return whether one of them told it; false when both failed, and @p strCountry may have changed
-     * even so
+     * @param strCountry receives the country's name, in the service's words
+     * @param strLocation receives city, region and country, separated by ", "
+     * @param dLatitude receives the latitude in degrees
+     * @param dLongitude receives the longitude in degrees
+     * @return true if one of the services answered; any string may be empty and any number 0.0. False if
+     * both failed; @p strCountry may have changed, the others are unchanged.
      */
     static bool GetIPInfo(QString &strCountry, QString &strLocation, double &dLatitude, double &dLongitude);
 
     /**
-     * The public address with the code of its country.
+     * Returns the public IP address and its country code. Sends one request.
      *
-     * @param strCountryCode such as "DE"
-     * @param strIp the address as text
-     * @return false when the service can't be reached or answers nothing of use; both texts are as they
-     * were then
+     * @param strCountryCode receives the country code, such as "DE"
+     * @param strIp receives the IP address
+     * @return true if the service answered with a JSON object that is not empty, also with a refusal such
+     * as HTTP 429. False otherwise; both strings are unchanged.
      *
-     * @warning True says that there was an answer, not that it held both: a text that it lacked is null
-     * then. Test them.
+     * @warning After true, a string that the answer did not contain is null. Check both strings.
      */
     static bool GetIPCountryCode(QString &strCountryCode, QString &strIp);
 
     /**
-     * Whether the name of a large public site can be resolved.
+     * Returns whether the name of a large public site can be resolved. Nothing is sent to the site.
      *
-     * @return whether it can; false when the application quits meanwhile
+     * @return true if the name was resolved; false if not, or if the application quits during the call
      *
-     * @warning That is all it tests: a resolver that answers from its cache or the login page of a network
-     * gives true without a way to the internet, and nothing is sent to the site. Qt remembers for a
-     * minute that a name was found, so a loss of the network does not show sooner.
+     * @warning True does not mean that the internet can be reached. A resolver that answers from its cache
+     * and the login page of a network give true as well. Qt caches a resolved name for a minute. To be
+     * certain, send the request that you need.
      *
-     * @warning Where the resolver doesn't answer, the call lasts until the system gives up, which may
-     * take a minute: no limit of its own ends it.
+     * @warning If no name server answers, the call blocks until the system gives up, which can take a
+     * minute. Call it in a worker thread.
      *
-     * @warning Qt removes what it made for the lookup in the thread's event loop. A thread that runs none
-     * afterwards leaves some hundred bytes behind at each call.
+     * @warning In a thread that runs no event loop afterwards, each call leaks some hundred bytes.
      */
     static bool IsNetWorkOnline();
 };
@@ -86,47 +99,83 @@ public:
 } // namespace ZyBase
 
 /**
- * The location as the geolocation service tells it.
+ * Returns the location of the machine from the JSON service, over plain HTTP.
  *
- * @param strCountry,strLocation,dLatitude,dLongitude as for ZyBase::CNetworkUtils::GetIPInfo()
- * @return false when the service can't be reached or doesn't answer with its "success"; no argument is
- * touched then. A success may still lack parts: their texts are empty, their numbers 0.
+ * **Threads.** Thread-safe.
  *
- * **Threads.** **Blocking.** As for that class: one request, ten seconds at most.
+ * **Blocking.** Blocks for one request in a nested event loop: 10000 ms at most, or 10500 ms with Qt's
+ * coarse timer. The rules and warnings of ZyBase::CNetworkUtils apply.
+ *
+ * @param strCountry receives the country's name, in the service's words
+ * @param strLocation receives city, region and country, separated by ", "
+ * @param dLatitude receives the latitude in degrees
+ * @param dLongitude receives the longitude in degrees
+ * @return true if the service answered with the status "success"; strings that the answer does not contain
+ * are empty, numbers 0.0. False otherwise; all four arguments are unchanged.
+ *
+ * @see ZyBase::CNetworkUtils::GetIPInfo()
+ * @since 0.1.0
  */
 ZYBASE_EXPORT bool GetIPInfoAPI(QString &strCountry, QString &strLocation, double &dLatitude,
                                 double &dLongitude);
 
 /**
- * The location as it stands on the page of another service. Values are taken as they stand in the page's
- * source: entities such as "&amp;" stay.
+ * Returns the location of the machine from the web page of another service.
  *
- * @param strCountry,strLocation,dLatitude,dLongitude as for ZyBase::CNetworkUtils::GetIPInfo()
- * @return false when the page can't be had or has less than five of its entries; @p strCountry has
- * changed then if the page had a country, the others are as they were
+ * The page has five entries: city, country, state, latitude and longitude. At least five entries must be
+ * found; a repeated entry counts again and replaces the value. Values are not decoded: an entity such as
+ * "&amp;" stays.
  *
- * **Threads.** **Blocking.** As for GetIPInfoAPI().
+ * **Threads.** Thread-safe.
+ *
+ * **Blocking.** Blocks for one request in a nested event loop: 10000 ms at most, or 10500 ms with Qt's
+ * coarse timer. The rules and warnings of ZyBase::CNetworkUtils apply.
+ *
+ * @param strCountry receives the country's name, in the service's words
+ * @param strLocation receives city, state and country, separated by ", "
+ * @param dLatitude receives the latitude in degrees; 0.0 if it is not a number
+ * @param dLongitude receives the longitude in degrees; 0.0 if it is not a number
+ * @return true if five entries were found; a value that was missing is empty or 0.0. False otherwise; @p
+ * strCountry has changed if the page contained a country, the others are unchanged.
+ *
+ * @see ZyBase::CNetworkUtils::GetIPInfo()
+ * @since 0.1.0
  */
 ZYBASE_EXPORT bool GetIPInfoMy(QString &strCountry, QString &strLocation, double &dLatitude,
                                double &dLongitude);
 
 /**
- * The public address as text.
+ * Returns the public IP address of the machine.
  *
- * @return an empty text when the service can't be reached or answers nothing of use; a null one when
- * its answer lacks the address
+ * **Threads.** Thread-safe.
  *
- * **Threads.** **Blocking.** As for GetIPInfoAPI().
+ * **Blocking.** Blocks for one request in a nested event loop: 10000 ms at most, or 10500 ms with Qt's
+ * coarse timer. The rules and warnings of ZyBase::CNetworkUtils apply.
+ *
+ * @return the IP address; an empty string if the service did not answer with a JSON object; a null string
+ * if the object contains no address
+ *
+ * @warning The address is not verified: a service or anyone on the network path can return any string. Show
+ * it as plain text.
+ *
+ * @since 0.1.0
  */
 ZYBASE_EXPORT QString GetIP();
 
 /**
- * What stands between the first ">" of the line and the next "<": the text of the first cell in
- * "<td>Berlin</td>". A missing ">" or "<" widens it to the line's beginning or end. Needs no network.
+ * Returns the text of the first cell in a line of HTML: "Berlin" for "<td>Berlin</td>".
+ *
+ * The result is the part between the first ">" and the next "<". If there is no ">", it begins at the start
+ * of the line; if there is no "<" after it, it extends to the end. Nothing is trimmed or decoded. Sends no
+ * request.
+ *
+ * **Threads.** Thread-safe.
+ *
+ * **Blocking.** Does not block.
  *
  * @param strLine the line
- * @return the text as it stands; an empty one where there is nothing behind the first ">"
+ * @return the text of the cell; an empty string if nothing follows the first ">"
  *
- * **Threads.** Any. **Blocking.** Never.
+ * @since 0.1.0
  */
 ZYBASE_EXPORT QString ParseTdValue(const QString &strLine);

@@ -8,7 +8,7 @@ namespace ZyBase {
 
 namespace {
 
-QString pdfType()
+QString pdfMimeType()
 {
     return QStringLiteral("application/pdf");
 }
@@ -17,17 +17,17 @@ QString pdfType()
 
 bool CAssocUtils::IsPdfLauncher(const QString &strApp)
 {
-    return COperateSystem::IsDefaultLauncher(strApp, pdfType());
+    return COperateSystem::IsDefaultLauncher(strApp, pdfMimeType());
 }
 
 bool CAssocUtils::SetPdfLauncher(const QString &strApp, const QString &, bool bUnread)
 {
-    return COperateSystem::SetDefaultLauncher(strApp, pdfType(), QStringLiteral(""), bUnread);
+    return COperateSystem::SetDefaultLauncher(strApp, pdfMimeType(), QStringLiteral(""), bUnread);
 }
 
 bool CAssocUtils::ResetPdfLauncher(const QString &strApp)
 {
-    return COperateSystem::ResetDefaultLauncher(strApp, pdfType());
+    return COperateSystem::ResetDefaultLauncher(strApp, pdfMimeType());
 }
 
 } // namespace ZyBase

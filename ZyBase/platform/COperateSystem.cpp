@@ -10,15 +10,15 @@ namespace ZyBase {
 
 namespace {
 
-constexpr const char *s_pszExecutableLink = "/proc/self/exe";
-constexpr int s_nPathSize = 4096;
-constexpr const char *s_pszFilesDir = "files";
+constexpr const char *pszExecutableLink = "/proc/self/exe";
+constexpr int nPathSize = 4096;
+constexpr const char *pszFilesDir = "files";
 
-// Without the last "/"; empty when the link can't be read.
+// The path does not end in "/". It is a null string if the link cannot be read.
 QString executableDirPath()
 {
-    char szPath[s_nPathSize] = {};
-    if (readlink(s_pszExecutableLink, szPath, s_nPathSize - 1) == -1)
+    char szPath[nPathSize] = {};
+    if (readlink(pszExecutableLink, szPath, nPathSize - 1) == -1)
         return QString();
     const std::string strPath(szPath);
     return QString::fromStdString(strPath.substr(0, strPath.rfind('/')));
@@ -38,7 +38,7 @@ std::string COperateSystem::GetBundleIdentifier()
 {
     QDir dir(executableDirPath());
     QString strName = dir.dirName();
-    if (strName.indexOf(QLatin1String(s_pszFilesDir), 0, Qt::CaseInsensitive) != -1 && dir.cdUp())
+    if (strName.contains(QLatin1String(pszFilesDir), Qt::CaseInsensitive) && dir.cdUp())
         strName = dir.dirName();
     return strName.toStdString();
 }

@@ -8,167 +8,240 @@
 
 #include <string>
 
+/**
+ * @file
+ * The class ZyBase::COperateSystem and the functions ZyBase::getGnomeTheme(), ZyBase::getMachineId() and
+ * ZyBase::getMainMacAddress().
+ */
+
 namespace ZyBase {
 
 /**
- * The work on this platform behind CSystemUtils and CAssocUtils, which hosts call in its place where
- * both have the function.
+ * The Linux implementation of CSystemUtils and CAssocUtils.
  *
- * **Threads.** Any. No other thread may change the environment meanwhile.
+ * Call CSystemUtils or CAssocUtils instead, if they have the same function. Use this class for the identifier
+ * of the machine, and for the default application of a file type other than PDF:
+ * @code
+ * const QString app = QStringLiteral("org.example.reader");  // of org.example.reader.desktop
+ * const QString type = QStringLiteral("text/plain");
+ * ZyBase::COperateSystem::SetDefaultLauncher(app, type, QString(), false);
+ * const bool isDefault = ZyBase::COperateSystem::IsDefaultLauncher(app, type);
+ * @endcode
  *
- * **Blocking.** For the time of reading some small files at most, unless a function says otherwise.
+ * **Threads.** All functions are thread-safe, from the first call on. No thread may change the environment of
+ * the process during a call. The functions that run a tool must not be called from the GUI thread:
+ * IsDarkTheme(), IsDefaultLauncher() and SetDefaultLauncher(). The others may be.
+ *
+ * **Blocking.** The functions that run a tool wait up to 30 seconds for each tool. The others block for the
+ * time of reading one small file at most. No function runs an event loop.
+ *
+ * **Failures.** Failures are reported only by the return value. If a tool hangs, Qt logs warnings, for
+ * example `QProcess: Destroyed while process ("gsettings") is still running.` No function throws an exception
+ * of its own.
+ *
+ * **Lifetime.** All functions are static. Do not create objects of this class. No result is cached. No tool
+ * is left running after a call.
+ *
+ * @see CSystemUtils, CAssocUtils
+ * @since 0.1.0
  */
 class ZYBASE_EXPORT COperateSystem
 {
 public:
-    /** Does nothing: the machine stays awake. */
+    /** Does nothing. The machine is not suspended. */
     static void SleepComputer();
 
-    /** Does nothing: the machine keeps running. */
+    /** Does nothing. The machine is not shut down. */
     static void ShutdownComputer();
 
     /**
-     * The name of the package that the running executable came with: the last part of the path of its
-     * directory, or, where that has "files" in it in any case, the last part of the path above.
+     * Returns the name of the package that the running executable belongs to.
      *
-     * So "/opt/apps/org.example.reader/files/reader" gives "org.example.reader", and "/usr/bin/reader"
-     * gives "bin".
+     * This is the name of the executable's directory. If that name contains "files" in any case, it is the
+     * name of the parent directory:
      *
-     * @return the name in UTF-8; "." for an executable at the top of the file system and where
-     * /proc can't be read
+     * | Executable | Result |
+     * |---|---|
+     * | /opt/apps/org.example.reader/files/reader | org.example.reader |
+     * | /usr/bin/reader | bin |
+     * | /home/user/profiles/reader | user |
      *
-     * @warning Any directory with these letters in a row makes the step up, as "profiles" does: an
-     * executable in "/home/user/profiles" gives "user".
+     * @return the name in UTF-8; "." if the executable is in the root directory or /proc cannot be read; the
+     * name that contains "files" if the parent directory no longer exists. Nothing is logged.
+     *
+     * @warning Every directory whose name contains "files" is skipped, for example "profiles". Install the
+     * executable in "<package>/files", or check the result.
+     *
+     * @see CSystemUtils::GetBundleIdentifier()
      */
     static std::string GetBundleIdentifier();
 
     /**
-     * The machine's identifier: what QSysInfo::machineUniqueId() gives, else what getMachineId() gives.
+     * Returns the identifier of the machine.
      *
-     * @return the identifier in UTF-8, 32 hexadecimal digits as a rule; empty on a machine without one
+     * @return the value of QSysInfo::machineUniqueId() up to its first NUL byte, or getMachineId() if it is
+     * empty; in UTF-8, usually 32 hexadecimal digits; an empty string if the machine has no identifier
      *
-     * @warning It tells this machine from all others. Don't send it anywhere: send
-     * CSystemUtils::GetPCID(), from which it can't be had back.
+     * @warning The identifier is unique to this machine and must be kept confidential. Do not send it
+     * anywhere. Send CSystemUtils::GetPCID() instead, from which it cannot be calculated.
      */
     static std::string GetSystemUDID();
 
     /**
-     * Whether the user's desktop is in a dark theme.
+     * Returns true if the user's desktop has a dark theme.
      *
-     * Desktops keep that in different places, so these are asked in turn, on every desktop alike; the
-     * first that knows decides:
+     * Desktops store the theme in different places. The function reads these in turn, on every desktop; the
+     * first that contains "dark" or "light" decides:
      *
-     * 1. GNOME: the settings "gtk-theme" and "color-scheme" of org.gnome.desktop.interface
-     * 2. KDE: "General/ColorScheme" in kdeglobals, "Theme/name" in plasmarc
-     * 3. GTK: "Settings/gtk-theme-name" in gtk-3.0/settings.ini, then in gtk-4.0/settings.ini
-     * 4. the environment variables GTK_THEME, QT_STYLE_OVERRIDE and DESKTOP_SESSION
-     * 5. UKUI: the settings "style-name" and "theme-mode" of org.ukui.style, and "theme" of
-     *    org.ukui.control-center.personalise
-     * 6. Kylin: the keys "theme", "style", "mode", "appearance" and "theme-mode" in
-     *    ukui/ukui-style.conf, kylin/theme.conf and ukui-style-settings/style.conf
-     * 7. MATE: the setting "gtk-theme" of org.mate.interface
-     * 8. Qt on Kylin: "style" in QtProject.conf, "Appearance/style" in kylin-qt5/qt5ct.conf
+     * 1. GNOME: gtk-theme, then color-scheme of org.gnome.desktop.interface
+     * 2. KDE: General/ColorScheme in kdeglobals, then Theme/name in plasmarc
+     * 3. GTK: Settings/gtk-theme-name in gtk-3.0/settings.ini, then in gtk-4.0/settings.ini
+     * 4. the environment: GTK_THEME, then QT_STYLE_OVERRIDE, then DESKTOP_SESSION
+     * 5. UKUI: style-name, then theme-mode of org.ukui.style, then theme of
+     * org.ukui.control-center.personalise
+     * 6. Kylin: the keys theme, style, mode, appearance and theme-mode in ukui/ukui-style.conf, then in
+     *    kylin/theme.conf, then in ukui-style-settings/style.conf
+     * 7. MATE: gtk-theme of org.mate.interface
+     * 8. Qt on Kylin: style in QtProject.conf, then Appearance/style in kylin-qt5/qt5ct.conf
      *
-     * Settings are read by the tool gsettings, files in the user's configuration directory. A name
-     * tells by the letters of "dark" or "light" anywhere in it, in any case, and dark wins where it has
-     * both. What decided, and the values read for 5, 6 and 7, go to qDebug().
+     * The settings of 1, 5 and 7 are read with the tool gsettings, those of 2, 3, 6 and 8 from ini files in
+     * the user's configuration directory. A value decides if it contains "dark" or "light" anywhere, in any
+     * case; a value with both words is dark. Exceptions:
      *
-     * @return true for dark; false for light and where nothing knows
+     * - color-scheme must contain "prefer-dark" or "prefer-light" in lower case.
+     * - theme-mode of UKUI must be equal to "dark" or "light", in lower case. "auto" ends source 5 undecided.
+     * - In source 6, a value that contains "auto" in any case, but neither "dark" nor "light", ends the
+     * source undecided.
+     * - Sources 1 and 5 are skipped unless the tool `which` finds gsettings, so also if `which` is not
+     * installed.
      *
-     * @warning Blocks the caller for up to eight child processes: some ten milliseconds each as a rule,
-     * 30 seconds each and 240 in all where they hang. One that hangs counts for what it has printed so
-     * far, and is ended. Nothing is remembered: call it from a thread of your own and keep the answer.
-     * @code
-     * auto *watcher = new QFutureWatcher<bool>(this);
-     * connect(watcher, &QFutureWatcher<bool>::finished, this, [=] { setDark(watcher->result()); });
-     * watcher->setFuture(QtConcurrent::run(&ZyBase::CSystemUtils::IsDarkTheme));
-     * @endcode
-     * Qt waits for its threads when the application ends, and so for a tool that hangs. The guide's page on
-     * watching the theme asks in a thread that nobody waits for.
+     * The source that decided is logged with qDebug(), and so are the values read for 5, 6 and 7.
      *
-     * @warning What a former desktop left behind counts: a GNOME setting wins over KDE's own on a KDE
-     * session. KDE writes its scheme to a section [General] of kdeglobals, which QSettings does not
-     * give under the key above; there it is plasmarc that tells.
+     * @return true for a dark theme; false for a light one, and if no source decides
+     *
+     * **Blocking.** Runs up to eight tools, one after the other: usually about 10 milliseconds each, at most
+     * 30 seconds each and 240 seconds in all. The output of a tool that hangs is used as far as it has been
+     * written; the tool is then ended. If the system creates no process, the tool is skipped at once.
+     *
+     * @warning In the GUI thread, a tool that hangs blocks the window. Call the function in another thread:
+     * see @ref guide-blocking-calls-and-the-interface "docs/guide/blocking-calls-and-the-interface.md". To
+     * follow changes of the theme, see
+     * @ref guide-watching-the-theme "docs/guide/watching-the-theme.md".
+     *
+     * @warning Settings of a desktop that is no longer in use count too. A GNOME setting overrides those of
+     * KDE in a KDE session. If that matters, let the user select the theme in the application.
+     *
+     * @warning KDE writes ColorScheme to the section [General], which QSettings does not return for the key
+     * General/ColorScheme. On KDE it is usually plasmarc that decides.
+     *
+     * @see CSystemUtils::IsDarkTheme(), getGnomeTheme()
      */
     static bool IsDarkTheme();
 
     /**
-     * Whether @p strApp opens files of the type @p strMimeType by default, as the tool xdg-mime tells.
+     * Returns true if an application opens files of a type by default, as reported by the tool xdg-mime.
      *
-     * @param strApp the application's desktop entry, such as "org.example.reader" or
-     * "org.example.reader.desktop", in its exact case
-     * @param strMimeType such as "application/pdf"
-     * @return true when the name of the default's entry contains @p strApp; false when it doesn't and
-     * when xdg-mime can't tell or is not installed
+     * @param strApp name of the application's desktop entry, with or without the suffix ".desktop":
+     *               "org.example.reader"; case-sensitive
+     * @param strMimeType the type, for example "application/pdf"
+     * @return true if the name of the default entry contains @p strApp; false if it does not, if no default
+     * is set, and if xdg-mime fails or is not installed
      *
-     * @warning A part of the name is enough, so "read" is true as well, and an empty @p strApp is true
-     * always.
+     * **Blocking.** Waits for xdg-mime: usually a tenth of a second, at most 30 seconds. If it hangs, its
+     * output so far is used.
      *
-     * @warning Blocks the caller until xdg-mime ends, a tenth of a second as a rule and 30 seconds
-     * at most.
+     * @warning A part of the name matches: "read" also returns true. An empty @p strApp returns true always.
+     * Pass the full name with ".desktop" to avoid false matches.
+     *
+     * @see SetDefaultLauncher(), CAssocUtils::IsPdfLauncher()
      */
     static bool IsDefaultLauncher(const QString &strApp, const QString &strMimeType);
 
     /**
-     * Has xdg-mime make @p strApp the application that opens files of the type @p strMimeType for this
-     * user.
+     * Makes an application the default for files of a type, for the current user, with the tool xdg-mime.
      *
-     * @param strApp the application's desktop entry without the suffix ".desktop", which is always
-     * appended: "org.example.reader"
-     * @param strMimeType as for IsDefaultLauncher()
+     * @param strApp name of the application's desktop entry without the suffix ".desktop", which is always
+     *               appended: "org.example.reader"
+     * @param strMimeType the type, for example "application/pdf"
      * @param strUnread not read
      * @param bUnread not read
-     * @return true always, also when nothing was changed; see IsDefaultLauncher() for what holds after it
+     * @return true always, also if nothing was changed; call IsDefaultLauncher() to check the result
      *
-     * @warning Unlike IsDefaultLauncher() it takes no name with the suffix: "a.desktop" sets the entry
-     * "a.desktop.desktop".
+     * **Blocking.** Waits for xdg-mime: usually a tenth of a second, at most 30 seconds.
      *
-     * @warning Blocks the caller until xdg-mime ends, a tenth of a second as a rule and 30 seconds
-     * at most.
+     * @warning Do not pass a name with the suffix. Unlike IsDefaultLauncher(), this function would set the
+     * entry "org.example.reader.desktop.desktop", which does not exist.
+     *
+     * @see IsDefaultLauncher(), CAssocUtils::SetPdfLauncher()
      */
     static bool SetDefaultLauncher(const QString &strApp, const QString &strMimeType,
                                    const QString &strUnread, bool bUnread);
 
     /**
-     * Does nothing: there is no former default to go back to.
+     * Does nothing. The default application is not changed.
      *
-     * @param strApp,strMimeType not looked at
+     * @param strApp not read
+     * @param strMimeType not read
      * @return true always
+     *
+     * @warning To restore the previous default, call SetDefaultLauncher() with its name.
      */
     static bool ResetDefaultLauncher(const QString &strApp, const QString &strMimeType);
 };
 
 /**
- * What GNOME's settings alone say, the first of the places that COperateSystem::IsDarkTheme() asks.
- * Nothing is logged.
+ * Returns the theme according to GNOME's settings.
  *
- * @return 1 for dark, 0 for light, 2 where they don't tell or gsettings is not installed
+ * This is the first source of COperateSystem::IsDarkTheme(), by the same rules. Nothing is logged, except
+ * Qt's warnings if a tool hangs.
  *
- * **Threads.** As for COperateSystem. **Blocking.** Up to three child processes, 90 seconds where they
- * hang.
+ * @return 1 for dark; 0 for light; 2 if the settings do not decide, or `which` or gsettings is not installed
+ *
+ * **Threads.** This function is thread-safe. No thread may change the environment of the process during the
+ * call. Do not call it from the GUI thread.
+ *
+ * **Blocking.** Runs up to three tools: usually about 10 milliseconds each, at most 90 seconds in all.
+ *
+ * @warning The result is not a bool: 2 also converts to true. Compare it with 1.
+ *
+ * @see COperateSystem::IsDarkTheme()
+ * @since 0.1.0
  */
 ZYBASE_EXPORT int getGnomeTheme();
 
 /**
- * The content of /etc/machine-id without the white space around it, read in the encoding of the locale.
+ * Returns the content of /etc/machine-id.
  *
- * @return the content, 32 hexadecimal digits as a rule; a null text where the file can't be opened
+ * @return the content without the white space around it, read in the encoding of the locale, usually 32
+ *         hexadecimal digits; an empty string if the file is empty; a null string if it cannot be opened
  *
- * **Threads.** Any. **Blocking.** For the time of reading one small file.
+ * **Threads.** This function is thread-safe and may be called from the GUI thread. **Blocking.** Blocks while
+ * one small file is read.
+ *
+ * @warning The identifier must be kept confidential. Do not send it anywhere. Send CSystemUtils::GetPCID()
+ * instead.
+ *
+ * @see COperateSystem::GetSystemUDID()
+ * @since 0.1.0
  */
 ZYBASE_EXPORT QString getMachineId();
 
 /**
- * The hardware address of the first network interface that is up, has one, and is neither the loopback
- * nor a point-to-point link, such as "52:54:00:12:34:56".
+ * Returns the hardware address of the main network interface, for example "52:54:00:12:34:56".
  *
- * @return the address; a null text where there is no such interface
+ * This is the first interface of QNetworkInterface::allInterfaces() that is up, has a hardware address, and
+ * is neither a loopback nor a point-to-point interface.
  *
- * @warning First means first in the order of QNetworkInterface::allInterfaces(): a bridge or a virtual
- * machine's interface counts as well as a card, plugged in or not, and an address of zeros is one. The
- * result may change with each interface that comes or goes.
+ * @return the address; a null string if no interface qualifies
  *
- * **Threads.** Any. **Blocking.** For the time of asking the kernel.
+ * **Threads.** This function is thread-safe and may be called from the GUI thread. **Blocking.** Blocks while
+ * the kernel lists its interfaces; nothing is sent to the network.
+ *
+ * @warning The result can change when an interface is added or removed. Bridges and virtual machines'
+ * interfaces count too, and so does an address of zeros. For a stable identifier, use
+ * CSystemUtils::GetPCID().
+ *
+ * @since 0.1.0
  */
 ZYBASE_EXPORT QString getMainMacAddress();
 

@@ -2,6 +2,8 @@
 
 #include "COperateSystem.h"
 
+#include "ChildProcess.h"
+
 #include <QFile>
 #include <QNetworkInterface>
 #include <QSysInfo>
@@ -11,9 +13,9 @@ namespace ZyBase {
 
 namespace {
 
-constexpr const char *s_pszMachineIdFile = "/etc/machine-id";
+constexpr const char *pszMachineIdFile = "/etc/machine-id";
 
-bool isOfThisMachineAlone(const QNetworkInterface &interface)
+bool isUpAndNotLocal(const QNetworkInterface &interface)
 {
     const QNetworkInterface::InterfaceFlags flags = interface.flags();
     return !(flags & (QNetworkInterface::IsLoopBack | QNetworkInterface::IsPointToPoint))
@@ -24,14 +26,13 @@ bool isOfThisMachineAlone(const QNetworkInterface &interface)
 
 std::string COperateSystem::GetSystemUDID()
 {
-    const QByteArray baIdentifier = QSysInfo::machineUniqueId();
-    const QString strIdentifier = QString::fromUtf8(baIdentifier.constData()); // up to the first NUL byte
+    const QString strIdentifier = fromUtf8UpToNul(QSysInfo::machineUniqueId());
     return strIdentifier.isEmpty() ? getMachineId().toStdString() : strIdentifier.toStdString();
 }
 
 QString getMachineId()
 {
-    QFile file(QString::fromLatin1(s_pszMachineIdFile));
+    QFile file(QString::fromLatin1(pszMachineIdFile));
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
         return QString();
     QTextStream stream(&file);
@@ -43,7 +44,7 @@ QString getMainMacAddress()
     const QList<QNetworkInterface> interfaces = QNetworkInterface::allInterfaces();
     for (const QNetworkInterface &interface : interfaces) {
         QString strAddress = interface.hardwareAddress();
-        if (isOfThisMachineAlone(interface) && !strAddress.isEmpty())
+        if (isUpAndNotLocal(interface) && !strAddress.isEmpty())
             return strAddress;
     }
     return QString();

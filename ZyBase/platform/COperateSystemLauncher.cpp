@@ -8,24 +8,24 @@ namespace ZyBase {
 
 namespace {
 
-constexpr const char *s_pszTool = "xdg-mime";
-constexpr const char *s_pszEntrySuffix = ".desktop";
+constexpr const char *pszTool = "xdg-mime";
+constexpr const char *pszEntrySuffix = ".desktop";
 
 } // namespace
 
 bool COperateSystem::IsDefaultLauncher(const QString &strApp, const QString &strMimeType)
 {
     QProcess process;
-    runTool(process, s_pszTool, {QStringLiteral("query"), QStringLiteral("default"), strMimeType});
-    return takeOutput(process).indexOf(strApp, 0, Qt::CaseSensitive) != -1;
+    runTool(process, pszTool, {QStringLiteral("query"), QStringLiteral("default"), strMimeType});
+    return takeOutput(process).contains(strApp, Qt::CaseSensitive);
 }
 
 bool COperateSystem::SetDefaultLauncher(const QString &strApp, const QString &strMimeType, const QString &,
                                         bool)
 {
-    const QString strEntry = strApp + QLatin1String(s_pszEntrySuffix);
+    const QString strEntry = strApp + QLatin1String(pszEntrySuffix);
     QProcess process;
-    runTool(process, s_pszTool, {QStringLiteral("default"), strEntry, strMimeType});
+    runTool(process, pszTool, {QStringLiteral("default"), strEntry, strMimeType});
     return true;
 }
 

@@ -16,35 +16,30 @@ namespace ZyBase {
 
 namespace {
 
-// What a detector finds; the numbers are getGnomeTheme()'s results.
+// The result of a detector. The numbers are the return values of getGnomeTheme().
 enum Verdict { Light = 0, Dark = 1, Undetermined = 2 };
 
-constexpr const char *s_pszGnomeSchema = "org.gnome.desktop.interface";
-constexpr const char *s_pszUkuiSchema = "org.ukui.style";
-constexpr const char *s_pszUkuiPanelSchema = "org.ukui.control-center.personalise";
-constexpr const char *s_pszMateSchema = "org.mate.interface";
+constexpr const char *pszGnomeSchema = "org.gnome.desktop.interface";
+constexpr const char *pszUkuiSchema = "org.ukui.style";
+constexpr const char *pszUkuiPanelSchema = "org.ukui.control-center.personalise";
+constexpr const char *pszMateSchema = "org.mate.interface";
 
-// A key of an ini file below the user's configuration directory.
+// A key of an ini file in the user's configuration directory.
 struct IniKey
 {
     const char *pszFile;
     const char *pszKey;
 };
 
-// --- Testing words -------------------------------------------------------------------------
+// --- Testing words --------------------------------------------------------------------------
 
-bool containsWord(const QString &strText, const char *pszWord, Qt::CaseSensitivity sensitivity)
-{
-    return strText.indexOf(QLatin1String(pszWord), 0, sensitivity) != -1;
-}
-
-// Dark comes first: a text with both words is dark.
-int verdictOfWords(const QString &strText, const char *pszDark, const char *pszLight,
+// The word for dark is tested first: a string with both words is dark.
+int verdictOfWords(const QString &strValue, const char *pszDark, const char *pszLight,
                    Qt::CaseSensitivity sensitivity)
 {
-    if (containsWord(strText, pszDark, sensitivity))
+    if (strValue.contains(QLatin1String(pszDark), sensitivity))
         return Dark;
-    if (containsWord(strText, pszLight, sensitivity))
+    if (strValue.contains(QLatin1String(pszLight), sensitivity))
         return Light;
     return Undetermined;
 }
@@ -54,7 +49,7 @@ int verdictOfName(const QString &strName)
     return verdictOfWords(strName, "dark", "light", Qt::CaseInsensitive);
 }
 
-// --- Reading the sources -------------------------------------------------------------------
+// --- Reading settings -----------------------------------------------------------------------
 
 bool hasGSettings(QProcess &process)
 {
@@ -62,7 +57,7 @@ bool hasGSettings(QProcess &process)
     return process.exitCode() == 0;
 }
 
-// Nothing when the read fails, as it does for a schema or a key that this machine doesn't have.
+// Returns no value if gsettings fails, for example if the schema or the key does not exist.
 std::optional<QString> readGSettings(QProcess &process, const char *pszSchema, const char *pszKey)
 {
     runTool(process, "gsettings", {QStringLiteral("get"), QLatin1String(pszSchema), QLatin1String(pszKey)});
@@ -85,7 +80,7 @@ QString configPath(const char *pszFile)
     return QStandardPaths::writableLocation(QStandardPaths::ConfigLocation) + QLatin1String(pszFile);
 }
 
-// Empty when the file or the key is absent.
+// Returns an empty string if the file or the key does not exist.
 QString readKey(const QSettings &settings, const char *pszKey)
 {
     return settings.value(QLatin1String(pszKey), QStringLiteral("")).toString();
@@ -131,12 +126,12 @@ int getUkuiTheme()
     if (!hasGSettings(process))
         return Undetermined;
 
-    const auto style = readAndLogGSettings(process, "UKUI style-name:", s_pszUkuiSchema, "style-name");
+    const auto style = readAndLogGSettings(process, "UKUI style-name:", pszUkuiSchema, "style-name");
     const int nStyleVerdict = verdictOfName(style.value_or(QString()));
     if (nStyleVerdict != Undetermined)
         return nStyleVerdict;
 
-    const auto mode = readAndLogGSettings(process, "UKUI theme-mode:", s_pszUkuiSchema, "theme-mode");
+    const auto mode = readAndLogGSettings(process, "UKUI theme-mode:", pszUkuiSchema, "theme-mode");
     if (mode == QLatin1String("dark"))
         return Dark;
     if (mode == QLatin1String("light"))
@@ -145,7 +140,7 @@ int getUkuiTheme()
         return Undetermined;
 
     const auto theme =
-        readAndLogGSettings(process, "UKUI control-center theme:", s_pszUkuiPanelSchema, "theme");
+        readAndLogGSettings(process, "UKUI control-center theme:", pszUkuiPanelSchema, "theme");
     return verdictOfName(theme.value_or(QString()));
 }
 
@@ -163,7 +158,7 @@ int getKylinConfigTheme()
             const int nVerdict = verdictOfName(strValue);
             if (nVerdict != Undetermined)
                 return nVerdict;
-            if (containsWord(strValue, "auto", Qt::CaseInsensitive))
+            if (strValue.contains(QLatin1String("auto"), Qt::CaseInsensitive))
                 return Undetermined;
         }
     }
@@ -173,7 +168,7 @@ int getKylinConfigTheme()
 int getMateTheme()
 {
     QProcess process;
-    const auto theme = readAndLogGSettings(process, "MATE gtk-theme:", s_pszMateSchema, "gtk-theme");
+    const auto theme = readAndLogGSettings(process, "MATE gtk-theme:", pszMateSchema, "gtk-theme");
     return verdictOfName(theme.value_or(QString()));
 }
 
@@ -190,7 +185,7 @@ struct Detector
     const char *pszLine;
 };
 
-constexpr Detector s_detectors[] = {
+constexpr Detector detectors[] = {
     {getGnomeTheme, "Detected via GNOME GSettings"}, {getKdeTheme, "Detected via KDE settings"},
     {getGtkTheme, "Detected via GTK settings"},      {getEnvironmentTheme, "Detected via environment"},
     {getUkuiTheme, "Detected via UKUI GSettings"},   {getKylinConfigTheme, "Detected via Kylin config files"},
@@ -205,18 +200,18 @@ int getGnomeTheme()
     if (!hasGSettings(process))
         return Undetermined;
 
-    const auto theme = readGSettings(process, s_pszGnomeSchema, "gtk-theme");
+    const auto theme = readGSettings(process, pszGnomeSchema, "gtk-theme");
     const int nThemeVerdict = verdictOfName(theme.value_or(QString()));
     if (nThemeVerdict != Undetermined)
         return nThemeVerdict;
 
-    const auto scheme = readGSettings(process, s_pszGnomeSchema, "color-scheme");
+    const auto scheme = readGSettings(process, pszGnomeSchema, "color-scheme");
     return verdictOfWords(scheme.value_or(QString()), "prefer-dark", "prefer-light", Qt::CaseSensitive);
 }
 
 bool COperateSystem::IsDarkTheme()
 {
-    for (const Detector &detector : s_detectors) {
+    for (const Detector &detector : detectors) {
         const int nVerdict = detector.pDetect();
         if (nVerdict == Undetermined)
             continue;

@@ -13,20 +13,9 @@ namespace ZyBase {
 
 namespace {
 
-constexpr const char *s_pszOsRelease = "/etc/os-release";
-constexpr const char *s_pszNameKey = "NAME=";
-constexpr const char *s_pszUnknown = "Unknown";
-
-// Empty, and not null as a default QString.
-QString emptyText()
-{
-    return QStringLiteral("");
-}
-
-bool containsWord(const QString &strText, const char *pszWord)
-{
-    return strText.indexOf(QLatin1String(pszWord), 0, Qt::CaseInsensitive) != -1;
-}
+constexpr const char *pszOsRelease = "/etc/os-release";
+constexpr const char *pszNameKey = "NAME=";
+constexpr const char *pszUnknown = "Unknown";
 
 } // namespace
 
@@ -53,12 +42,12 @@ QString CSystemUtils::GetSystemVersion()
 
 QString CSystemUtils::RsaPublicEncrypt(const QString &, const QString &)
 {
-    return emptyText();
+    return QStringLiteral("");
 }
 
 QString CSystemUtils::RsaPrivateDecrypt(const QString &, const QString &)
 {
-    return emptyText();
+    return QStringLiteral("");
 }
 
 void CSystemUtils::SleepComputer()
@@ -91,27 +80,28 @@ QString CSystemUtils::GetBundleIdentifier()
 
 QString CSystemUtils::GetLinuxOsInfo()
 {
-    QFile file(QString::fromLatin1(s_pszOsRelease));
+    QFile file(QString::fromLatin1(pszOsRelease));
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
-        return QString::fromLatin1(s_pszUnknown);
+        return QString::fromLatin1(pszUnknown);
     QTextStream stream(&file);
     while (!stream.atEnd()) {
         const QString strLine = stream.readLine();
-        if (strLine.startsWith(QLatin1String(s_pszNameKey)))
+        if (strLine.startsWith(QLatin1String(pszNameKey)))
             return strLine.section(QLatin1Char('='), 1, -1).remove(QLatin1Char('"'));
     }
-    return QString::fromLatin1(s_pszUnknown);
+    return QString::fromLatin1(pszUnknown);
 }
 
 bool CSystemUtils::IsKylinOs()
 {
-    return containsWord(GetLinuxOsInfo(), "Kylin");
+    return GetLinuxOsInfo().contains(QLatin1String("Kylin"), Qt::CaseInsensitive);
 }
 
 bool CSystemUtils::IsUOS()
 {
     const QString strName = GetLinuxOsInfo();
-    return containsWord(strName, "UnionTech") || containsWord(strName, "UOS");
+    return strName.contains(QLatin1String("UnionTech"), Qt::CaseInsensitive)
+           || strName.contains(QLatin1String("UOS"), Qt::CaseInsensitive);
 }
 
 bool CSystemUtils::IsWindows11OrGreater()

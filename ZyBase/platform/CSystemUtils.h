@@ -11,225 +11,352 @@
 
 #include <array>
 
+/**
+ * @file
+ * The class ZyBase::CSystemUtils and the function ZyBase::ReadRegeditValue().
+ */
+
 namespace ZyBase {
 
 /**
- * What a host asks of the machine that it runs on.
+ * Information about the machine and the desktop session, and the identity of this installation.
  *
- * The class speaks for more platforms than this one. On Linux a good part of it has no work to do:
- * such a function says so below and gives the same result on every machine.
+ * Use it for an identifier for statistics, the check for a first run, the name of the distribution, the theme
+ * of the desktop, and QR codes.
  *
- * Nothing is kept between calls, and no failure is reported but by the result.
+ * The interface is shared with other platforms. On Linux, several functions do nothing or return a fixed
+ * value; their descriptions say so.
  *
- * **Threads.** Any, unless a function says otherwise.
- *
- * **Blocking.** For the time of reading or writing one small file at most, unless a function says otherwise.
- *
- * The identity of the installation, once at the host's start:
+ * A host application (the application that loads the library) reads its identity once, at its start:
  * @code
- * const QString prefix = QStringLiteral("example/");   // the slash is the host's
+ * const QString prefix = QStringLiteral("example/");   // ends with a slash: a directory of its own
  * const QString name = QStringLiteral("reader");       // ~/.config/example/reader/device.conf
  * const bool firstRun = ZyBase::CSystemUtils::IsNewUser(prefix, name);
  * const QString machine = ZyBase::CSystemUtils::GetPCID(prefix, name);
  * @endcode
+ *
+ * **Threads.** All functions are thread-safe, from the first call on, except EnableHighDPISupport(). No
+ * thread may change the environment of the process during a call. All functions except IsDarkTheme() may be
+ * called from the GUI thread. GetPCID() and IsNewUser() can block for seconds if another process writes their
+ * file.
+ *
+ * **Blocking.** The functions block for the time of reading one small file at most, except GetPCID(),
+ * IsNewUser(), IsDarkTheme() and GenerateQRCode(). No function runs an event loop.
+ *
+ * **Failures.** Failures are reported only by the return value. Functions that return void report none. No
+ * function throws an exception.
+ *
+ * **Lifetime.** All functions are static. Do not create objects of this class. No result is cached.
+ *
+ * @see COperateSystem, CAssocUtils
+ * @since 0.1.0
  */
 class ZYBASE_EXPORT CSystemUtils
 {
 public:
     /**
-     * The MD5 digest of the text's UTF-8 bytes.
+     * Returns the MD5 digest of a string, encoded as UTF-8.
      *
-     * @param strText a null one has the digest of an empty one, "d41d8cd98f00b204e9800998ecf8427e"
-     * @return 32 lower-case hexadecimal digits
+     * @param strText the string; a null string is treated as empty
+     * @return the digest as 32 lower-case hexadecimal digits, never empty;
+     *         "d41d8cd98f00b204e9800998ecf8427e" for an empty string
      *
-     * @warning MD5 tells texts apart, it protects nothing: never keep a password in this form.
+     * The time grows with the length of the string. No file is read.
+     *
+     * @warning MD5 is not secure. Do not use it for passwords or signatures. Use QCryptographicHash::Sha256
+     * or a cryptographic library instead.
      */
     static QString GetStringMd5(const QString &strText);
 
     /**
-     * An identifier of this machine for statistics that outlives restarts: the key "PCID" of the file
-     * device.conf in the directory that the two arguments name below the user's general configuration
-     * directory, ~/.config as a rule.
+     * Returns an identifier of this machine for statistics, and stores it.
      *
-     * Where the file has none yet, it is made and stored: the digest of what
-     * COperateSystem::GetSystemUDID() gives, of getMainMacAddress() where that is empty, and of the
-     * time with a random number where both are. What is stored is returned as it stands, whatever
-     * became of the machine and whatever the text looks like; nothing is written then.
+     * The identifier is the key "PCID" of the file "device.conf". The path of the file is
+     * QStandardPaths::GenericConfigLocation, usually ~/.config, followed by "/", @p dirPrefix, @p dirName and
+     * "/device.conf".
      *
-     * @param strDirPrefix what the directory's path below the configuration directory begins with
-     * @param strDirName what follows straight behind it
-     * @return 32 lower-case hexadecimal digits, or what else was stored; never empty
+     * A stored identifier is returned unchanged, even if the hardware has changed since. Otherwise a new one
+     * is stored: the MD5 digest of the first of these strings that is not empty:
      *
-     * @warning No separator is put between the arguments: "example" and "reader" are the directory
-     * "examplereader". Give the prefix a slash of its own for two levels.
+     * 1. COperateSystem::GetSystemUDID()
+     * 2. getMainMacAddress()
+     * 3. the current time, followed by a random number
      *
-     * @warning Where the file can't be written nothing tells so. The identifier is the same at each
-     * call all the same, except one made from the time, which is a new one each time.
+     * @param dirPrefix first part of the directory, relative to the configuration directory
+     * @param dirName second part of the directory, appended to the first without a separator
+     * @return 32 lower-case hexadecimal digits, or the stored string whatever its form; never empty
      *
-     * @warning All hosts on a machine derive the same value, other users' too, and so does a copy of
-     * the machine's disk image.
+     * If the file cannot be read or written, the call still returns an identifier and reports no error. The
+     * identifier is then the same at each call, except one made from the time, which is new each time.
      *
-     * **Threads.** Any. First calls at the same time write the same value; where it is made from the
-     * time the last one stays, and another caller holds a value that is not the stored one.
+     * **Threads.** This function is thread-safe. Concurrent first calls write the same value. If it is made
+     * from the time, the last write wins, and the other callers have a value that is not the stored one.
+     *
+     * **Blocking.** Reads one small file. The first call also writes it, and waits while another process
+     * holds the lock file "device.conf.lock": up to about 32 seconds, after which Qt ignores the lock. To
+     * keep the window responsive, make the first call in another thread.
+     *
+     * @warning No separator is inserted between the arguments: "example" and "reader" are the directory
+     * "examplereader". For two directory levels, end @p dirPrefix with a slash.
+     *
+     * @warning Two applications with the same arguments share the identifier and the mark of IsNewUser(). Use
+     * arguments that contain the name of your application.
+     *
+     * @warning The file is not a safe store. If reading it fails once, a new identifier replaces the stored
+     * one and the other keys of the file can be lost. If the disk is full, the file can be left empty. Do not
+     * store keys of your own in this file, and do not use the identifier as the only reference to user data.
+     *
+     * @warning All users of a machine, all applications and all copies of a disk image derive the same
+     * identifier. Do not use it to identify a person.
+     *
+     * @see IsNewUser()
      */
-    static QString GetPCID(const QString &strDirPrefix, const QString &strDirName);
+    static QString GetPCID(const QString &dirPrefix, const QString &dirName);
 
     /**
-     * A random number from Qt's process-wide generator.
+     * Returns a random integer in the range [nMin, nMax).
      *
-     * @param nMin the lowest
-     * @param nMax one above the highest
-     * @return the number; @p nMin for equal arguments
+     * @param nMin the lowest possible result
+     * @param nMax one more than the highest possible result
+     * @return the integer; @p nMin if both arguments are equal
      *
-     * @warning The arguments are not put in order: a maximum below the minimum gives nearly any int.
-     * @warning Not for secrets: take QRandomGenerator::system() for these.
+     * The generator is QRandomGenerator::global(). The function never blocks and cannot fail.
+     *
+     * @warning The arguments are not checked. If @p nMax is less than @p nMin, the result is nearly any int.
+     * Pass the lower number first.
+     *
+     * @warning Do not use the result for passwords, tokens or keys. Use QRandomGenerator::system() for them.
      */
     static int GetRandomNum(int nMin, int nMax);
 
     /**
-     * Whether this is the first call for the directory. The call itself makes the next one answer false: it
-     * sets the key "NewUser" of the file that GetPCID() tells of.
+     * Returns true on the first call for this directory and records it.
      *
-     * @param strDirPrefix,strDirName as for GetPCID()
-     * @return true for the first call; false once the key is there, whatever its value is, so a stored
-     * "false" is no new user either
+     * The call stores the key "NewUser" in the file "device.conf" that GetPCID() uses. Later calls, also in
+     * later runs of the application, return false.
      *
-     * @warning Ask once a run and keep the answer. Where the file can't be written the answer is true
-     * each time, and two processes that ask first at the same time may both hear true.
+     * @param dirPrefix first part of the directory, as for GetPCID()
+     * @param dirName second part of the directory, as for GetPCID()
+     * @return true if the file has no key "NewUser" or cannot be read; false if it has the key with any
+     * value, also "false"
+     *
+     * **Threads.** This function is thread-safe. Concurrent first calls of two threads or processes can all
+     * return true.
+     *
+     * **Blocking.** As GetPCID(): the first call can wait about 32 seconds for "device.conf.lock".
+     *
+     * @warning If the file cannot be written, every call returns true. Call the function once in each run and
+     * keep the result.
+     *
+     * @see GetPCID()
      */
-    static bool IsNewUser(const QString &strDirPrefix, const QString &strDirName);
+    static bool IsNewUser(const QString &dirPrefix, const QString &dirName);
 
-    /** No monitor is asked: QScreen::logicalDotsPerInch() has the real numbers. @return three zeros */
+    /**
+     * Returns three zeros. No monitor is queried.
+     *
+     * @return {0, 0, 0}; use QScreen::logicalDotsPerInch() for the real values
+     */
     static std::array<quint64, 3> GetDpiFromMonitors();
 
     /**
-     * Switches on Qt's scaling for screens of high density and its pixmaps of high density, for the
-     * whole application. To be called from the main thread before the application object is made.
+     * Enables Qt's scaling for high-density screens and high-density pixmaps, for the whole application.
+     *
+     * Sets Qt::AA_EnableHighDpiScaling and Qt::AA_UseHighDpiPixmaps.
      *
      * @param bEnable not read
      *
-     * @warning A @c false switches them on as well. To leave them off, don't call it.
+     * **Threads.** Not thread-safe. Call it only from the main thread, before the application object is
+     * created; later calls do not enable the scaling, and Qt logs a warning.
+     *
+     * @warning The value @c false enables both attributes too. To leave them disabled, do not call this
+     * function.
      */
     static void EnableHighDPISupport(bool bEnable);
 
-    /** No system is asked: QSysInfo::WordSize says what this process was built for. @return true always */
+    /**
+     * Returns true. The system is not queried.
+     *
+     * @return true always, also on a 32-bit system; use QSysInfo::WordSize for the size of this build
+     */
     static bool IsOn64BitSystem();
 
     /**
-     * Name and version of the system as a user knows them: what QSysInfo::prettyProductName() gives.
+     * Returns the name and version of the operating system, for display.
      *
-     * @return such as "Debian GNU/Linux 12 (bookworm)"
+     * @return the string of QSysInfo::prettyProductName(), for example "Debian GNU/Linux 12 (bookworm)"; if
+     * the distribution is not known, what Qt returns instead, usually the name of the kernel
      */
     static QString GetSystemVersion();
 
     /**
-     * Encrypts nothing. A host that needs it calls a library for cryptography.
+     * Returns an empty string. Nothing is encrypted.
      *
-     * @param strText,strPublicKey not read
-     * @return an empty text, not null, always
+     * @param strText not read
+     * @param strPublicKey not read
+     * @return an empty string, not a null one, always
+     *
+     * @warning Do not use this function for encryption. Use a cryptographic library instead.
      */
     static QString RsaPublicEncrypt(const QString &strText, const QString &strPublicKey);
 
     /**
-     * Decrypts nothing. A host that needs it calls a library for cryptography.
+     * Returns an empty string. Nothing is decrypted.
      *
-     * @param strText,strPrivateKey not read
-     * @return an empty text, not null, always
+     * @param strText not read
+     * @param strPrivateKey not read
+     * @return an empty string, not a null one, always
+     *
+     * @warning Do not use this function for decryption. Use a cryptographic library instead.
      */
     static QString RsaPrivateDecrypt(const QString &strText, const QString &strPrivateKey);
 
-    /** Does nothing: the machine stays awake. */
+    /** Does nothing. The machine is not suspended. */
     static void SleepComputer();
 
-    /** Does nothing: the machine keeps running. */
+    /** Does nothing. The machine is not shut down. */
     static void ShutdownComputer();
 
-    /** Does nothing: the session starts what it started before. @param bAutoStart not read */
+    /**
+     * Does nothing. The session starts the same applications as before.
+     *
+     * @param bAutoStart not read
+     */
     static void SetSelfAutoStart(bool bAutoStart);
 
-    /** Does nothing: the session starts what it started before. @param strApp,bAutoStart not read */
+    /**
+     * Does nothing. The session starts the same applications as before.
+     *
+     * @param strApp not read
+     * @param bAutoStart not read
+     */
     static void SetAppAutoStart(const QString &strApp, bool bAutoStart);
 
     /**
-     * Whether the user's desktop is in a dark theme, as COperateSystem::IsDarkTheme() tells it.
+     * Returns true if the user's desktop has a dark theme.
      *
-     * @return true for dark; false for light and where nothing knows
+     * Calls COperateSystem::IsDarkTheme(), which describes the order of the settings.
      *
-     * @warning Blocks the caller for up to eight child processes, 240 seconds where they hang.
+     * @return true for a dark theme; false for a light one, and if no setting decides
+     *
+     * **Threads.** This function is thread-safe. Do not call it from the GUI thread.
+     *
+     * **Blocking.** Runs up to eight tools: usually about 10 milliseconds each, at most 240 seconds in all.
+     *
+     * @warning In the GUI thread, a tool that hangs blocks the window. Call the function in another thread:
+     * see @ref guide-blocking-calls-and-the-interface "docs/guide/blocking-calls-and-the-interface.md". To
+     * follow changes of the theme, see
+     * @ref guide-watching-the-theme "docs/guide/watching-the-theme.md".
      */
     static bool IsDarkTheme();
 
-    /** What COperateSystem::GetBundleIdentifier() gives. @return the name, as there */
+    /**
+     * Returns the name of the package that the running executable belongs to.
+     *
+     * @return the name of the executable's directory; if that name contains "files" in any case, the name of
+     * the parent directory; "." if the executable is in the root directory or its path cannot be read
+     *
+     * The result is COperateSystem::GetBundleIdentifier() as a QString. Nothing is logged.
+     *
+     * @warning Every directory whose name contains "files" is skipped, for example "profiles". Install the
+     * executable in "<package>/files", or check the result.
+     */
     static QString GetBundleIdentifier();
 
     /**
-     * The distribution's name: the value of the first line of /etc/os-release that begins with "NAME=",
-     * such as "Ubuntu" or "Kylin", without its double quotes. Read in the encoding of the locale.
+     * Returns the name of the distribution, for example "Ubuntu" or "Kylin".
      *
-     * @return the name; an empty text where the line has no value; "Unknown" where there is no such line
-     * or the file can't be read
+     * The name is the value of the first line of /etc/os-release that starts with "NAME=", without its double
+     * quotes. The file is read in the encoding of the locale.
+     *
+     * @return the name; an empty string if the line has no value; "Unknown" if there is no such line or the
+     * file cannot be read
      */
     static QString GetLinuxOsInfo();
 
-    /** Whether this is a Kylin. @return whether GetLinuxOsInfo() holds "Kylin", in any case */
+    /**
+     * Returns true if the distribution is Kylin.
+     *
+     * @return true if GetLinuxOsInfo() contains "Kylin" in any case; false otherwise, and if /etc/os-release
+     *         cannot be read
+     */
     static bool IsKylinOs();
 
     /**
-     * Whether this is a UOS.
+     * Returns true if the distribution is UOS.
      *
-     * @return whether GetLinuxOsInfo() holds "UnionTech" or "UOS", in any case
+     * @return true if GetLinuxOsInfo() contains "UnionTech" or "UOS" in any case; false otherwise, and if
+     *         /etc/os-release cannot be read
      *
-     * @warning Any name with these three letters in a row counts, as "Virtuoso Linux" does.
+     * @warning Every name that contains these three characters matches, for example "Virtuoso Linux". To be
+     * certain, compare GetLinuxOsInfo() with the full name.
      */
     static bool IsUOS();
 
     /**
-     * Tells no system from another: Q_OS_WIN does when the host is compiled.
+     * Returns true. The system is not queried.
      *
-     * @return true on every machine, on Linux too
+     * @return true always, also on Linux
+     *
+     * @warning Do not use the result to distinguish systems. Use Q_OS_WIN at compile time.
      */
     static bool IsWindows11OrGreater();
 
     /**
-     * The processor's architecture as QSysInfo::currentCpuArchitecture() names it.
+     * Returns the architecture of the processor.
      *
-     * @return such as "x86_64"
+     * @return the string of QSysInfo::currentCpuArchitecture(), for example "x86_64"; if the system does not
+     *         report one, the architecture that Qt was built for
      */
     static QString GetHardwareCpuArchitecture();
 
     /**
-     * The text as a QR code: black on opaque white, with error correction of level Q.
+     * Returns a string as a QR code: black on opaque white, with error correction level Q.
      *
-     * @param strText encoded as UTF-8; what fits is 1663 bytes, and more where it is all digits or
-     * capitals
-     * @param size in pixels; the image is a square of the smaller of its two sides
-     * @return an image in QImage::Format_ARGB32; a null one when the text is empty, when it is too long,
-     * of which the value of errno in a line to qInfo() is the only word, and when a side of the size is 0
-     * or negative
+     * @param strText the string, encoded as UTF-8 up to its first NUL character; at most 1663 bytes, or more
+     * if it has only digits or only upper-case letters
+     * @param size size in pixels; the image is a square with the smaller of both sides
+     * @return an image in QImage::Format_ARGB32, or a null image if
+     *         - the string is empty, or a side of @p size is 0, negative or too large for an image: nothing
+     * is logged;
+     *         - the string is too long or starts with a NUL character: the value of errno is logged with
+     * qInfo(), usually 34 (ERANGE) or 22 (EINVAL).
      *
-     * @warning The symbol reaches from edge to edge. Scanners want a white margin four modules wide:
-     * draw the image onto a white ground.
+     * **Threads.** This function is thread-safe. It needs no application object.
      *
-     * @warning Modules have unequal numbers of pixels unless the side is a multiple of the symbol's
-     * width, which is 25 modules for a short text and 177 for the longest. Below three pixels a
-     * module a symbol can hardly be read. Ask for some hundred pixels, and let no later scaling blur
-     * them.
+     * **Blocking.** Uses the processor: about a millisecond for a short string, some ten for a long one.
+     * Large images take longer.
      *
-     * @warning Each image leaves the symbol's modules allocated for good, between 625 bytes and 31
-     * kilobytes. Keep an image that is shown again.
+     * @warning The symbol has no margin. Scanners need a white margin that is four modules wide: draw the
+     * image on a white background.
+     *
+     * @warning If the side is not a multiple of the symbol's width, the modules have different sizes. The
+     * width is 25 modules for a short string and up to 177 for a long one. Use at least three pixels for each
+     * module, and do not scale the image afterwards.
+     *
+     * @warning Each call leaks between 625 bytes and 31 kilobytes. If you show the same code again, keep the
+     * image.
      */
     static QImage GenerateQRCode(const QString &strText, const QSize &size);
 };
 
 /**
- * The value of a key in a settings file of QSettings' native form, an ini file here.
+ * Returns the value of a key of a settings file.
  *
- * @param strPath the file
- * @param strKey the key, with its section in front where it isn't in [General]: "window/width"
- * @return the value, a text or a list of texts as a rule; an invalid QVariant where the file or the key
- * is lacking or the file can't be read
+ * The file is read as QSettings::NativeFormat, which is an ini file on Linux. It is not changed.
  *
- * **Threads.** Any. **Blocking.** For the time of reading the file.
+ * @param strPath path of the file
+ * @param strKey the key; for a section other than [General] with the section: "window/width"
+ * @return the value, usually a QString, or a QStringList if it contains commas; an invalid QVariant if the
+ * file or the key does not exist, or the file cannot be read
+ *
+ * **Threads.** This function is thread-safe and may be called from the GUI thread. **Blocking.** Blocks while
+ * the file is read; it does not wait for a lock file.
+ *
+ * @warning The value of an ini file has no type: a number or "true" is returned as a QString. Convert it, for
+ * example with QVariant::toInt().
+ *
+ * @since 0.1.0
  */
 ZYBASE_EXPORT QVariant ReadRegeditValue(const QString &strPath, const QString &strKey);
 

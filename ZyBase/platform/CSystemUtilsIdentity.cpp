@@ -14,8 +14,8 @@ namespace ZyBase {
 
 namespace {
 
-constexpr int s_nSmallestSuffix = 1;
-constexpr int s_nBeyondSuffixes = 1000;
+constexpr int nFirstSuffix = 1;
+constexpr int nEndOfSuffixes = 1000;
 
 QString pcidKey()
 {
@@ -27,34 +27,34 @@ QString newUserKey()
     return QStringLiteral("NewUser");
 }
 
-// The place may change while a host runs. Both arguments at once: what looks like a place marker in
-// the first is text.
-QString deviceFilePath(const QString &strDirPrefix, const QString &strDirName)
+// The configuration directory can change while the application runs, so it is looked up each time. One call
+// of arg() inserts both arguments: a "%2" in the first one is not replaced.
+QString deviceFilePath(const QString &dirPrefix, const QString &dirName)
 {
     return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)
-           + QStringLiteral("/%1%2/device.conf").arg(strDirPrefix, strDirName);
+           + QStringLiteral("/%1%2/device.conf").arg(dirPrefix, dirName);
 }
 
-void writeValue(const QString &strPath, const QString &strKey, const QVariant &value)
+void storeValue(const QString &strPath, const QString &strKey, const QVariant &value)
 {
     QSettings settings(strPath, QSettings::NativeFormat);
     settings.setValue(strKey, value);
 }
 
-QString momentAndNumber()
+QString timeAndRandomNumber()
 {
     return QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss.zzz"))
-           + QString::number(CSystemUtils::GetRandomNum(s_nSmallestSuffix, s_nBeyondSuffixes));
+           + QString::number(CSystemUtils::GetRandomNum(nFirstSuffix, nEndOfSuffixes));
 }
 
-// The best there is to tell this machine from others. Never empty.
-QString machineText()
+// Returns the most reliable string that identifies this machine. Never empty.
+QString machineString()
 {
     QString strIdentifier = QString::fromStdString(COperateSystem::GetSystemUDID()).trimmed();
     if (!strIdentifier.isEmpty())
         return strIdentifier;
     const QString strAddress = getMainMacAddress();
-    return strAddress.isEmpty() ? momentAndNumber() : strAddress;
+    return strAddress.isEmpty() ? timeAndRandomNumber() : strAddress;
 }
 
 } // namespace
@@ -65,19 +65,19 @@ QString CSystemUtils::GetStringMd5(const QString &strText)
     return QString::fromLatin1(baDigest.toHex());
 }
 
-QString CSystemUtils::GetPCID(const QString &strDirPrefix, const QString &strDirName)
+QString CSystemUtils::GetPCID(const QString &dirPrefix, const QString &dirName)
 {
-    const QString strPath = deviceFilePath(strDirPrefix, strDirName);
+    const QString strPath = deviceFilePath(dirPrefix, dirName);
     QString strStored = ReadRegeditValue(strPath, pcidKey()).toString();
     if (!strStored.isEmpty())
         return strStored;
-    QString strIdentifier = GetStringMd5(machineText());
-    writeValue(strPath, pcidKey(), strIdentifier);
+    QString strIdentifier = GetStringMd5(machineString());
+    storeValue(strPath, pcidKey(), strIdentifier);
     return strIdentifier;
 }
 
-// Done in unsigned numbers, which wrap where a maximum below the minimum makes them; Qt's own bounded()
-// takes no such arguments.
+// Unsigned arithmetic, which wraps if the maximum is below the minimum. QRandomGenerator::bounded() does not
+// accept such arguments.
 int CSystemUtils::GetRandomNum(int nMin, int nMax)
 {
     const quint32 nSpan = quint32(nMax) - quint32(nMin);
@@ -85,12 +85,12 @@ int CSystemUtils::GetRandomNum(int nMin, int nMax)
     return int(quint32(nMin) + quint32(nProduct >> 32));
 }
 
-bool CSystemUtils::IsNewUser(const QString &strDirPrefix, const QString &strDirName)
+bool CSystemUtils::IsNewUser(const QString &dirPrefix, const QString &dirName)
 {
-    const QString strPath = deviceFilePath(strDirPrefix, strDirName);
+    const QString strPath = deviceFilePath(dirPrefix, dirName);
     if (!ReadRegeditValue(strPath, newUserKey()).isNull())
         return false;
-    writeValue(strPath, newUserKey(), true);
+    storeValue(strPath, newUserKey(), true);
     return true;
 }
 

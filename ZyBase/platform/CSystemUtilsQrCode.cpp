@@ -17,25 +17,25 @@ namespace ZyBase {
 
 namespace {
 
-constexpr int s_nSmallestVersion = 2;
-constexpr int s_nCaseSensitive = 1;
-constexpr unsigned char s_nBlackBit = 1;
-constexpr int s_nSmallestFilledSide = 3; // pixels
-constexpr QRgb s_black = 0xff000000;
-constexpr QRgb s_white = 0xffffffff;
+constexpr int nSmallestVersion = 2;
+constexpr int nCaseSensitive = 1;
+constexpr unsigned char nBlackBit = 1;
+constexpr int nSmallestFilledSidePixels = 3;
+constexpr QRgb nBlack = 0xff000000;
+constexpr QRgb nWhite = 0xffffffff;
 
-// The modules of a symbol: a byte each, in rows from the top.
+// The modules of a symbol, one byte each, in rows from the top.
 struct Modules
 {
     const unsigned char *pBytes;
     int nWidth;
 
     const unsigned char *row(int nRow) const { return pBytes + ptrdiff_t(nRow) * nWidth; }
-    static bool isBlack(unsigned char nByte) { return (nByte & s_nBlackBit) != 0; }
+    static bool isBlack(unsigned char nByte) { return (nByte & nBlackBit) != 0; }
 };
 
-// White, then each black module by itself. What Qt makes of modules a small part of a pixel wide is its
-// own affair.
+// Draws each black module by itself on a white background. Used if a module is much smaller than a pixel,
+// where QPainter does not simply colour the pixels whose centres a rectangle covers.
 void paint(QImage *pImage, const Modules &modules)
 {
     const int nSide = pImage->width();
@@ -54,8 +54,8 @@ void paint(QImage *pImage, const Modules &modules)
     }
 }
 
-// The first pixel of each module of a row or column, and the end behind the last: a pixel belongs to the
-// module under its centre. No centre lies between two modules, since a symbol's width is odd.
+// Returns the first pixel of each module of a row or column, and the end after the last one. A pixel belongs
+// to the module under its centre. No centre is on the border of two modules, because a symbol's width is odd.
 QVector<int> moduleEdges(int nSide, int nWidth)
 {
     QVector<int> edges;
@@ -65,8 +65,8 @@ QVector<int> moduleEdges(int nSide, int nWidth)
     return edges;
 }
 
-// Gives the pixels of paint() in less time: without antialiasing, QPainter colours the pixels whose centres
-// a rectangle covers.
+// Sets the same pixels as paint() in less time: without antialiasing, QPainter colours the pixels whose
+// centres a rectangle covers.
 void fill(QImage *pImage, const Modules &modules)
 {
     const int nSide = pImage->width();
@@ -77,7 +77,7 @@ void fill(QImage *pImage, const Modules &modules)
         auto *const pLine = reinterpret_cast<QRgb *>(pImage->scanLine(edges[y]));
         const unsigned char *const pRow = modules.row(y);
         for (int x = 0; x < modules.nWidth; ++x)
-            std::fill(pLine + edges[x], pLine + edges[x + 1], Modules::isBlack(pRow[x]) ? s_black : s_white);
+            std::fill(pLine + edges[x], pLine + edges[x + 1], Modules::isBlack(pRow[x]) ? nBlack : nWhite);
         for (int nLine = edges[y] + 1; nLine < edges[y + 1]; ++nLine)
             std::copy_n(pLine, nSide, reinterpret_cast<QRgb *>(pImage->scanLine(nLine)));
     }
@@ -88,7 +88,7 @@ QImage imageOf(const Modules &modules, int nSide)
     QImage image(nSide, nSide, QImage::Format_ARGB32);
     if (image.isNull())
         return image;
-    if (nSide < s_nSmallestFilledSide)
+    if (nSide < nSmallestFilledSidePixels)
         paint(&image, modules);
     else
         fill(&image, modules);
@@ -103,14 +103,14 @@ QImage CSystemUtils::GenerateQRCode(const QString &strText, const QSize &size)
         return QImage();
     const std::string strUtf8 = strText.toStdString();
     QRcode *const pSymbol =
-        QRcode_encodeString(strUtf8.c_str(), s_nSmallestVersion, QR_ECLEVEL_Q, QR_MODE_8, s_nCaseSensitive);
+        QRcode_encodeString(strUtf8.c_str(), nSmallestVersion, QR_ECLEVEL_Q, QR_MODE_8, nCaseSensitive);
     if (!pSymbol) {
         qInfo("%d", errno);
         return QImage();
     }
     const Modules modules {pSymbol->data, std::max(pSymbol->width, 1)};
     QImage image = imageOf(modules, std::min(size.width(), size.height()));
-    // The record alone, and not by QRcode_free(): the modules stay allocated.
+    // Releases only the record, not by QRcode_free(): the modules stay allocated.
     ::operator delete(pSymbol);
     return image;
 }

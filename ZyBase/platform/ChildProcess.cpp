@@ -6,20 +6,35 @@ namespace ZyBase {
 
 namespace {
 
-constexpr int s_nToolTimeout = 30000; // ms
+constexpr int nToolTimeoutMs = 30000;
+constexpr qint64 nNoProcess = -1;
+
+// Only derived classes may set the state.
+struct ProcessState : QProcess
+{
+    static void reset(QProcess &process) { (process.*&ProcessState::setProcessState)(QProcess::NotRunning); }
+};
 
 } // namespace
 
 void runTool(QProcess &process, const char *pszProgram, const QStringList &arguments)
 {
     process.start(QLatin1String(pszProgram), arguments, QIODevice::ReadWrite);
-    process.waitForFinished(s_nToolTimeout);
+    // If the system creates no process, Qt 5.15 can take it for a running one whose identifier is -1. It
+    // would wait for it, and the destructor would send SIGKILL to every process of the user.
+    if (process.processId() == nNoProcess)
+        ProcessState::reset(process);
+    process.waitForFinished(nToolTimeoutMs);
 }
 
 QString takeOutput(QProcess &process)
 {
-    const QByteArray output = process.readAllStandardOutput().trimmed();
-    return QString::fromUtf8(output.constData()); // without a length it ends at the first NUL byte
+    return fromUtf8UpToNul(process.readAllStandardOutput().trimmed());
+}
+
+QString fromUtf8UpToNul(const QByteArray &baUtf8)
+{
+    return QString::fromUtf8(baUtf8.constData());
 }
 
 } // namespace ZyBase

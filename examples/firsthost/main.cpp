@@ -1,12 +1,19 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 
-// A first host: it logs, downloads a file, and reports both to the collectors.
+// A first application: it logs, downloads a file, and sends usage reports if the user has agreed.
 //
-//     scripts/local-services firsthost    where nothing leaves this machine
+//     scripts/local-services firsthost [--allow-reports | --forbid-reports]
+//
+// scripts/local-services runs all services on this machine; nothing is sent to the internet. Without an
+// option and without an earlier "yes", the application asks whether it may send reports.
 
 #include "DevelopmentServices.h"
+#include "QuitInTime.h"
+#include "RunningRequests.h"
+#include "UsageReports.h"
 
-#include <ZyBase/ZyBase.h>
+#include <ZyBase/base/LoggerObject.h>
+#include <ZyBase/http/DownloadManager.h>
 
 #include <QCoreApplication>
 #include <QDir>
@@ -15,9 +22,15 @@
 #include <QTimer>
 #include <QUrl>
 
+#include <cstdlib>
+
+using namespace std::chrono_literals;
+
 namespace {
 
-constexpr int lastMomentMs = 500;
+constexpr auto timeForReports = 500ms; // the last report is sent in the background
+constexpr auto timeToStop = 500ms;
+constexpr auto timeToQuit = 2000ms;
 
 void log(const QString &message)
 {
@@ -25,46 +38,81 @@ void log(const QString &message)
     QTextStream(stdout) << message << '\n';
 }
 
+QString makeDataDirectory()
+{
+    QString directory = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+    QDir().mkpath(directory);
+    return directory;
+}
+
+bool answersYes(const QString &question)
+{
+    QTextStream out(stdout);
+    out << question << " [y/N] ";
+    out.flush();
+    return QTextStream(stdin).readLine().startsWith(QLatin1Char('y'), Qt::CaseInsensitive);
+}
+
+// Consent comes first: before it, nothing is sent and the machine has no identifier.
+void obtainConsent(UsageReports &reports)
+{
+    const QStringList options = QCoreApplication::arguments();
+    if (options.contains(QStringLiteral("--forbid-reports")))
+        reports.setAllowed(false);
+    else if (options.contains(QStringLiteral("--allow-reports")))
+        reports.setAllowed(true);
+    else if (!reports.isAllowed())
+        reports.setAllowed(answersYes(QStringLiteral("May this application send usage reports?")));
+    log(reports.isAllowed() ? QStringLiteral("Usage reports are sent")
+                            : QStringLiteral("No usage reports are sent"));
+}
+
+int runApplication()
+{
+    const DevelopmentServices services = useDevelopmentServices();
+    if (services.downloads.isEmpty()) {
+        QTextStream(stderr) << "LOCAL_SERVICES is not set. Start this program with scripts/local-services.\n";
+        return EXIT_FAILURE;
+    }
+
+    const QString directory = makeDataDirectory();
+    ZyBase::LoggerObject::InitLogger("firsthost.log", directory.toUtf8().constData());
+    log(QStringLiteral("Files and log are in ") + directory);
+
+    UsageReports reports({QStringLiteral("firsthost"), QStringLiteral("1.0"), QStringLiteral(":/events.json"),
+                          QStringLiteral("G-FIRSTHOST"), QStringLiteral("secret"), services.statistics});
+    obtainConsent(reports);
+    reports.sendRecord(QStringLiteral("server_run"), QStringLiteral("start"));
+
+    ZyBase::DownloadManager download;
+    QObject::connect(
+        &download, &ZyBase::DownloadManager::signalDownloadFinished, &download,
+        [&reports](bool isComplete, const QString &path) {
+            log(isComplete ? QStringLiteral("Downloaded ") + path : QStringLiteral("The download failed"));
+            reports.sendEvent(QStringLiteral("download"), isComplete ? QString() : QStringLiteral("failed"));
+            QTimer::singleShot(timeForReports, qApp, &QCoreApplication::quit);
+        });
+    const QUrl url(services.downloads + QStringLiteral("bytes/1000000/first.bin"));
+    if (!download.StartDownload(url, directory))
+        return EXIT_FAILURE;
+
+    const int exitCode = QCoreApplication::exec();
+    endProcessAfter(timeToQuit, exitCode);
+    ZyBase::LoggerObject::ReleaseLogger();
+    RunningRequests().stopAll(timeToStop); // stops reports too
+    return exitCode;
+}
+
 } // namespace
 
 int main(int argc, char **argv)
 {
-    QCoreApplication application(argc, argv);
-    const DevelopmentServices services = useDevelopmentServices();
-    if (services.downloads.isEmpty()) {
-        QTextStream(stderr) << "Start me by scripts/local-services, or name servers of your own here.\n";
-        return 1;
+    int exitCode = 0;
+    {
+        const QCoreApplication application(argc, argv);
+        QCoreApplication::setOrganizationName(QStringLiteral("Example"));
+        QCoreApplication::setApplicationName(QStringLiteral("firsthost"));
+        exitCode = runApplication();
     }
-
-    // The log makes its own folder in here and no more.
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
-    QDir().mkpath(folder);
-    ZyBase::LoggerObject::InitLogger("firsthost.log", folder.toUtf8().constData());
-    log(QStringLiteral("Files and log are in ") + folder);
-
-    const QString machine = ZyBase::CSystemUtils::GetPCID(QString(), QStringLiteral("firsthost"));
-    auto *const reports = ZyBase::CGaReportManager::getInstance(nullptr);
-    reports->InitGaData(QStringLiteral(":/events.json"), machine, QStringLiteral("G-FIRSTHOST"),
-                        QStringLiteral("secret"));
-    reports->InitXdData(services.statistics, machine, QStringLiteral("firsthost"), QStringLiteral("1.0"),
-                        QStringLiteral("home"));
-    reports->SendXdReport(QStringLiteral("server_run"), QStringLiteral("start"));
-
-    ZyBase::DownloadManager download;
-    QObject::connect(&download, &ZyBase::DownloadManager::signalDownloadFinished, &application,
-                     [&](bool bSuccess, const QString &strFilePath) {
-                         log(bSuccess ? QStringLiteral("Downloaded ") + strFilePath
-                                      : QStringLiteral("The download failed"));
-                         reports->SendGaReport(QStringLiteral("download"),
-                                               bSuccess ? QString() : QStringLiteral("failed"), false);
-                         QTimer::singleShot(lastMomentMs, &application, &QCoreApplication::quit);
-                     });
-    if (!download.StartDownload(QUrl(services.downloads + QStringLiteral("bytes/1000000/first.bin")), folder))
-        return 1;
-
-    QCoreApplication::exec();
-    ZyBase::CGaReportManager::ReleaseReport();
-    QCoreApplication::processEvents();
-    ZyBase::LoggerObject::ReleaseLogger();
-    return 0;
+    endProcess(exitCode);
 }

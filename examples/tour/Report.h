@@ -5,38 +5,44 @@
 #include <QString>
 #include <QStringList>
 
-/** What the tour prints: a heading for each service, what was done, what came back, and whether it was as
- * promised. */
+class QImage;
+
+/**
+ * Prints the tour: a heading for each service, what was called, what it returned, and whether the service
+ * kept its promise. No line is longer than 80 columns. Colours are used only if the output is a terminal.
+ */
 class Report
 {
 public:
-    /** Colours are used on a terminal only. */
     Report();
 
     void heading(const QString &service, const QString &header);
 
-    /** One thing that was done and what came of it. */
+    /** Prints one call and its result. */
     void line(const QString &what, const QString &result);
 
-    /** How far something has come: one line that is written over on a terminal, and one each time elsewhere.
-     */
-    void progress(const QString &state);
-
-    /** Lines as they stand in a file. */
+    /** Prints the lines of a file or of a log. */
     void excerpt(const QStringList &lines);
 
-    /** One thing that the service promises, and whether it was kept. */
-    void promise(const QString &what, bool kept);
+    /** Prints each pixel as half a character; the dark ones are drawn. On a terminal: black on white. */
+    void image(const QImage &image);
 
-    /** Prints the last line; @return the exit code of the tour. */
+    /** Counts and prints one promise of a service. */
+    void promise(const QString &what, bool isKept);
+
+    /** Counts and prints a promise that cannot be checked on this machine. */
+    void skip(const QString &what, const QString &reason);
+
+    /** Prints the number of promises kept. @return the exit code of the tour: 1 if a promise was broken */
     int finish();
 
 private:
     void print(const QString &text);
+    void printWrapped(const QString &first, const QString &next, const QString &text, const char *colour);
     QString coloured(const char *colour, const QString &text) const;
 
     bool m_isTerminal;
-    bool m_isLineOpen = false;
-    int m_promises = 0;
     int m_kept = 0;
+    int m_broken = 0;
+    int m_skipped = 0;
 };

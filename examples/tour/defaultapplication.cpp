@@ -2,52 +2,69 @@
 
 #include "services.h"
 
+#include "EnvironmentVariable.h"
 #include "Report.h"
 
 #include <ZyBase/platform/CAssocUtils.h>
 
-#include <QDirIterator>
+#include <QFile>
 #include <QStandardPaths>
 
 using ZyBase::CAssocUtils;
 
 namespace {
 
-const char *const tool = "xdg-mime";
+const QString reader = QStringLiteral("org.example.tour-reader");
+const QString viewer = QStringLiteral("org.example.tour-viewer");
 
-bool opensPdf(const QString &desktopFile)
+bool install(const QDir &applications, const QString &application)
 {
-    QFile file(desktopFile);
-    return file.open(QIODevice::ReadOnly) && file.readAll().contains("application/pdf");
+    QFile file(applications.filePath(application + QStringLiteral(".desktop")));
+    return file.open(QIODevice::WriteOnly)
+           && file.write("[Desktop Entry]\nType=Application\nName=Reader\nExec=true %f\n"
+                         "MimeType=application/pdf;\n")
+                  > 0;
 }
 
-// The first of the installed applications that is the default.
-QString defaultApplication()
+bool isDefault(Report &report, const QString &application)
 {
-    const QStringList folders = QStandardPaths::standardLocations(QStandardPaths::ApplicationsLocation);
-    for (const QString &folder : folders) {
-        QDirIterator files(folder, {QStringLiteral("*.desktop")}, QDir::Files);
-        while (files.hasNext()) {
-            const QString path = files.next();
-            if (opensPdf(path) && CAssocUtils::IsPdfLauncher(files.fileName()))
-                return files.fileName();
-        }
-    }
-    return QStringLiteral("none");
+    const bool isDefault = CAssocUtils::IsPdfLauncher(application);
+    report.line(QStringLiteral("IsPdfLauncher"),
+                application + (isDefault ? QStringLiteral(": true") : QStringLiteral(": false")));
+    return isDefault;
+}
+
+void showDefault(Report &report)
+{
+    const bool wasViewer = CAssocUtils::SetPdfLauncher(viewer, QString(), false) && isDefault(report, viewer);
+    const bool isReader = CAssocUtils::SetPdfLauncher(reader, QString(), false) && isDefault(report, reader);
+    report.promise(QStringLiteral("SetPdfLauncher() sets the application that opens PDF files"),
+                   wasViewer && isReader && !isDefault(report, viewer));
+    report.promise(QStringLiteral("ResetPdfLauncher() returns true and changes nothing"),
+                   CAssocUtils::ResetPdfLauncher(reader) && isDefault(report, reader));
 }
 
 } // namespace
 
-void showDefaultApplication(Report &report, const QDir &)
+void showDefaultApplication(Report &report, const QDir &directory)
 {
     report.heading(QStringLiteral("Default application"), QStringLiteral("ZyBase/platform/CAssocUtils.h"));
+    if (QStandardPaths::findExecutable(QStringLiteral("xdg-mime")).isEmpty()) {
+        return report.skip(QStringLiteral("The application that opens PDF files can be set and read"),
+                           QStringLiteral("xdg-mime is not installed"));
+    }
 
-    if (QStandardPaths::findExecutable(QString::fromLatin1(tool)).isEmpty())
-        report.line(QString::fromLatin1(tool), QStringLiteral("not installed: no default can be told"));
-    report.line(QStringLiteral("opens PDF files"), defaultApplication());
-    const QString none = QStringLiteral("org.example.no-such-application");
-    report.promise(QStringLiteral("an application that is not installed is not the default"),
-                   !CAssocUtils::IsPdfLauncher(none));
-    report.promise(QStringLiteral("a reset reports success and leaves the user's choice alone"),
-                   CAssocUtils::ResetPdfLauncher(none));
+    // A user without a desktop, whose settings and applications are in the tour's directory.
+    const QDir home(directory.filePath(QStringLiteral("home")));
+    const QDir applications(home.filePath(QStringLiteral("applications")));
+    const EnvironmentVariable configuration("XDG_CONFIG_HOME", home.path());
+    const EnvironmentVariable configurations("XDG_CONFIG_DIRS", home.path());
+    const EnvironmentVariable data("XDG_DATA_HOME", home.path());
+    const EnvironmentVariable dataDirectories("XDG_DATA_DIRS", home.path());
+    const EnvironmentVariable desktop("XDG_CURRENT_DESKTOP", QStringLiteral("X-Generic"));
+    if (applications.mkpath(QStringLiteral(".")) && install(applications, reader)
+        && install(applications, viewer))
+        showDefault(report);
+    else
+        report.promise(QStringLiteral("Applications can be installed to the tour's directory"), false);
 }

@@ -2,22 +2,34 @@
 
 #include "services.h"
 
+#include "EnvironmentVariable.h"
 #include "Report.h"
 
 #include <ZyBase/platform/CSystemUtils.h>
 
-#include <QFile>
+#include <QRegularExpression>
+#include <QSettings>
 
 using ZyBase::CSystemUtils;
 
 namespace {
 
-const char *const prefix = "tour/";
-const char *const name = "reader";
-
-QString answer(bool value)
+struct Start
 {
-    return value ? QStringLiteral("true") : QStringLiteral("false");
+    bool isNewUser;
+    QString identifier;
+};
+
+// What an application does when it starts.
+Start startApplication(Report &report, const QString &run)
+{
+    const QString prefix = QStringLiteral("tour/");
+    const QString name = QStringLiteral("reader");
+    const bool isNewUser = CSystemUtils::IsNewUser(prefix, name);
+    const Start start {isNewUser, CSystemUtils::GetPCID(prefix, name)};
+    report.line(run, QStringLiteral("IsNewUser %1").arg(QVariant(start.isNewUser).toString()));
+    report.line(QString(), QStringLiteral("GetPCID %1").arg(start.identifier));
+    return start;
 }
 
 QStringList linesOf(const QString &path)
@@ -28,39 +40,28 @@ QStringList linesOf(const QString &path)
     return QString::fromUtf8(file.readAll()).trimmed().split(QLatin1Char('\n'));
 }
 
-// What a host does when it starts.
-bool startHost(Report &report, const QString &run, QString *identifier)
-{
-    const bool isNew = CSystemUtils::IsNewUser(QLatin1String(prefix), QLatin1String(name));
-    *identifier = CSystemUtils::GetPCID(QLatin1String(prefix), QLatin1String(name));
-    report.line(run, QStringLiteral("IsNewUser %1, GetPCID %2").arg(answer(isNew), *identifier));
-    return isNew;
-}
-
 } // namespace
 
 void showIdentity(Report &report, const QDir &directory)
 {
     report.heading(QStringLiteral("Device identity"), QStringLiteral("ZyBase/platform/CSystemUtils.h"));
 
-    // The tour leaves the user's own configuration alone.
-    const QByteArray place = qgetenv("XDG_CONFIG_HOME");
-    const QDir config(directory.filePath(QStringLiteral("config")));
-    const QString path = config.filePath(QStringLiteral("tour/reader/device.conf"));
-    QFile::remove(path);
-    qputenv("XDG_CONFIG_HOME", QFile::encodeName(config.path()));
+    // The user's own configuration stays unchanged.
+    const QDir configuration(directory.filePath(QStringLiteral("config")));
+    const EnvironmentVariable variable("XDG_CONFIG_HOME", configuration.path());
+    const Start first = startApplication(report, QStringLiteral("first run"));
+    const Start second = startApplication(report, QStringLiteral("second run"));
+    report.promise(QStringLiteral("Only the first run has a new user"), first.isNewUser && !second.isNewUser);
+    report.promise(
+        QStringLiteral("The identifier has 32 hexadecimal digits and stays the same"),
+        first.identifier == second.identifier
+            && QRegularExpression(QStringLiteral("^[0-9a-f]{32}$")).match(first.identifier).hasMatch());
 
-    QString first;
-    QString second;
-    const bool firstIsNew = startHost(report, QStringLiteral("first run"), &first);
-    const bool secondIsNew = startHost(report, QStringLiteral("second run"), &second);
-    report.line(QStringLiteral("file"), path);
+    const QString path = configuration.filePath(QStringLiteral("tour/reader/device.conf"));
+    const QSettings settings(path, QSettings::IniFormat);
+    report.line(QStringLiteral("file"), directory.relativeFilePath(path));
     report.excerpt(linesOf(path));
-    report.promise(QStringLiteral("the first run is told from the second"), firstIsNew && !secondIsNew);
-    report.promise(QStringLiteral("the identifier stays"), first == second && first.size() == 32);
-
-    if (place.isNull())
-        qunsetenv("XDG_CONFIG_HOME");
-    else
-        qputenv("XDG_CONFIG_HOME", place);
+    report.promise(QStringLiteral("device.conf keeps the identifier and the mark of the first run"),
+                   settings.value(QStringLiteral("PCID")).toString() == second.identifier
+                       && settings.contains(QStringLiteral("NewUser")));
 }

@@ -12,7 +12,7 @@ using ZyBase::CJsonReader;
 
 namespace {
 
-QString kindOf(const QJsonValue &value)
+QString describe(const QJsonValue &value)
 {
     if (value.isUndefined())
         return QStringLiteral("undefined");
@@ -31,18 +31,18 @@ void showJson(Report &report, const QDir &directory)
         {QStringLiteral("recent"), QJsonArray {QStringLiteral("a.pdf"), QStringLiteral("b.pdf")}},
         {QStringLiteral("zoom"), 1.25}};
     CJsonReader::SaveJsonFile(path, settings);
-    report.line(QStringLiteral("SaveJsonFile"), path);
-    report.promise(QStringLiteral("what was saved is read back"),
+    report.line(QStringLiteral("SaveJsonFile"), directory.relativeFilePath(path));
+    report.promise(QStringLiteral("A saved object can be read back"),
                    CJsonReader::ParseJsonFileToObject(path) == settings);
 
     const QJsonValue language = CJsonReader::ParseJsonFile(path, QStringLiteral("language"));
-    const QJsonValue lacking = CJsonReader::ParseJsonFile(path, QStringLiteral("theme"));
-    const QJsonValue unreadable =
-        CJsonReader::ParseJsonFile(directory.filePath(QStringLiteral("none.json")), QStringLiteral("theme"));
-    report.line(QStringLiteral("key \"language\""), kindOf(language));
-    report.line(QStringLiteral("key \"theme\""), kindOf(lacking));
-    report.line(QStringLiteral("in a missing file"), kindOf(unreadable));
-    report.promise(QStringLiteral("a key that is lacking and a file that can't be read are told apart"),
-                   language.toString() == QLatin1String("zh_CN") && lacking.isUndefined()
-                       && unreadable.isNull() && !unreadable.isUndefined());
+    const QJsonValue missingKey = CJsonReader::ParseJsonFile(path, QStringLiteral("theme"));
+    const QJsonValue missingFile = CJsonReader::ParseJsonFile(
+        directory.filePath(QStringLiteral("missing.json")), QStringLiteral("theme"));
+    report.line(QStringLiteral("key \"language\""), describe(language));
+    report.line(QStringLiteral("a missing key"), describe(missingKey));
+    report.line(QStringLiteral("a missing file"), describe(missingFile));
+    report.promise(QStringLiteral("A missing key gives undefined, a missing file gives null"),
+                   language.toString() == QLatin1String("zh_CN") && missingKey.isUndefined()
+                       && missingFile.isNull());
 }

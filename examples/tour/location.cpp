@@ -3,52 +3,81 @@
 #include "services.h"
 
 #include "Report.h"
-#include "World.h"
+#include "TourNetwork.h"
 
 #include <ZyBase/netinfo/CNetworkUtils.h>
 #include <ZyBase/netinfo/Services.h>
 
-#include <localservices/Proxy.h>
-#include <localservices/PublicServices.h>
-#include <localservices/RawServer.h>
+#include <localservices/FakeNetwork.h>
 
-#include <QNetworkProxy>
+#include <QHostInfo>
 
-using LocalServices::Authority;
-using LocalServices::Proxy;
-using LocalServices::PublicServices;
+using LocalServices::FakeNetwork;
 using LocalServices::RawServer;
 using ZyBase::CNetworkUtils;
 
 namespace {
 
-QString locate(Report &report, const QString &what)
+struct Location
 {
+    bool isFound;
     QString country;
-    QString text;
-    double latitude = 0;
-    double longitude = 0;
-    if (!CNetworkUtils::GetIPInfo(country, text, latitude, longitude))
-        text = QStringLiteral("not found");
-    report.line(what, QStringLiteral("%1 (%2, %3)").arg(text).arg(latitude).arg(longitude));
-    return text;
+    QString name;
+    double latitude;
+    double longitude;
+};
+
+bool operator==(const Location &left, const Location &right)
+{
+    return left.isFound == right.isFound && left.country == right.country && left.name == right.name
+           && qFuzzyCompare(left.latitude, right.latitude) && qFuzzyCompare(left.longitude, right.longitude);
 }
 
-// The local services never refuse: this goes through a proxy of its own.
-QString locateWhereTheFirstRefuses(Report &report)
+Location locate(Report &report, const QString &what)
 {
-    const PublicServices services;
-    const RawServer refusal(RawServer::answerWith("{\"status\":\"fail\"}"));
-    const Authority authority;
-    Proxy proxy(authority);
-    services.route(proxy);
-    proxy.route(QLatin1String(ZyBase::Services::pszGeolocationHost), refusal.url());
-    const QNetworkProxy previous = QNetworkProxy::applicationProxy();
-    QNetworkProxy::setApplicationProxy(
-        QNetworkProxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), proxy.port()));
-    QString text = locate(report, QStringLiteral("GetIPInfo, refused"));
-    QNetworkProxy::setApplicationProxy(previous);
-    return text;
+    Location location {false, QString(), QString(), 0, 0};
+    location.isFound =
+        CNetworkUtils::GetIPInfo(location.country, location.name, location.latitude, location.longitude);
+    report.line(what, QStringLiteral("%1 (%2, %3)")
+                          .arg(location.isFound ? location.name : QStringLiteral("not found"))
+                          .arg(location.latitude)
+                          .arg(location.longitude));
+    return location;
+}
+
+// A network of its own, because scripts/local-services has no service that fails.
+Location locateWithoutFirstService(Report &report)
+{
+    FakeNetwork network;
+    network.routePublicServices();
+    network.route(ZyBase::pszGeolocationHost, RawServer::answerWith("{\"status\":\"fail\"}"));
+    network.install();
+    return locate(report, QStringLiteral("GetIPInfo, 2nd service"));
+}
+
+void showAddress(Report &report)
+{
+    const QString address = GetIP();
+    report.line(QStringLiteral("GetIP"), address);
+    report.promise(QStringLiteral("The address is that which the service sees"),
+                   address == QLatin1String("192.0.2.1"));
+
+    QString code;
+    QString sameAddress;
+    const bool isFound = CNetworkUtils::GetIPCountryCode(code, sameAddress);
+    report.line(QStringLiteral("GetIPCountryCode"), code + QStringLiteral(", ") + sameAddress);
+    report.promise(QStringLiteral("The country comes with the address"),
+                   isFound && code == QLatin1String("DE") && sameAddress == QLatin1String("192.0.2.1"));
+}
+
+void showOnline(Report &report)
+{
+    const bool isOnline = CNetworkUtils::IsNetWorkOnline();
+    report.line(QStringLiteral("IsNetWorkOnline"),
+                isOnline ? QStringLiteral("true") : QStringLiteral("false"));
+    const QHostInfo probe = QHostInfo::fromName(QLatin1String(ZyBase::pszProbeName));
+    report.promise(QStringLiteral("The machine is online if a public name can be resolved"),
+                   isOnline == (probe.error() == QHostInfo::NoError));
 }
 
 } // namespace
@@ -56,28 +85,15 @@ QString locateWhereTheFirstRefuses(Report &report)
 void showLocation(Report &report, const QDir &)
 {
     report.heading(QStringLiteral("Address and location"), QStringLiteral("ZyBase/netinfo/CNetworkUtils.h"));
-
-    // The tour stays on this machine: the services that are asked are stand-ins.
-    const World world;
-    const QString address = GetIP();
-    report.line(QStringLiteral("GetIP"), address);
-    report.promise(QStringLiteral("the address is the one that the service sees"),
-                   address == QLatin1String("192.0.2.1"));
-
-    QString code;
-    QString sameAddress;
-    CNetworkUtils::GetIPCountryCode(code, sameAddress);
-    report.line(QStringLiteral("GetIPCountryCode"), code + QStringLiteral(", ") + sameAddress);
-    report.promise(QStringLiteral("the country comes with it"),
-                   code == QLatin1String("DE") && sameAddress == address);
-
-    report.promise(QStringLiteral("the location is that of the first source"),
+    const TourNetwork network;
+    showAddress(report);
+    report.promise(QStringLiteral("The location is that of the first service"),
                    locate(report, QStringLiteral("GetIPInfo"))
-                       == QLatin1String("Berlin, Land Berlin, Germany"));
-    report.promise(QStringLiteral("where that one fails, the page of the second is read"),
-                   locateWhereTheFirstRefuses(report) == QLatin1String("Paris, Ile-de-France, France"));
-
-    report.line(QStringLiteral("IsNetWorkOnline"), CNetworkUtils::IsNetWorkOnline()
-                                                       ? QStringLiteral("true on this machine")
-                                                       : QStringLiteral("false on this machine"));
+                       == Location {true, QStringLiteral("Germany"),
+                                    QStringLiteral("Berlin, Land Berlin, Germany"), 52.52, 13.405});
+    report.promise(QStringLiteral("If the first service fails, the second is used"),
+                   locateWithoutFirstService(report)
+                       == Location {true, QStringLiteral("France"),
+                                    QStringLiteral("Paris, Ile-de-France, France"), 48.85, 2.35});
+    showOnline(report);
 }

@@ -1,32 +1,44 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 
-// A host application that uses each service of the library once on real input and says what came back.
+// Uses each service of the library once and checks what it returns and writes.
 //
-//     tour [DIRECTORY]    files go to DIRECTORY, by default to a new folder that is kept
+//     tour [DIRECTORY]    DIRECTORY is empty or missing; the default is a new directory in /tmp, which is
+//     kept
+//
+// The exit code is 0 if no promise was broken, 1 if one was, and 2 if the directory cannot be used.
 
+#include "QuitInTime.h"
 #include "Report.h"
+#include "RunningRequests.h"
 #include "services.h"
 
 #include <QCoreApplication>
 #include <QTemporaryDir>
+#include <QTextStream>
 
-int main(int argc, char **argv)
+namespace {
+
+constexpr std::chrono::milliseconds timeToStop(500);
+
+QString newTemporaryDirectory()
 {
-    const QCoreApplication application(argc, argv);
-    QString path = QCoreApplication::arguments().value(1);
-    if (path.isEmpty()) {
-        QTemporaryDir folder(QDir::temp().filePath(QStringLiteral("ZyBase-tour-XXXXXX")));
-        folder.setAutoRemove(false);
-        path = folder.path();
+    QTemporaryDir directory(QDir::temp().filePath(QStringLiteral("ZyBase-tour-XXXXXX")));
+    directory.setAutoRemove(false);
+    return directory.path();
+}
+
+int runTour()
+{
+    const QString argument = QCoreApplication::arguments().value(1);
+    const QDir directory(QDir(argument.isEmpty() ? newTemporaryDirectory() : argument).absolutePath());
+    if (!directory.mkpath(QStringLiteral(".")) || !directory.isEmpty()) {
+        QTextStream(stderr) << "The tour needs an empty directory that it can write to, not "
+                            << directory.path() << '\n';
+        return 2;
     }
-    const QDir directory(QDir(path).absolutePath());
 
     Report report;
     report.line(QStringLiteral("Files of this tour"), directory.path());
-    if (!directory.mkpath(QStringLiteral("."))) {
-        report.promise(QStringLiteral("the folder can be made"), false);
-        return report.finish();
-    }
     showLog(report, directory);
     showJson(report, directory);
     showFiles(report, directory);
@@ -39,5 +51,18 @@ int main(int argc, char **argv)
     showQrCode(report, directory);
     showLocation(report, directory);
     showReports(report, directory);
+    RunningRequests().stopAll(timeToStop);
     return report.finish();
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    int exitCode = 0;
+    {
+        const QCoreApplication application(argc, argv);
+        exitCode = runTour();
+    }
+    endProcess(exitCode);
 }

@@ -3,80 +3,92 @@
 #include "services.h"
 
 #include "Report.h"
-#include "World.h"
+#include "TourNetwork.h"
+#include "waiting.h"
 
 #include <ZyBase/analytics/CGaReportManager.h>
 
-#include <QCoreApplication>
-#include <QDeadlineTimer>
-#include <QEventLoop>
+#include <localservices/HttpServer.h>
+
 #include <QFile>
-#include <QTimer>
 
 #include <algorithm>
 
+using LocalServices::HttpServer;
 using ZyBase::CGaReportManager;
 
 namespace {
 
-constexpr int patienceMs = 10000;
-constexpr int lastMomentMs = 200;
+// A request that is not stopped ends only after ten seconds.
+constexpr std::chrono::milliseconds timeToStop(5000);
 
 const QByteArray catalogue = QByteArrayLiteral(R"([
     {"event_key": "open",  "event_name": "open_file",  "event_category": "file", "event_label": "pdf"},
     {"event_key": "print", "event_name": "print_file", "event_category": "file", "event_label": ""}
 ])");
 
-template <typename Condition> bool runUntil(Condition condition)
+bool writeCatalogue(const QString &path)
 {
-    for (const QDeadlineTimer deadline(patienceMs); !condition() && !deadline.hasExpired();)
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 100);
-    return condition();
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(catalogue) == catalogue.size();
 }
 
-void showSent(Report &report, const QString &receiver, const QList<World::Sent> &list)
+void show(Report &report, const QString &receiver, const QList<TourNetwork::Arrival> &arrivals)
 {
-    for (const World::Sent &sent : list) {
-        report.line(receiver, sent.target);
-        report.excerpt(sent.body.trimmed().split(QLatin1Char('\n')));
+    for (const TourNetwork::Arrival &arrival : arrivals) {
+        report.line(receiver, arrival.target);
+        report.excerpt(arrival.body.trimmed().split(QLatin1Char('\n')));
     }
 }
 
-bool areGood(const QList<World::Sent> &list)
+bool areGood(const QList<TourNetwork::Arrival> &arrivals)
 {
-    return std::all_of(list.begin(), list.end(), [](const World::Sent &sent) { return sent.isGood; });
+    return std::all_of(arrivals.begin(), arrivals.end(),
+                       [](const TourNetwork::Arrival &arrival) { return arrival.isGood; });
 }
 
-void showEvents(Report &report, CGaReportManager *manager, const World &world, const QDir &directory)
+void showEvents(Report &report, CGaReportManager *manager, const TourNetwork &network, const QDir &directory)
 {
     const QString path = directory.filePath(QStringLiteral("events.json"));
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(catalogue) != catalogue.size())
-        return report.promise(QStringLiteral("the catalogue can be written"), false);
-    file.close();
+    if (!writeCatalogue(path))
+        return report.promise(QStringLiteral("The catalogue of events can be written"), false);
 
     manager->InitGaData(path, QStringLiteral("device"), QStringLiteral("G-TOUR"), QStringLiteral("secret"));
     manager->SendGaReport(QStringLiteral("open"), QString(), true);
+    report.promise(QStringLiteral("A synchronous event has arrived when the call returns"),
+                   network.events().size() == 1);
     manager->SendGaReport(QStringLiteral("print"), QStringLiteral("laser"), false);
     manager->SendGaReport(QStringLiteral("print"), QString(), false); // has no label
-    manager->SendGaReport(QStringLiteral("no such event"), QString(), false);
-    const bool haveArrived = runUntil([&] { return world.events().size() == 2; });
-
-    showSent(report, QStringLiteral("the collector got"), world.events());
-    report.promise(QStringLiteral("one event waited for and one in the background pass the validation"),
-                   haveArrived && areGood(world.events()));
+    manager->SendGaReport(QStringLiteral("unknown"), QString(), false);
+    waitFor([&network] { return network.events().size() >= 2; });
+    const QList<TourNetwork::Arrival> events = network.events();
+    show(report, QStringLiteral("an event arrived"), events);
+    report.promise(QStringLiteral("Both complete events have arrived and are valid"),
+                   events.size() == 2 && areGood(events));
 }
 
-void showRecord(Report &report, CGaReportManager *manager, const World &world)
+void showRecord(Report &report, CGaReportManager *manager, const TourNetwork &network)
 {
-    manager->InitXdData(world.statistics(), QStringLiteral("device"), QStringLiteral("tour"),
+    manager->InitXdData(network.statisticsUrl(), QStringLiteral("device"), QStringLiteral("tour"),
                         QStringLiteral("1.0"), QStringLiteral("home"));
     manager->SendXdReport(QStringLiteral("install"), QStringLiteral("end"));
-    if (!runUntil([&] { return !world.records().isEmpty(); }))
-        return report.promise(QStringLiteral("the record arrives"), false);
-    showSent(report, QStringLiteral("the backend got"), world.records());
-    report.promise(QStringLiteral("the backend, which knows the secret, finds the signature right"),
-                   areGood(world.records()));
+    waitFor([&network] { return !network.records().isEmpty(); });
+    const QList<TourNetwork::Arrival> records = network.records();
+    show(report, QStringLiteral("a record arrived"), records);
+    report.promise(QStringLiteral("The record has arrived and its signature is right"),
+                   records.size() == 1 && areGood(records));
+}
+
+void showStop(Report &report, CGaReportManager *manager)
+{
+    const HttpServer server;
+    manager->InitXdData(server.url(QStringLiteral("/never")).toString(), QStringLiteral("device"),
+                        QStringLiteral("tour"), QStringLiteral("1.0"), QStringLiteral("home"));
+    manager->SendXdReport(QStringLiteral("install"), QStringLiteral("end"));
+    const bool isUnderWay = waitFor([&server] { return server.requests().size() == 1; });
+    CGaReportManager::ReleaseReport();
+    report.promise(QStringLiteral("ReleaseReport() stops a request that is not answered"),
+                   isUnderWay && waitFor([&server] { return server.openConnections() == 0; }, timeToStop));
 }
 
 } // namespace
@@ -85,12 +97,12 @@ void showReports(Report &report, const QDir &directory)
 {
     report.heading(QStringLiteral("Usage reports"), QStringLiteral("ZyBase/analytics/CGaReportManager.h"));
     auto *const manager = CGaReportManager::getInstance(nullptr);
-    const World world;
-    showEvents(report, manager, world, directory);
-    showRecord(report, manager, world);
-    CGaReportManager::ReleaseReport();
-    // What is still under way ends in the event loop.
-    QEventLoop loop;
-    QTimer::singleShot(lastMomentMs, &loop, &QEventLoop::quit);
-    loop.exec();
+    if (manager == nullptr)
+        return report.promise(QStringLiteral("The process has a manager of reports"), false);
+    {
+        const TourNetwork network;
+        showEvents(report, manager, network, directory);
+        showRecord(report, manager, network);
+    }
+    showStop(report, manager);
 }

@@ -6,7 +6,7 @@
 
 class Report;
 
-// One function a service, in the order of the tour. Each works inside the given directory.
+// One function for each service, in the order of the tour. Each writes its files to the given directory.
 
 void showLog(Report &report, const QDir &directory);
 void showJson(Report &report, const QDir &directory);

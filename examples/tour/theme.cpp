@@ -2,6 +2,8 @@
 
 #include "services.h"
 
+#include "EnvironmentVariable.h"
+#include "LoggedMessages.h"
 #include "Report.h"
 
 #include <ZyBase/platform/CSystemUtils.h>
@@ -12,59 +14,26 @@ using ZyBase::CSystemUtils;
 
 namespace {
 
-// The source that decided is told in the debug log, which a host may listen to.
-QString lastMessage;
-
-void keepMessage(QtMsgType, const QMessageLogContext &, const QString &text)
+// The last debug message names the setting that decided.
+QString decider(const QStringList &messages)
 {
-    lastMessage = text;
-}
-
-struct Theme
-{
-    bool isDark;
-    QString decider;
-};
-
-Theme askForTheme()
-{
-    lastMessage.clear();
-    const QtMessageHandler previous = qInstallMessageHandler(&keepMessage);
-    const bool isDark = CSystemUtils::IsDarkTheme();
-    qInstallMessageHandler(previous);
     const QString prefix = QStringLiteral("Detected via ");
-    return {isDark, lastMessage.startsWith(prefix) ? lastMessage.mid(prefix.size())
-                                                   : QStringLiteral("nothing: no source tells")};
+    const QString last = messages.isEmpty() ? QString() : messages.last();
+    return last.startsWith(prefix) ? last.mid(prefix.size()) : QStringLiteral("default: nothing is set");
 }
 
-QString describe(const Theme &theme)
+bool showTheme(Report &report, const QString &desktop)
 {
-    return (theme.isDark ? QStringLiteral("dark, by ") : QStringLiteral("light, by ")) + theme.decider;
+    QElapsedTimer timer;
+    timer.start();
+    const LoggedMessages messages;
+    const bool isDark = CSystemUtils::IsDarkTheme();
+    report.line(desktop,
+                QStringLiteral("%1, %2 (%3 ms)")
+                    .arg(isDark ? QStringLiteral("dark") : QStringLiteral("light"), decider(messages.all()))
+                    .arg(timer.elapsed()));
+    return isDark;
 }
-
-// An environment variable's value for as long as this lives.
-class Variable
-{
-public:
-    Variable(const char *name, const QString &value)
-        : m_name(name)
-        , m_previous(qgetenv(name))
-    {
-        qputenv(name, QFile::encodeName(value));
-    }
-    ~Variable()
-    {
-        if (m_previous.isNull())
-            qunsetenv(m_name);
-        else
-            qputenv(m_name, m_previous);
-    }
-
-private:
-    Q_DISABLE_COPY(Variable)
-    const char *m_name;
-    QByteArray m_previous;
-};
 
 bool writePlasmaTheme(const QDir &directory, const QByteArray &name)
 {
@@ -77,19 +46,17 @@ bool writePlasmaTheme(const QDir &directory, const QByteArray &name)
 void showTheme(Report &report, const QDir &directory)
 {
     report.heading(QStringLiteral("Theme"), QStringLiteral("ZyBase/platform/CSystemUtils.h"));
+    showTheme(report, QStringLiteral("this desktop"));
 
-    QElapsedTimer timer;
-    timer.start();
-    const Theme own = askForTheme();
-    report.line(QStringLiteral("this desktop"),
-                describe(own) + QStringLiteral(" (%1 ms)").arg(timer.elapsed()));
-
-    // KDE with a dark theme and without GNOME's tools: all of its settings lie in a folder of this tour.
-    const QDir settings(directory.filePath(QStringLiteral("dark-desktop")));
-    const bool written = settings.mkpath(QStringLiteral(".")) && writePlasmaTheme(settings, "breeze-dark");
-    const Variable configuration("XDG_CONFIG_HOME", settings.path());
-    const Variable programs("PATH", settings.path());
-    const Theme dark = askForTheme();
-    report.line(QStringLiteral("KDE, set to dark"), describe(dark));
-    report.promise(QStringLiteral("a dark desktop is told from its settings"), written && dark.isDark);
+    // A KDE desktop without GNOME's tools, whose settings are in the tour's directory.
+    const QDir settings(directory.filePath(QStringLiteral("desktop")));
+    settings.mkpath(QStringLiteral("."));
+    const EnvironmentVariable configuration("XDG_CONFIG_HOME", settings.path());
+    const EnvironmentVariable programs("PATH", settings.path());
+    report.promise(QStringLiteral("A dark KDE desktop is dark"),
+                   writePlasmaTheme(settings, "breeze-dark")
+                       && showTheme(report, QStringLiteral("KDE, set to dark")));
+    report.promise(QStringLiteral("A light KDE desktop is light"),
+                   writePlasmaTheme(settings, "breeze-light")
+                       && !showTheme(report, QStringLiteral("KDE, set to light")));
 }

@@ -2,6 +2,7 @@
 
 #include "services.h"
 
+#include "LoggedMessages.h"
 #include "Report.h"
 
 #include <ZyBase/files/CFileUtils.h>
@@ -14,7 +15,7 @@ using ZyBase::ZipManager;
 
 namespace {
 
-// What "zip -0" makes of readme.txt ("new") and docs/guide.txt ("guide"), in hexadecimal.
+// An archive of readme.txt ("new") and docs/guide.txt ("guide") as "zip -0" makes it, in hexadecimal.
 constexpr const char *archiveBytes =
     "504b03040a00000000000000215c4544e36b03000000030000000a000000726561646d652e7478746e6577504b"
     "03040a00000000000000215c35c79eca05000000050000000e000000646f63732f67756964652e747874677569"
@@ -23,27 +24,31 @@ constexpr const char *archiveBytes =
     "0000000000000000a4812b000000646f63732f67756964652e747874504b05060000000002000200740000005c"
     "0000000000";
 
-QStringList s_messages;
-
-// A host shows or logs what the extraction says; this one keeps it.
-void keepMessage(QtMsgType, const QMessageLogContext &, const QString &text)
+bool extract(Report &report, const QString &archive, const QString &target, bool overwrite)
 {
-    s_messages << text;
-}
-
-QStringList extract(const QString &archive, const QString &target, bool overwrite)
-{
-    s_messages.clear();
-    const QtMessageHandler previous = qInstallMessageHandler(keepMessage);
-    ZipManager::QuaUnzipFile(archive, target, overwrite);
-    qInstallMessageHandler(previous);
-    return s_messages;
+    const LoggedMessages messages;
+    const bool isExtracted = ZipManager::QuaUnzipFile(archive, target, overwrite);
+    report.excerpt(messages.all());
+    return isExtracted;
 }
 
 bool hasDesktop()
 {
     return !qEnvironmentVariableIsEmpty("XDG_CURRENT_DESKTOP")
            && (!qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"));
+}
+
+void showFolder(Report &report, const QString &path)
+{
+    if (hasDesktop())
+        CFileUtils::OpenFolderAndSelectFile(path);
+    const char *const result = hasDesktop() ? "see the file manager" : "no desktop is running";
+    report.line(QStringLiteral("OpenFolderAndSelectFile"), QLatin1String(result));
+
+    const LoggedMessages messages;
+    CFileUtils::OpenFolderAndSelectFile(path + QStringLiteral(".missing"));
+    report.promise(QStringLiteral("A missing file is not shown; a warning is logged"),
+                   messages.all().join(QLatin1Char(' ')).startsWith(QLatin1String("File does not exist:")));
 }
 
 } // namespace
@@ -60,22 +65,19 @@ void showZip(Report &report, const QDir &directory)
 
     const QString target = directory.filePath(QStringLiteral("extracted"));
     const QString readme = target + QStringLiteral("/readme.txt");
-    CFileUtils::MakeDirPath(target);
+    report.promise(QStringLiteral("MakeDirPath() creates a directory"),
+                   CFileUtils::MakeDirPath(target) && QDir(target).exists());
     CFileUtils::WriteFileData(readme, QStringLiteral("old"));
 
-    report.line(QStringLiteral("keeping what is there"), archive);
-    report.excerpt(extract(archive, target, false));
-    report.promise(QStringLiteral("a file that was there is kept, the others are extracted"),
-                   CFileUtils::ReadFileData(readme) == QLatin1String("old")
+    report.line(QStringLiteral("QuaUnzipFile, skip"), directory.relativeFilePath(archive));
+    report.promise(QStringLiteral("Existing files are kept, the others are extracted"),
+                   extract(report, archive, target, false)
+                       && CFileUtils::ReadFileData(readme) == QLatin1String("old")
                        && CFileUtils::ReadFileData(target + QStringLiteral("/docs/guide.txt"))
                               == QLatin1String("guide"));
-    report.line(QStringLiteral("overwriting"), archive);
-    report.excerpt(extract(archive, target, true));
-    report.promise(QStringLiteral("it is overwritten where that is asked for"),
-                   CFileUtils::ReadFileData(readme) == QLatin1String("new"));
-
-    if (hasDesktop())
-        CFileUtils::OpenFolderAndSelectFile(readme);
-    report.line(QStringLiteral("OpenFolderAndSelectFile"),
-                hasDesktop() ? readme : QStringLiteral("no desktop runs here to show it"));
+    report.line(QStringLiteral("QuaUnzipFile, overwrite"), directory.relativeFilePath(archive));
+    report.promise(QStringLiteral("Existing files are overwritten"),
+                   extract(report, archive, target, true)
+                       && CFileUtils::ReadFileData(readme) == QLatin1String("new"));
+    showFolder(report, readme);
 }

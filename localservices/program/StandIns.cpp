@@ -40,7 +40,7 @@ QMap<QString, HttpServer::Answer> files()
 StandIns::StandIns(ArrivalFeed &feed)
     : m_downloads({}, files())
     , m_collector([&feed](const GaCollector::Event &event) { feed.add(Arrival::of(event)); })
-    , m_backend(szSigningSecret, {},
+    , m_backend(ZyBase::pszSigningSecret, {},
                 [&feed](const StatisticsBackend::Record &record) { feed.add(Arrival::of(record)); })
     , m_proxy(m_authority)
 {

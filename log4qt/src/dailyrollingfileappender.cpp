@@ -44,7 +44,7 @@ QDateTime fromWallTime(qint64 wallTime)
     return QDateTime::fromMSecsSinceEpoch(wallTime, Qt::UTC);
 }
 
-// Unlike QFile::rename() it takes the place of an existing file, and leaves both where it can't.
+// Replaces an existing file, unlike QFile::rename(). Changes neither file if it fails.
 bool replaceFile(const QString &from, const QString &to)
 {
     return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
@@ -83,8 +83,8 @@ void DailyRollingFileAppender::activateOptions()
     const Lock lock(m_mutex);
     m_period = std::make_unique<RollOverPeriod>(m_datePattern);
     if (!m_period->isValid()) {
-        reportError(QStringLiteral("appender '%1': the date pattern '%2' tells no periods apart")
-                        .arg(name(), m_datePattern));
+        reportError(
+            QStringLiteral("appender '%1': the date pattern '%2' has no period").arg(name(), m_datePattern));
         return;
     }
     enterPeriod(wallTime(qgetenv("TZ")));
@@ -111,11 +111,9 @@ void DailyRollingFileAppender::rollOver(qint64 wallTime)
     const QString finished = file() + m_suffix;
     enterPeriod(wallTime);
     closeFile();
-    const bool isKept = replaceFile(file(), finished);
-    if (!isKept)
+    if (!replaceFile(file(), finished))
         reportError(QStringLiteral("appender '%1' can't rename '%2' to '%3'").arg(name(), file(), finished));
-    // A finished period that could not be set aside is continued, never lost.
-    openFile(appendFile() || !isKept);
+    // FileAppender::append() opens the file again, and continues a file that could not be renamed.
 }
 
 qint64 DailyRollingFileAppender::wallTime(const QByteArray &zone)

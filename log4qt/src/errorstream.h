@@ -8,8 +8,10 @@ namespace Log4Qt {
 inline namespace zy {
 
 /**
- * Says on the standard error stream what kept an event from its place. Not by Qt's messages: a host
- * that sends those to its log would come back here.
+ * Writes "log4qt: ", @p message and a line feed to the standard error stream.
+ *
+ * Does not use Qt's message functions: an application that sends Qt's messages to its log would call the
+ * failing appender again.
  */
 void reportError(const QString &message);
 

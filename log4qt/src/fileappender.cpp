@@ -59,8 +59,7 @@ void FileAppender::setFile(const QString &fileName)
 void FileAppender::activateOptions()
 {
     const Lock lock(m_mutex);
-    openFile(m_appendFile);
-    if (m_file.isOpen())
+    if (openFile(m_appendFile))
         WriterAppender::activateOptions();
 }
 
@@ -76,7 +75,13 @@ bool FileAppender::flushDevice()
     return m_file.flush();
 }
 
-void FileAppender::openFile(bool append)
+void FileAppender::append(const LoggingEvent &event)
+{
+    if (m_file.isOpen() || openFile(true))
+        WriterAppender::append(event);
+}
+
+bool FileAppender::openFile(bool append)
 {
     closeFile();
     const QDir directory = QFileInfo(m_fileName).dir();
@@ -85,16 +90,17 @@ void FileAppender::openFile(bool append)
 
     QIODevice::OpenMode mode = QIODevice::WriteOnly | QIODevice::Text;
     mode |= append ? QIODevice::Append : QIODevice::Truncate;
-    // With each line written at once, a buffer would only hold back what a full disk refused.
+    // If each line is flushed, a buffer would only keep the bytes that a full disk rejected.
     if (immediateFlush() || !m_bufferedIo)
         mode |= QIODevice::Unbuffered;
     m_file.setFileName(m_fileName);
     if (!m_file.open(mode)) {
         reportError(QStringLiteral("appender '%1' can't open file '%2': %3")
                         .arg(name(), m_fileName, m_file.errorString()));
-        return;
+        return false;
     }
     setDevice(&m_file);
+    return true;
 }
 
 void FileAppender::closeFile()

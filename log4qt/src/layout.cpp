@@ -12,14 +12,24 @@ Layout::Layout(QObject *parent)
 
 Layout::~Layout() = default;
 
-QString Layout::header() const
-{
-    return QString();
-}
-
 QString Layout::footer() const
 {
-    return QString();
+    return m_footer;
+}
+
+QString Layout::header() const
+{
+    return m_header;
+}
+
+void Layout::setFooter(const QString &footer)
+{
+    m_footer = footer;
+}
+
+void Layout::setHeader(const QString &header)
+{
+    m_header = header;
 }
 
 void Layout::activateOptions()

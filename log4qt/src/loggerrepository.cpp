@@ -18,6 +18,7 @@ LoggerRepository::LoggerRepository()
     : m_rootLogger(new Logger(this, QStringLiteral("root"), nullptr))
     , m_threshold(Level::NULL_INT)
 {
+    m_loggers.insert(QString(), m_rootLogger);
     LoggingEvent::startTime();
 }
 
@@ -42,8 +43,10 @@ bool LoggerRepository::isDisabled(Level level) const
 
 Logger *LoggerRepository::logger(const QString &name)
 {
+    QString cppName = name;
+    cppName.replace(QLatin1Char('.'), nameSeparator);
     const std::lock_guard<std::mutex> lock(m_mutex);
-    return loggerUnlocked(name);
+    return loggerUnlocked(cppName);
 }
 
 QList<Logger *> LoggerRepository::loggers() const
@@ -69,8 +72,7 @@ void LoggerRepository::setThreshold(Level level)
 
 void LoggerRepository::resetConfiguration()
 {
-    setThreshold(Level::NULL_INT);
-    const QList<Logger *> all = loggers() << m_rootLogger;
+    const QList<Logger *> all = loggers();
     for (Logger *logger : all) {
         logger->removeAllAppenders();
         logger->setAdditivity(true);
@@ -85,13 +87,10 @@ void LoggerRepository::shutdown()
 
 Logger *LoggerRepository::loggerUnlocked(const QString &name)
 {
-    if (name.isEmpty())
-        return m_rootLogger;
-    if (Logger *known = m_loggers.value(name))
-        return known;
+    if (Logger *existing = m_loggers.value(name))
+        return existing;
     const int separator = name.lastIndexOf(nameSeparator);
-    Logger *const parent = separator > 0 ? loggerUnlocked(name.left(separator)) : m_rootLogger;
-    auto *const logger = new Logger(this, name, parent);
+    auto *const logger = new Logger(this, name, loggerUnlocked(name.left(qMax(0, separator))));
     m_loggers.insert(name, logger);
     return logger;
 }

@@ -41,6 +41,11 @@ QString LoggingEvent::loggername() const
     return m_logger ? m_logger->name() : QString();
 }
 
+QString LoggingEvent::loggename() const
+{
+    return loggername();
+}
+
 qint64 LoggingEvent::startTime()
 {
     static const qint64 time = QDateTime::currentMSecsSinceEpoch();

@@ -16,7 +16,7 @@ constexpr qint64 secondsPerHour = 3600;
 RollOverPeriod::RollOverPeriod(const QString &pattern)
     : m_pattern(pattern)
 {
-    // The first moment of a month, a week, a day: no period changes the text before its own end.
+    // The sample is the start of a month, a week and a day, so each period ends at its own end only.
     const QDateTime sample(QDate(1999, 2, 1), QTime(0, 0), Qt::UTC);
     for (const Length length : {Minute, Hour, HalfDay, Day, Week, Month}) {
         m_length = length;
@@ -74,12 +74,14 @@ QDateTime RollOverPeriod::next(const QDateTime &time) const
 
 QString RollOverPeriod::suffix(const QDateTime &time) const
 {
-    return format(start(time));
+    const QDateTime begin = start(time);
+    // A week is numbered in the year of its Thursday, as ISO 8601 counts.
+    return format(m_length == Week ? begin.addDays(Qt::Thursday - Qt::Monday) : begin);
 }
 
 QString RollOverPeriod::format(const QDateTime &time) const
 {
-    // QDateTime knows no week numbers.
+    // QDateTime::toString() has no week numbers.
     const QString week = QStringLiteral("%1").arg(time.date().weekNumber(), 2, 10, QLatin1Char('0'));
     QString pattern = m_pattern;
     pattern.replace(QLatin1String("ww"), week);

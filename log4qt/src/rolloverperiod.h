@@ -9,26 +9,27 @@ namespace Log4Qt {
 inline namespace zy {
 
 /**
- * The period that a suffix pattern tells apart: from a minute to a month. Times are those of the
- * wall clock, kept as if the wall were in UTC, so that none is missing or there twice.
+ * The period of a suffix pattern: from one minute to one month. Reentrant.
+ *
+ * Times are wall clock times stored as UTC, so that every wall clock time exists once.
  */
 class RollOverPeriod
 {
 public:
     enum Length { Never, Minute, Hour, HalfDay, Day, Week, Month };
 
-    /** The shortest period at whose end the text of @p pattern changes; Never where it doesn't. */
+    /** Selects the shortest period after which the suffix of @p pattern changes; Never if it does not. */
     explicit RollOverPeriod(const QString &pattern);
 
     bool isValid() const { return m_length != Never; }
 
-    /** The first moment of the period that @p time lies in. */
+    /** Returns the first moment of the period that contains @p time. */
     QDateTime start(const QDateTime &time) const;
 
-    /** The first moment of the period after that. */
+    /** Returns the first moment of the period after the one that contains @p time. */
     QDateTime next(const QDateTime &time) const;
 
-    /** The suffix of the period that @p time lies in. */
+    /** Returns the suffix of the period that contains @p time. */
     QString suffix(const QDateTime &time) const;
 
 private:

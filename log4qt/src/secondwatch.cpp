@@ -7,10 +7,11 @@ inline namespace zy {
 
 bool SecondWatch::turned(qint64 timeStamp, const QByteArray &zone)
 {
-    const qint64 second = timeStamp / 1000;
-    // An empty TZ is UTC, a missing one the machine's zone.
-    if (second == m_second && zone == m_zone && zone.isNull() == m_zone.isNull())
+    const qint64 second = timeStamp / 1000 - (timeStamp % 1000 < 0 ? 1 : 0);
+    // An empty TZ is UTC; without TZ the time zone of the machine applies.
+    if (m_hasSecond && second == m_second && zone == m_zone && zone.isNull() == m_zone.isNull())
         return false;
+    m_hasSecond = true;
     m_second = second;
     m_zone = zone;
     return true;

@@ -8,21 +8,27 @@ namespace Log4Qt {
 inline namespace zy {
 
 /**
- * Tells when what was worked out from the local time must be worked out anew.
+ * Detects when a value that was computed from the local time is out of date.
  *
- * The C library looks at the zone file for every local time that it is asked for, which takes longer
- * than all the rest of a log line. The offset of local time changes at whole seconds only, or with
- * the variable TZ, so one question a second gives the same answers. Not safe for threads.
+ * The C library checks the time zone file at every conversion to local time, which takes longer than
+ * the rest of a log line. The offset of local time changes only at whole seconds or with the variable TZ.
+ * One conversion per second therefore has the same results. Reentrant, not thread-safe.
  */
 class SecondWatch
 {
 public:
-    /** True when @p timeStamp (ms since the epoch) lies in another second or @p zone (TZ) differs since the
-     * last call. */
+    /**
+     * Returns true if the second or the time zone differs from that of the previous call.
+     *
+     * @param timeStamp time in milliseconds since the epoch; negative before 1970
+     * @param zone value of the variable TZ; null if it is not set
+     * @return true at the first call
+     */
     bool turned(qint64 timeStamp, const QByteArray &zone);
 
 private:
-    qint64 m_second = -1;
+    bool m_hasSecond = false;
+    qint64 m_second = 0;
     QByteArray m_zone;
 };
 

@@ -11,18 +11,17 @@ inline namespace zy {
 
 class LoggingEvent;
 
-/** Writes time stamps in one format, as TTCCLayout::setDateFormat() takes it. Not safe for threads. */
+/** Formats time stamps in one date format. Reentrant, not thread-safe. */
 class TimestampFormat
 {
 public:
+    /** @param dateFormat as for TTCCLayout::setDateFormat() */
     explicit TimestampFormat(const QString &dateFormat);
 
-    /** Appends the time of @p event to @p text. */
+    /** Appends the local time of @p event to @p text. */
     void append(QString *text, const LoggingEvent &event);
 
 private:
-    void appendMilliseconds(QString *text, qint64 timeStamp) const;
-
     const bool m_isRelative;
     QString m_pattern;
     bool m_endsInMilliseconds = false;

@@ -56,39 +56,35 @@ void WriterAppender::close()
 
 void WriterAppender::append(const LoggingEvent &event)
 {
-    write(layout()->format(event));
-}
-
-bool WriterAppender::checkEntryConditions() const
-{
-    if (!AppenderSkeleton::checkEntryConditions())
-        return false;
-    if (!m_device) {
+    if (m_device)
+        write(layout()->format(event));
+    else
         reportError(QStringLiteral("appender '%1' has no open file: the event is dropped").arg(name()));
-        return false;
-    }
-    return true;
 }
 
 void WriterAppender::setDevice(QIODevice *device)
 {
     const Lock lock(m_mutex);
     if (m_device && layout())
-        write(layout()->footer());
+        writeLine(layout()->footer());
     m_device = device;
     m_lineIsCut = false;
     m_codec = m_encoding ? m_encoding : QTextCodec::codecForLocale();
     if (m_device && layout())
-        write(layout()->header());
+        writeLine(layout()->header());
+}
+
+void WriterAppender::writeLine(const QString &text)
+{
+    if (!text.isEmpty())
+        write(text + QLatin1Char('\n'));
 }
 
 void WriterAppender::write(const QString &text)
 {
-    if (text.isEmpty())
-        return;
     QTextCodec::ConverterState noByteOrderMark(QTextCodec::IgnoreHeader);
     QByteArray bytes = m_codec->fromUnicode(text.constData(), text.size(), &noByteOrderMark);
-    // A full disk may have taken half a line; the next whole one starts on a line of its own.
+    // If a full disk cut the last line, the next one still starts on a new line.
     if (m_lineIsCut)
         bytes.prepend('\n');
     const qint64 written = m_device->write(bytes);

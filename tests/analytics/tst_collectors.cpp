@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 
-#include "Collectors.h"
-
+#include <localservices/GaCollector.h>
 #include <localservices/StatisticsBackend.h>
 
 #include <QCryptographicHash>
 #include <QDateTime>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
+#include <QTest>
+
+#include <memory>
 
 using LocalServices::GaCollector;
 using LocalServices::StatisticsBackend;
@@ -21,12 +23,12 @@ const QByteArray goodRecord =
     "\"product\":\"p\",\"qd\":\"q\",\"status\":\"s\",\"version\":\"v\"}";
 const QByteArray secret(32, 's');
 
-QByteArray changed(QByteArray text, const QByteArray &before, const QByteArray &after)
+QByteArray changed(QByteArray content, const QByteArray &before, const QByteArray &after)
 {
-    return text.replace(before, after);
+    return content.replace(before, after);
 }
 
-// The status of the answer.
+// Returns the status of the answer, or -1 if there is none.
 int post(const QUrl &url, const QByteArray &body)
 {
     QNetworkAccessManager manager;
@@ -45,13 +47,13 @@ QUrl withQuery(const QUrl &url, const QByteArray &query)
 
 } // namespace
 
-// The stand-ins find what the real ones would: else no test that leans on them could fail.
+// The servers that record events and records report their errors. Other tests depend on this.
 class TestCollectors : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void eventIsJudged_data()
+    void reportsProblemsOfEvent_data()
     {
         QTest::addColumn<QByteArray>("query");
         QTest::addColumn<QByteArray>("body");
@@ -60,30 +62,31 @@ private Q_SLOTS:
         const auto row = [&query](const char *name, const QByteArray &body, const char *problem) {
             QTest::newRow(name) << query << body << QString::fromLatin1(problem);
         };
-        const QByteArray longText(101, 'x');
+        const QByteArray longString(101, 'x');
         row("good", goodEvent, "");
-        row("no JSON", "hello", "keys client_id user_id events");
-        row("no client", changed(goodEvent, "\"client_id\": \"c\"", "\"client_id\": \"\""), "client_id");
+        row("not JSON", "hello", "keys client_id user_id events");
+        row("empty client", changed(goodEvent, "\"client_id\": \"c\"", "\"client_id\": \"\""), "client_id");
         row("no events",
             changed(goodEvent,
                     "[{\"name\": \"open\", \"params\": {\"event_category\": \"file\","
                     " \"event_label\": \"pdf\"}}]",
                     "[]"),
             "events");
-        row("blank in the name", changed(goodEvent, "open", "open file"), "name");
-        row("long name", changed(goodEvent, "open", longText.left(41)), "name");
+        row("space in the name", changed(goodEvent, "open", "open file"), "name");
+        row("long name", changed(goodEvent, "open", longString.left(41)), "name");
         row("reserved name", changed(goodEvent, "open", "ga_open"), "name");
-        row("long label", changed(goodEvent, "pdf", longText), "value");
-        row("number for a label", changed(goodEvent, "\"pdf\"", "7"), "value");
-        row("bad param", changed(goodEvent, "event_label", "event label"), "param");
-        row("key too many", changed(goodEvent, "{\"client_id\"", "{\"a\": 1, \"client_id\""), "keys");
-        QTest::newRow("no secret") << QByteArray("?measurement_id=G-1&api_secret=") << goodEvent
-                                   << QStringLiteral("api_secret");
-        QTest::newRow("no stream") << QByteArray("?measurement_id=&api_secret=s") << goodEvent
-                                   << QStringLiteral("measurement_id");
-        QTest::newRow("key of the query too many") << query + "&a=1" << goodEvent << QStringLiteral("query");
+        row("long label", changed(goodEvent, "pdf", longString), "value");
+        row("label is a number", changed(goodEvent, "\"pdf\"", "7"), "value");
+        row("invalid parameter name", changed(goodEvent, "event_label", "event label"), "param");
+        row("additional key", changed(goodEvent, "{\"client_id\"", "{\"a\": 1, \"client_id\""), "keys");
+        QTest::newRow("empty secret")
+            << QByteArray("?measurement_id=G-1&api_secret=") << goodEvent << QStringLiteral("api_secret");
+        QTest::newRow("empty measurement identifier")
+            << QByteArray("?measurement_id=&api_secret=s") << goodEvent << QStringLiteral("measurement_id");
+        QTest::newRow("additional key in the query")
+            << query + "&a=1" << goodEvent << QStringLiteral("query");
     }
-    void eventIsJudged()
+    void reportsProblemsOfEvent()
     {
         QFETCH(QByteArray, query);
         QFETCH(QByteArray, body);
@@ -94,7 +97,7 @@ private Q_SLOTS:
         QCOMPARE(collector.events().first().problems.join(QLatin1Char(' ')), problem);
     }
 
-    void recordIsJudged_data()
+    void reportsProblemsOfRecord_data()
     {
         QTest::addColumn<QByteArray>("body");
         QTest::addColumn<QByteArray>("signedBody");
@@ -106,15 +109,15 @@ private Q_SLOTS:
         row("good", goodRecord, 0, "");
         row("four minutes old", goodRecord, 240, "");
         row("an hour old", goodRecord, 3600, "timestamp");
-        row("of the future", goodRecord, -3600, "timestamp");
-        row("key too few", changed(goodRecord, "\"qd\":\"q\",", ""), 0, "keys");
-        row("key too many", changed(goodRecord, "\"qd\"", "\"b\":\"\",\"qd\""), 0, "keys");
-        row("number", changed(goodRecord, "\"q\"", "7"), 0, "keys");
-        row("day of another form", changed(goodRecord, "2026-11-20 ", "20.11.2026 "), 0, "day");
-        QTest::newRow("other bytes are signed") << goodRecord << goodRecord + '\n'
-                                                << 0 << QStringLiteral("sign");
+        row("in the future", goodRecord, -3600, "timestamp");
+        row("missing key", changed(goodRecord, "\"qd\":\"q\",", ""), 0, "keys");
+        row("additional key", changed(goodRecord, "\"qd\"", "\"b\":\"\",\"qd\""), 0, "keys");
+        row("value is a number", changed(goodRecord, "\"q\"", "7"), 0, "keys");
+        row("another date format", changed(goodRecord, "2026-11-20 ", "20.11.2026 "), 0, "day");
+        QTest::newRow("signature of other bytes") << goodRecord << goodRecord + '\n'
+                                                  << 0 << QStringLiteral("sign");
     }
-    void recordIsJudged()
+    void reportsProblemsOfRecord()
     {
         QFETCH(QByteArray, body);
         QFETCH(QByteArray, signedBody);
@@ -130,7 +133,7 @@ private Q_SLOTS:
         QCOMPARE(backend.records().first().problems.join(QLatin1Char(' ')), problem);
     }
 
-    void recordWithoutASignatureIsRefused()
+    void rejectsRecordWithoutSignature()
     {
         const StatisticsBackend backend(secret);
         QCOMPARE(post(backend.url(), goodRecord), 403);

@@ -1,20 +1,16 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 
-#include "Collectors.h"
+#include "ReporterTest.h"
 
 #include "HostProcess.h"
-#include "ProcessFigures.h"
 
 #include <ZyBase/analytics/CGaReport.h>
 
+#include <QElapsedTimer>
 #include <QJsonDocument>
 #include <QTimer>
 
 #include <algorithm>
-
-using LocalServices::Connection;
-using LocalServices::GaCollector;
-using LocalServices::RawServer;
 
 namespace {
 
@@ -26,36 +22,39 @@ using Reporter = WatchedReporter<CGaReport>;
 
 } // namespace
 
-class TestGaReport : public QObject
+class TestGaReport : public ReporterTest
 {
     Q_OBJECT
 
 private:
+    std::unique_ptr<ReporterWatcher> createReporter(const QUrl &server) override
+    {
+        if (!server.isEmpty())
+            routeEvents(server);
+        return std::make_unique<Reporter>();
+    }
+    void start(ReporterWatcher &reporter) override { report(static_cast<Reporter &>(reporter), false); }
+    int recorded() override { return received().size(); }
+    std::unique_ptr<QObject> createObject(QObject *parent) override
+    {
+        return std::make_unique<CGaReport>(parent);
+    }
+
     static void report(CGaReport &reporter, bool sync)
     {
         reporter.ReportGaData(QStringLiteral("open"), QStringLiteral("file"), QStringLiteral("pdf"), sync);
     }
-    static void startThree(CGaReport &reporter)
-    {
-        for (int i = 0; i < 3; ++i)
-            report(reporter, false);
-    }
-    QList<GaCollector::Event> received() { return m_collectors->ga().events(); }
+    QList<GaCollector::Event> received() { return network().collector().events(); }
     static void addModes()
     {
         QTest::addColumn<bool>("sync");
-        QTest::newRow("waiting") << true;
-        QTest::newRow("in the background") << false;
+        QTest::newRow("synchronous") << true;
+        QTest::newRow("asynchronous") << false;
     }
 
-    std::unique_ptr<Collectors> m_collectors;
-
 private Q_SLOTS:
-    void init() { m_collectors = std::make_unique<Collectors>(); }
-    void cleanup() { m_collectors.reset(); }
-
-    void sixValuesReachTheirPlaces_data() { addModes(); }
-    void sixValuesReachTheirPlaces()
+    void sendsAllValues_data() { addModes(); }
+    void sendsAllValues()
     {
         QFETCH(bool, sync);
         Reporter reporter;
@@ -74,8 +73,8 @@ private Q_SLOTS:
         QCOMPARE(event.body, expected);
     }
 
-    void reporterThatWasNeverToldSendsEmptyIdentifiers_data() { addModes(); }
-    void reporterThatWasNeverToldSendsEmptyIdentifiers()
+    void sendsEmptyIdentifiersByDefault_data() { addModes(); }
+    void sendsEmptyIdentifiersByDefault()
     {
         QFETCH(bool, sync);
         Reporter reporter;
@@ -86,7 +85,7 @@ private Q_SLOTS:
         QCOMPARE(received().first().body.value(QStringLiteral("client_id")), QJsonValue(QString()));
     }
 
-    void waitingFormReturnsAfterTheAnswer()
+    void returnsAfterAnswerOfSynchronousReport()
     {
         Reporter reporter;
         report(reporter, true);
@@ -95,99 +94,37 @@ private Q_SLOTS:
         QCOMPARE(reporter.running(), 0);
     }
 
-    void waitingRequestIsAChildMeanwhile()
+    void ownsRequestDuringSynchronousReport()
     {
         Reporter reporter;
-        int most = 0;
+        int maximum = 0;
         QTimer timer;
-        connect(&timer, &QTimer::timeout, this, [&] { most = qMax(most, reporter.running()); });
+        connect(&timer, &QTimer::timeout, this, [&] { maximum = qMax(maximum, reporter.running()); });
         timer.start(0);
         report(reporter, true);
-        QCOMPARE(most, 1);
+        QCOMPARE(maximum, 1);
     }
 
-    void backgroundFormReturnsAtOnce()
+    void deletesRequestsIfNetworkIsDown()
     {
-        const SilentServer server;
-        m_collectors->routeTo(server.url());
-        Reporter reporter;
-        QElapsedTimer clock;
-        clock.start();
-        report(reporter, false);
-        QVERIFY(clock.elapsed() < 5000);
-        QCOMPARE(reporter.running(), 1);
-    }
-
-    void requestRemovesItself_data()
-    {
-        QTest::addColumn<QByteArray>("answer");
-        QTest::newRow("204") << QByteArray("HTTP/1.1 204 No Content\r\n\r\n");
-        QTest::newRow("200") << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok");
-        QTest::newRow("500") << QByteArray("HTTP/1.1 500 Error\r\nContent-Length: 2\r\n\r\nno");
-        QTest::newRow("nothing") << QByteArray();
-    }
-    void requestRemovesItself()
-    {
-        QFETCH(QByteArray, answer);
-        const RawAnswer server(answer);
-        m_collectors->routeTo(server.url());
-        Reporter reporter;
-        startThree(reporter);
-        QCOMPARE(reporter.started(), 3);
-        QTRY_COMPARE(reporter.running(), 0);
-        QVERIFY(reporter.areRemovedInItsThread());
-        QVERIFY(server.requests().size() >= 3); // Qt sends again what a closed connection left open
-    }
-
-    void requestOfANetworkThatIsAwayRemovesItself()
-    {
-        QNetworkProxy::setApplicationProxy(
-            QNetworkProxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), quint16(deadUrl().port())));
-        // An outcome may come before the reporter has connected to it, but not each time.
+        useProxy(closedPortUrl().port());
+        // A signal may be emitted before the reporter is connected to it, but not in every attempt.
         int left = 3;
         for (int attempt = 0; attempt < 5 && left > 0; ++attempt) {
             CGaReport reporter;
             report(reporter, true);
-            startThree(reporter);
+            for (int i = 0; i < 3; ++i)
+                report(reporter, false);
             const bool areGone = QTest::qWaitFor([&] { return reporter.children().isEmpty(); });
             left = areGone ? 0 : reporter.children().size();
         }
         QCOMPARE(left, 0);
     }
 
-    void eachRequestHasAThreadAndOneStopEndsThemAll()
+    void deliversStopThroughEventLoop()
     {
         const SilentServer server;
-        m_collectors->routeTo(server.url());
-        Reporter reporter;
-        startThree(reporter);
-        QCOMPARE(reporter.running(), 3);
-        QTRY_COMPARE(server.requests().size(), 3);
-        reporter.StopReport();
-        QTRY_COMPARE_WITH_TIMEOUT(reporter.running(), 0, 5000);
-        QVERIFY(reporter.areRemovedInItsThread());
-        QTRY_COMPARE(m_collectors->openConnections(), 0);
-    }
-
-    void threadsAreGoneWithTheirRequests()
-    {
-        Reporter reporter;
-        report(reporter, false);
-        QTRY_COMPARE(reporter.running(), 0);
-        QTRY_COMPARE(m_collectors->openConnections(), 0);
-        const int before = ProcessFigures::threadCount();
-        for (int i = 0; i < 30; ++i)
-            report(reporter, false);
-        QCOMPARE(reporter.running(), 30);
-        QTRY_COMPARE_WITH_TIMEOUT(reporter.running(), 0, 30000);
-        QTRY_VERIFY(ProcessFigures::threadCount() <= before);
-        QCOMPARE(received().size(), 31);
-    }
-
-    void stopTakesAHopThroughTheEventLoop()
-    {
-        const SilentServer server;
-        m_collectors->routeTo(server.url());
+        routeEvents(server.url());
         Reporter reporter;
         report(reporter, false);
         QTRY_COMPARE(server.requests().size(), 1);
@@ -202,29 +139,8 @@ private Q_SLOTS:
         QCOMPARE(stops, 1);
     }
 
-    void stopIsASignal()
-    {
-        CGaReport reporter;
-        int stops = 0;
-        connect(&reporter, &CGaReport::SignalStopRequest, this, [&] { ++stops; });
-        reporter.StopReport();
-        QCOMPARE(stops, 1);
-    }
-
-    void stopWithNoRequestDoesNothing()
-    {
-        Reporter reporter;
-        reporter.StopReport();
-        QTest::qWait(10);
-        report(reporter, false);
-        QTRY_COMPARE(reporter.running(), 0);
-        reporter.StopReport();
-        QTest::qWait(10);
-        QCOMPARE(received().size(), 1);
-    }
-
-    void eventAfterAStopGoesOut_data() { addModes(); }
-    void eventAfterAStopGoesOut()
+    void sendsEventAfterStop_data() { addModes(); }
+    void sendsEventAfterStop()
     {
         QFETCH(bool, sync);
         Reporter reporter;
@@ -234,15 +150,10 @@ private Q_SLOTS:
         QCOMPARE(received().size(), 1);
     }
 
-    void waitingRequestIsNotStopped()
+    void ignoresStopDuringSynchronousReport()
     {
-        const RawServer slow([](Connection &client) {
-            if (client.sleep(500))
-                client.write("HTTP/1.1 204 No Content\r\n\r\n");
-            else
-                client.reset();
-        });
-        m_collectors->routeTo(slow.url());
+        const SlowServer server;
+        routeEvents(server.url());
         Reporter reporter;
         QTimer timer;
         int stops = 0;
@@ -258,7 +169,7 @@ private Q_SLOTS:
         QVERIFY(clock.elapsed() >= 490);
     }
 
-    void requestsKeepTheIdentifiersOfTheirStart()
+    void sendsIdentifiersSetAtStart()
     {
         Reporter reporter;
         reporter.InitData(clientId, QStringLiteral("first"), apiSecret);
@@ -272,37 +183,23 @@ private Q_SLOTS:
                                              "/mp/collect?measurement_id=second&api_secret=secret"}));
     }
 
-    void requestIsConnectedAfterItsStart()
+    void connectsRequestAfterStart()
     {
         if (ZYBASE_SANITIZED)
-            QSKIP("sanitizers need the address space that is taken away here");
+            QSKIP("sanitizers need the address space that this test removes");
         HostProcess host;
         QVERIFY(host.start());
-        // So one whose start fails is left behind, and no stop reaches it.
+        // A request whose start fails is neither connected nor deleted.
         QCOMPARE(host.call(QStringLiteral("analytics.startEventWithoutThreads")),
                  QJsonValue(QJsonArray({true, 1, false})));
         QCOMPARE(host.quit(), 0);
     }
 
-    void parentOwnsTheReporter()
-    {
-        QObject parent;
-        auto *const child = new CGaReport(&parent);
-        QCOMPARE(child->parent(), &parent);
-        QCOMPARE(CGaReport(nullptr).parent(), nullptr);
-    }
-
-    void oneSignalAndNoSlots()
-    {
-        QCOMPARE(ownMethods(CGaReport::staticMetaObject),
-                 QStringList {QStringLiteral("signal SignalStopRequest()")});
-    }
-
-    void fieldsStandInTheirOrder()
+    void keepsFieldsInOrder()
     {
         QCOMPARE(sizeof(CGaReport), sizeof(QObject) + 3 * sizeof(QString));
         CGaReport reporter;
-        const QString *const fields = textFieldsOf(reporter);
+        const QString *const fields = stringFieldsOf(reporter);
         for (int i = 0; i < 3; ++i)
             QVERIFY(isEmptyNotNull(fields[i]));
         reporter.InitData(clientId, measurementId, apiSecret);

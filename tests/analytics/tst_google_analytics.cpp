@@ -1,24 +1,18 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 
-#include "Collectors.h"
+#include "AnalyticsTest.h"
 
 #include "ProcessFigures.h"
 #include "Utf8.h"
+#include "Waiting.h"
 
-#include <QElapsedTimer>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
-#include <QTimer>
+#include <QSslConfiguration>
 
-#include <atomic>
-
-using LocalServices::Authority;
 using LocalServices::Certificate;
-using LocalServices::Connection;
-using LocalServices::GaCollector;
-using LocalServices::HttpServer;
 using LocalServices::Proxy;
-using LocalServices::RawServer;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -37,18 +31,10 @@ QByteArray rawAnswer(const QByteArray &status, const QByteArray &body, const QBy
            + "\r\nConnection: close\r\n\r\n" + body;
 }
 
-QStringList headerNames(const HttpServer::Request &request)
-{
-    QStringList names;
-    for (const QPair<QByteArray, QByteArray> &header : request.headers)
-        names << QString::fromLatin1(header.first);
-    return names;
-}
-
 } // namespace
 Q_DECLARE_METATYPE(Mode)
 
-class TestGoogleAnalytics : public QObject
+class TestGoogleAnalytics : public AnalyticsTest
 {
     Q_OBJECT
 
@@ -60,7 +46,7 @@ private:
         QTest::newRow("StartRequestAsync") << Mode::Async;
     }
 
-    // In either mode; a synchronous one that failed looks like a refused connection.
+    // Sends an event in either mode. A failed synchronous call has the outcome of a refused connection.
     static Outcome send(Mode mode, const Event &event = Event())
     {
         if (mode == Mode::Sync) {
@@ -75,27 +61,22 @@ private:
 
     GaCollector::Event received()
     {
-        const QList<GaCollector::Event> events = m_collectors->ga().events();
+        const QList<GaCollector::Event> events = network().collector().events();
         return events.size() == 1 ? events.first() : GaCollector::Event();
     }
 
-    std::unique_ptr<Collectors> m_collectors;
-
 private Q_SLOTS:
-    void init() { m_collectors = std::make_unique<Collectors>(); }
-    void cleanup() { m_collectors.reset(); }
-
-    void eventReachesTheCollector_data() { addModes(); }
-    void eventReachesTheCollector()
+    void sendsValidEvent_data() { addModes(); }
+    void sendsValidEvent()
     {
         QFETCH(Mode, mode);
         QCOMPARE(send(mode), resultOf(mode == Mode::Sync ? "true" : ""));
-        QCOMPARE(m_collectors->ga().events().size(), 1);
+        QCOMPARE(network().collector().events().size(), 1);
         QCOMPARE(received().problems, QStringList());
     }
 
-    void bodyIsIndentedToTheByte_data() { addModes(); }
-    void bodyIsIndentedToTheByte()
+    void sendsIndentedBody_data() { addModes(); }
+    void sendsIndentedBody()
     {
         QFETCH(Mode, mode);
         send(mode, {utf8("C"), utf8("M"), utf8("S"), utf8("N"), utf8("A"), utf8("L")});
@@ -114,22 +95,8 @@ private Q_SLOTS:
                                                      "}\n"));
     }
 
-    void textsOfTheBodyAreEscapedAsJson_data()
-    {
-        QTest::addColumn<QString>("value");
-        QTest::addColumn<QByteArray>("json");
-        QTest::newRow("empty") << QStringLiteral("") << QByteArray("\"\"");
-        QTest::newRow("null") << QString() << QByteArray("\"\"");
-        QTest::newRow("quotes") << utf8("say \"hi\"") << QByteArray("\"say \\\"hi\\\"\"");
-        QTest::newRow("line feed") << utf8("a\nb") << QByteArray("\"a\\nb\"");
-        QTest::newRow("backslash") << utf8("a\\b") << QByteArray("\"a\\\\b\"");
-        QTest::newRow("control") << utf8("a\x01") << QByteArray("\"a\\u0001\"");
-        QTest::newRow("letters") << utf8("Größe 文件") << QByteArray("\"Größe 文件\"");
-        QTest::newRow("beyond the BMP") << utf8("😀") << QByteArray("\"😀\"");
-        QTest::newRow("ampersand and percent") << utf8("a&b=%1%20") << QByteArray("\"a&b=%1%20\"");
-        QTest::newRow("long") << QString(100000, QLatin1Char('x')) << '"' + QByteArray(100000, 'x') + '"';
-    }
-    void textsOfTheBodyAreEscapedAsJson()
+    void escapesStringsAsJson_data() { addEscapedStrings(); }
+    void escapesStringsAsJson()
     {
         QFETCH(QString, value);
         QFETCH(QByteArray, json);
@@ -142,7 +109,7 @@ private Q_SLOTS:
         QVERIFY(body.endsWith("\"user_id\": " + json + "\n}\n"));
     }
 
-    void identifiersGoIntoTheQueryAsTheyAre_data()
+    void sendsIdentifiersInQuery_data()
     {
         QTest::addColumn<QString>("measurementId");
         QTest::addColumn<QString>("apiSecret");
@@ -153,33 +120,33 @@ private Q_SLOTS:
         row("plain", "G-ABC123", "Sec_ret-1", "measurement_id=G-ABC123&api_secret=Sec_ret-1");
         row("empty", "", "", "measurement_id=&api_secret=");
         row("ampersand", "a&b=c", "d&e", "measurement_id=a&b=c&api_secret=d&e");
-        row("escaped letter", "%41", "%26", "measurement_id=A&api_secret=%26");
-        row("stray percent", "100%", "%zz", "measurement_id=100%25&api_secret=%25zz");
-        row("blank", "a b", "c d", "measurement_id=a%20b&api_secret=c%20d");
+        row("escaped character", "%41", "%26", "measurement_id=A&api_secret=%26");
+        row("single percent sign", "100%", "%zz", "measurement_id=100%25&api_secret=%25zz");
+        row("space", "a b", "c d", "measurement_id=a%20b&api_secret=c%20d");
         row("plus", "a+b", "c+d", "measurement_id=a+b&api_secret=c+d");
-        row("other letters", "é", "文", "measurement_id=%C3%A9&api_secret=%E6%96%87");
+        row("other characters", "é", "文", "measurement_id=%C3%A9&api_secret=%E6%96%87");
         row("question mark", "a?b", "c?d", "measurement_id=a?b&api_secret=c?d");
         row("number sign ends the query", "a", "b#c", "measurement_id=a&api_secret=b");
-        // The secret takes the place of the lowest marker that is left.
-        row("marker of the secret", "%3", "S", "measurement_id=S&api_secret=S");
+        // The secret replaces the lowest remaining marker.
+        row("marker of the secret in the identifier", "%3", "S", "measurement_id=S&api_secret=S");
         row("lower marker", "x%1y", "S", "measurement_id=xSy&api_secret=%253");
         row("marker in the secret", "M", "%1", "measurement_id=M&api_secret=%251");
     }
-    void identifiersGoIntoTheQueryAsTheyAre()
+    void sendsIdentifiersInQuery()
     {
         QFETCH(QString, measurementId);
         QFETCH(QString, apiSecret);
         QFETCH(QByteArray, query);
         for (const Mode mode : {Mode::Sync, Mode::Async}) {
             send(mode, {utf8("C"), measurementId, apiSecret, utf8("N"), utf8("A"), utf8("L")});
-            QVERIFY(!m_collectors->ga().events().isEmpty());
-            QCOMPARE(m_collectors->ga().events().last().request.target, "/mp/collect?" + query);
+            QVERIFY(!network().collector().events().isEmpty());
+            QCOMPARE(network().collector().events().last().request.target, "/mp/collect?" + query);
         }
-        QCOMPARE(m_collectors->ga().events().size(), 2);
+        QCOMPARE(network().collector().events().size(), 2);
     }
 
-    void eventWithNothingInItIsSent_data() { addModes(); }
-    void eventWithNothingInItIsSent()
+    void sendsEventOfEmptyStrings_data() { addModes(); }
+    void sendsEventOfEmptyStrings()
     {
         QFETCH(Mode, mode);
         const QString empty = QStringLiteral("");
@@ -190,18 +157,18 @@ private Q_SLOTS:
                                                    utf8("client_id"), utf8("user_id"), utf8("name")}));
     }
 
-    void hostIsAskedUnderTls_data() { addModes(); }
-    void hostIsAskedUnderTls()
+    void sendsOverTls_data() { addModes(); }
+    void sendsOverTls()
     {
         QFETCH(Mode, mode);
         send(mode);
-        QCOMPARE(m_collectors->requestLines(),
+        QCOMPARE(network().requestLines(),
                  QStringList {utf8("CONNECT www.google-analytics.com:443 HTTP/1.1")});
         QCOMPARE(received().request.header("Host"), QByteArray("www.google-analytics.com"));
     }
 
-    void headersAreThoseOfAPlainPost_data() { addModes(); }
-    void headersAreThoseOfAPlainPost()
+    void sendsHeadersOfPlainPost_data() { addModes(); }
+    void sendsHeadersOfPlainPost()
     {
         QFETCH(Mode, mode);
         send(mode);
@@ -216,16 +183,16 @@ private Q_SLOTS:
         plain.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
         const std::unique_ptr<QNetworkReply> reply(manager.post(plain, request.body));
         QTRY_VERIFY(reply->isFinished());
-        QCOMPARE(headerNames(request), headerNames(m_collectors->ga().events().last().request));
+        QCOMPARE(request.headers, network().collector().events().last().request.headers);
     }
 
-    void peerThatProvesNothingGetsNoEvent_data()
+    void rejectsInvalidCertificate_data()
     {
         QTest::addColumn<QByteArray>("certificate");
         for (const char *certificate : {"other authority", "other name", "self-signed", "expired"})
             QTest::newRow(certificate) << QByteArray(certificate);
     }
-    void peerThatProvesNothingGetsNoEvent()
+    void rejectsInvalidCertificate()
     {
         QFETCH(QByteArray, certificate);
         const Authority other;
@@ -233,35 +200,35 @@ private Q_SLOTS:
             if (certificate == "other authority")
                 return other.issue(host);
             if (certificate == "other name")
-                return m_collectors->authority().issue(QStringLiteral("google-analytics.com.example"));
+                return network().authority().issue(QStringLiteral("google-analytics.com.example"));
             if (certificate == "self-signed")
                 return Authority::selfSigned(host);
-            return m_collectors->authority().issue(host, QDateTime::currentDateTimeUtc().addSecs(-3600));
+            return network().authority().issue(host, QDateTime::currentDateTimeUtc().addSecs(-3600));
         });
-        proxy.routeAll(m_collectors->ga().url());
-        Collectors::use(proxy);
+        proxy.routeAll(network().collector().url());
+        useProxy(proxy.port());
         QCOMPARE(send(Mode::Sync), resultOf(""));
         QCOMPARE(send(Mode::Async), resultOf(""));
         QCOMPARE(proxy.requestLines().size(), 2);
-        QVERIFY(m_collectors->ga().events().isEmpty());
+        QVERIFY(network().collector().events().isEmpty());
     }
 
-    void defaultSslConfigurationDecides_data() { addModes(); }
-    void defaultSslConfigurationDecides()
+    void usesDefaultSslConfiguration_data() { addModes(); }
+    void usesDefaultSslConfiguration()
     {
         QFETCH(Mode, mode);
         const Authority other;
         Proxy proxy(other);
-        proxy.routeAll(m_collectors->ga().url());
-        Collectors::use(proxy);
+        proxy.routeAll(network().collector().url());
+        useProxy(proxy.port());
         QSslConfiguration trusting = QSslConfiguration::defaultConfiguration();
         trusting.setPeerVerifyMode(QSslSocket::VerifyNone);
         QSslConfiguration::setDefaultConfiguration(trusting);
         QCOMPARE(send(mode), resultOf(mode == Mode::Sync ? "true" : ""));
-        QCOMPARE(m_collectors->ga().events().size(), 1);
+        QCOMPARE(network().collector().events().size(), 1);
     }
 
-    void outcomeOfAnAnswer_data()
+    void reportsAnswer_data()
     {
         QTest::addColumn<QByteArray>("answer");
         QTest::addColumn<bool>("isTrue");
@@ -275,155 +242,52 @@ private Q_SLOTS:
         QTest::newRow("404") << rawAnswer("404 Not Found", page) << false << page;
         QTest::newRow("500") << rawAnswer("500 Error", page) << false << page;
         QTest::newRow("503") << rawAnswer("503 Away", page) << false << page;
-        QTest::newRow("cut") << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nhalf") << false
-                             << QByteArray("half");
-        QTest::newRow("nothing") << QByteArray() << false << QByteArray();
-        QTest::newRow("no HTTP") << QByteArray("hello\r\n\r\n") << false << QByteArray();
+        QTest::newRow("truncated") << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nhalf")
+                                   << false << QByteArray("half");
+        QTest::newRow("no answer") << QByteArray() << false << QByteArray();
+        QTest::newRow("not HTTP") << QByteArray("hello\r\n\r\n") << false << QByteArray();
     }
-    void outcomeOfAnAnswer()
+    void reportsAnswer()
     {
         QFETCH(QByteArray, answer);
         QFETCH(bool, isTrue);
         QFETCH(QByteArray, data);
         const RawAnswer server(answer);
-        m_collectors->routeTo(server.url());
+        routeEvents(server.url());
         CGoogleAnalytics analytics;
         QCOMPARE(sendSync(analytics), isTrue);
         QCOMPARE(send(Mode::Async), resultOf(data));
     }
 
-    void nobodyThereIsAFailure_data()
+    void failsIfServerIsDown_data()
     {
-        QTest::addColumn<bool>("isProxyThere");
-        QTest::newRow("no service") << true;
+        QTest::addColumn<bool>("hasProxy");
+        QTest::newRow("no server") << true;
         QTest::newRow("no network") << false;
     }
-    void nobodyThereIsAFailure()
+    void failsIfServerIsDown()
     {
-        QFETCH(bool, isProxyThere);
-        if (isProxyThere) {
-            m_collectors->routeTo(deadUrl());
+        QFETCH(bool, hasProxy);
+        if (hasProxy) {
+            routeEvents(closedPortUrl());
         } else {
-            QNetworkProxy::setApplicationProxy(QNetworkProxy(
-                QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), quint16(deadUrl().port())));
+            useProxy(closedPortUrl().port());
         }
         CGoogleAnalytics analytics;
         QVERIFY(!sendSync(analytics));
         QCOMPARE(send(Mode::Async), resultOf(""));
     }
 
-    void nothingIsTriedTwice()
+    void doesNotRepeatRequest()
     {
         const RawAnswer server(rawAnswer("503 Away", page));
-        m_collectors->routeTo(server.url());
+        routeEvents(server.url());
         send(Mode::Sync);
         send(Mode::Async);
-        QTest::qWait(50);
-        QCOMPARE(server.requests().size(), 2);
+        QVERIFY(staysTrueFor(50ms, [&] { return server.requests().size() == 2; }));
     }
 
-    void stoppedRequestIsCancelled()
-    {
-        const SilentServer server;
-        m_collectors->routeTo(server.url());
-        WatchedEvent watched;
-        watched.start();
-        QTRY_COMPARE(server.requests().size(), 1);
-        QElapsedTimer clock;
-        clock.start();
-        QVERIFY(watched.stopAll());
-        QVERIFY(clock.elapsed() < 5000);
-        QTRY_COMPARE(m_collectors->openConnections(), 0);
-        QCOMPARE(watched.outcomes(), QList<Outcome> {cancelled});
-    }
-
-    void stopBeforeTheRequestListensIsLost()
-    {
-        // The machine may hold this thread up until the other one listens, but not each time.
-        QList<Outcome> outcomes;
-        for (int attempt = 0; attempt < 20 && outcomes != QList<Outcome> {resultOf("")}; ++attempt) {
-            WatchedEvent watched;
-            watched.start();
-            Q_EMIT watched.analytics().SignalStopRequest();
-            QVERIFY(watched.waitForAll());
-            outcomes = watched.outcomes();
-        }
-        QCOMPARE(outcomes, QList<Outcome> {resultOf("")});
-    }
-
-    void stopWithNoRequestRunningDoesNothing()
-    {
-        WatchedEvent watched;
-        Q_EMIT watched.analytics().SignalStopRequest();
-        watched.start();
-        QVERIFY(watched.waitForAll());
-        Q_EMIT watched.analytics().SignalStopRequest();
-        QTest::qWait(20);
-        QCOMPARE(watched.outcomes(), QList<Outcome> {resultOf("")});
-    }
-
-    void synchronousRequestCanNotBeStopped()
-    {
-        const RawServer slow([](Connection &client) {
-            if (client.sleep(500))
-                client.write(rawAnswer("200 OK", page));
-        });
-        m_collectors->routeTo(slow.url());
-        CGoogleAnalytics analytics;
-        int stops = 0;
-        QTimer timer;
-        connect(&timer, &QTimer::timeout, this, [&] {
-            ++stops;
-            Q_EMIT analytics.SignalStopRequest();
-        });
-        timer.start(20);
-        QVERIFY(sendSync(analytics));
-        QVERIFY(stops > 1); // which also shows that the caller's events are delivered meanwhile
-    }
-
-    void quittingEndsTheWaitAsIfAllWereWell()
-    {
-        const SilentServer silent;
-        m_collectors->routeTo(silent.url());
-        bool returned = false;
-        QTimer::singleShot(0, this, [&returned] {
-            CGoogleAnalytics analytics;
-            returned = sendSync(analytics);
-        });
-        QTimer::singleShot(100, QCoreApplication::instance(), &QCoreApplication::quit);
-        QElapsedTimer clock;
-        clock.start();
-        QCoreApplication::exec();
-        QVERIFY(clock.elapsed() < 9000); // not by the time limit
-        QVERIFY(returned);
-    }
-
-    void synchronousRequestEmitsNothing()
-    {
-        WatchedEvent watched;
-        QVERIFY(sendSync(watched.analytics()));
-        m_collectors->routeTo(deadUrl());
-        QVERIFY(!sendSync(watched.analytics()));
-        QTest::qWait(10);
-        QVERIFY(watched.outcomes().isEmpty());
-    }
-
-    void backgroundRequestReturnsAtOnceInAThreadOfItsOwn()
-    {
-        const SilentServer server;
-        m_collectors->routeTo(server.url());
-        std::atomic<QThread *> emitter {nullptr};
-        WatchedEvent watched;
-        connect(&watched.analytics(), &CGoogleAnalytics::SignalRequestCancel,
-                [&] { emitter = QThread::currentThread(); });
-        watched.start();
-        QVERIFY(watched.outcomes().isEmpty());
-        QVERIFY(watched.stopAll());
-        QVERIFY(emitter.load() != nullptr);
-        QVERIFY(emitter.load() != QThread::currentThread());
-    }
-
-    void argumentsAreCopied()
+    void copiesArguments()
     {
         WatchedEvent watched;
         for (int i = 0; i < 20; ++i) {
@@ -436,7 +300,7 @@ private Q_SLOTS:
         }
         QVERIFY(watched.waitForAll());
         QStringList clients;
-        const QList<GaCollector::Event> events = m_collectors->ga().events();
+        const QList<GaCollector::Event> events = network().collector().events();
         for (const GaCollector::Event &event : events) {
             QCOMPARE(event.problems, QStringList());
             QCOMPARE(event.request.target, QByteArray("/mp/collect?measurement_id=G-1&api_secret=secret"));
@@ -446,29 +310,17 @@ private Q_SLOTS:
         QCOMPARE(clients.size(), 20);
     }
 
-    void oneStopReachesAllRequestsOfTheObject()
+    void endsThreadAfterOutcome()
     {
-        const SilentServer server;
-        m_collectors->routeTo(server.url());
-        WatchedEvent watched;
-        for (int i = 0; i < 3; ++i)
-            watched.start();
-        QTRY_COMPARE(server.requests().size(), 3);
-        QVERIFY(watched.stopAll());
-        QCOMPARE(watched.outcomes(), QList<Outcome>({cancelled, cancelled, cancelled}));
-    }
-
-    void threadIsGoneAfterTheOutcome()
-    {
-        send(Mode::Async); // Qt starts threads of its own at the first request
-        QTRY_COMPARE(m_collectors->openConnections(), 0);
+        send(Mode::Async); // Qt starts its own threads at the first request
+        QTRY_COMPARE(network().openConnections(), 0);
         const int before = ProcessFigures::threadCount();
         for (int i = 0; i < 10; ++i)
             QCOMPARE(send(Mode::Async), resultOf(""));
         QTRY_VERIFY(ProcessFigures::threadCount() <= before);
     }
 
-    void destructionDropsConnectionsFirst()
+    void disconnectsBeforeDestroyed()
     {
         int calls = 0;
         auto analytics = std::make_unique<CGoogleAnalytics>();
@@ -477,7 +329,7 @@ private Q_SLOTS:
         QCOMPARE(calls, 0);
     }
 
-    void parentOwnsTheObject()
+    void keepsParent()
     {
         QObject parent;
         CGoogleAnalytics child(&parent);
@@ -485,7 +337,7 @@ private Q_SLOTS:
         QCOMPARE(CGoogleAnalytics(nullptr).parent(), nullptr);
     }
 
-    void signalsStandInTheirOrder()
+    void keepsSignalsInOrder()
     {
         QCOMPARE(ownMethods(CGoogleAnalytics::staticMetaObject),
                  QStringList({utf8("signal SignalRequestTimeout()"), utf8("signal SignalRequestCancel()"),
@@ -493,11 +345,11 @@ private Q_SLOTS:
                               utf8("signal SignalRequestResult(QByteArray)")}));
     }
 
-    void endpointIsTheOneField()
+    void hasEndpointAsOnlyField()
     {
         QCOMPARE(sizeof(CGoogleAnalytics), sizeof(QObject) + sizeof(QString));
         const CGoogleAnalytics analytics;
-        QCOMPARE(textFieldsOf(analytics)[0], utf8("https://www.google-analytics.com/mp/collect"));
+        QCOMPARE(stringFieldsOf(analytics)[0], utf8("https://www.google-analytics.com/mp/collect"));
     }
 };
 

@@ -1,22 +1,17 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 
-#include "Collectors.h"
+#include "AnalyticsTest.h"
 
 #include "Files.h"
-#include "MessageCapture.h"
 #include "Utf8.h"
 
 #include <ZyBase/analytics/CGaReportManager.h>
-#include <ZyBase/analytics/SigningSecret.h>
-#include <localservices/StatisticsBackend.h>
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QPointer>
 #include <QTemporaryDir>
 
-using LocalServices::GaCollector;
-using LocalServices::StatisticsBackend;
 using ZyBase::CGaReportManager;
 
 namespace {
@@ -37,7 +32,7 @@ Fields &fieldsOf(CGaReportManager *manager)
 
 } // namespace
 
-class TestReportManager : public QObject
+class TestReportManager : public AnalyticsTest
 {
     Q_OBJECT
 
@@ -67,7 +62,7 @@ private:
     QStringList received()
     {
         QStringList texts;
-        const QList<GaCollector::Event> events = m_collectors->ga().events();
+        const QList<GaCollector::Event> events = network().collector().events();
         for (const GaCollector::Event &event : events) {
             const QJsonObject sent = event.body.value(QStringLiteral("events")).toArray().at(0).toObject();
             const QJsonObject params = sent.value(QStringLiteral("params")).toObject();
@@ -89,15 +84,12 @@ private:
     }
 
     std::unique_ptr<QTemporaryDir> m_directory;
-    std::unique_ptr<Collectors> m_collectors;
-    std::unique_ptr<StatisticsBackend> m_backend;
 
 private Q_SLOTS:
     void init()
     {
+        AnalyticsTest::init();
         m_directory = std::make_unique<QTemporaryDir>();
-        m_collectors = std::make_unique<Collectors>();
-        m_backend = std::make_unique<StatisticsBackend>(szSigningSecret);
         QVERIFY(!CGaReportManager::s_instance);
     }
     void cleanup()
@@ -107,8 +99,7 @@ private Q_SLOTS:
             delete CGaReportManager::s_instance;
             CGaReportManager::s_instance = nullptr;
         }
-        m_backend.reset();
-        m_collectors.reset();
+        AnalyticsTest::cleanup();
     }
 
     void releaseBeforeTheFirstInstanceMakesNone()
@@ -183,7 +174,7 @@ private Q_SLOTS:
             QCOMPARE(received().size(), 1);
         QTRY_COMPARE(runningEvents(), 0);
         QCOMPARE(received(), QStringList {utf8("open_file/file/pdf")});
-        const GaCollector::Event event = m_collectors->ga().events().first();
+        const GaCollector::Event event = network().collector().events().first();
         QCOMPARE(event.problems, QStringList());
         QCOMPARE(event.request.target, QByteArray("/mp/collect?measurement_id=G-1&api_secret=secret"));
         QCOMPARE(event.body.value(QStringLiteral("client_id")).toString(), utf8("client"));
@@ -352,7 +343,7 @@ private Q_SLOTS:
         // The identifiers are set all the same.
         manager()->SendGaReport(utf8("open"), QString(), true);
         QCOMPARE(received().size(), 1);
-        const GaCollector::Event event = m_collectors->ga().events().first();
+        const GaCollector::Event event = network().collector().events().first();
         QCOMPARE(event.request.target, QByteArray("/mp/collect?measurement_id=G-2&api_secret=hidden"));
         QCOMPARE(event.body.value(QStringLiteral("client_id")).toString(), utf8("other"));
         QVERIFY(messages.messages().isEmpty());
@@ -368,7 +359,7 @@ private Q_SLOTS:
         manager()->SendGaReport(utf8("close"), QString(), true);
         manager()->SendGaReport(utf8("open"), QString(), true);
         QCOMPARE(received(), QStringList({utf8("close_file/file/x"), utf8("open_file/file/pdf")}));
-        const QList<GaCollector::Event> events = m_collectors->ga().events();
+        const QList<GaCollector::Event> events = network().collector().events();
         for (const GaCollector::Event &event : events)
             QCOMPARE(event.request.target, QByteArray("/mp/collect?measurement_id=G-2&api_secret=S2"));
     }
@@ -395,13 +386,13 @@ private Q_SLOTS:
 
     void recordCarriesWhatWasSet()
     {
-        manager()->InitXdData(m_backend->url().toString(), utf8("device"), utf8("reader"), utf8("1.2.3"),
-                              utf8("store"));
+        manager()->InitXdData(network().statistics().url().toString(), utf8("device"), utf8("reader"),
+                              utf8("1.2.3"), utf8("store"));
         manager()->SendXdReport(utf8("payment_completed"), utf8("none"));
         QCOMPARE(runningRecords(), 1);
         QTRY_COMPARE(runningRecords(), 0);
-        QCOMPARE(m_backend->records().size(), 1);
-        const StatisticsBackend::Record record = m_backend->records().first();
+        QCOMPARE(network().statistics().records().size(), 1);
+        const Record record = network().statistics().records().first();
         QCOMPARE(record.problems, QStringList());
         QJsonObject body = record.body;
         body.remove(utf8("day"));
@@ -423,7 +414,7 @@ private Q_SLOTS:
     void stopsAreForOneCollectorEach()
     {
         const SilentServer silent;
-        m_collectors->routeTo(silent.url());
+        routeEvents(silent.url());
         loadTwoEvents();
         manager()->InitXdData(silent.url().toString(), {}, {}, {}, {});
         for (int i = 0; i < 3; ++i) {
@@ -444,7 +435,7 @@ private Q_SLOTS:
     void releaseStopsBothAndDeletesNothing()
     {
         const SilentServer silent;
-        m_collectors->routeTo(silent.url());
+        routeEvents(silent.url());
         loadTwoEvents();
         CGaReportManager *const instance = manager();
         instance->InitXdData(silent.url().toString(), {}, {}, {}, {});
@@ -458,7 +449,7 @@ private Q_SLOTS:
 
         QCOMPARE(CGaReportManager::s_instance, instance);
         QVERIFY(!instance->GetGaData(utf8("open")).isEmpty());
-        m_collectors->routeTo(m_collectors->ga().url());
+        routeEvents(network().collector().url());
         instance->SendGaReport(utf8("open"), QString(), false);
         QTRY_COMPARE(runningEvents(), 0);
         QCOMPARE(received(), QStringList {utf8("open_file/file/pdf")});

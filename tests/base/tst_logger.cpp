@@ -12,10 +12,14 @@
 #include <log4qt/ndc.h>
 #include <log4qt/ttcclayout.h>
 
+#include <QDirIterator>
 #include <QPointer>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTextCodec>
+
+#include <sys/mman.h>
 
 using namespace Log4Qt;
 using ZyBase::LoggerObject;
@@ -28,6 +32,34 @@ QString ownAppenderName()
 {
     return QStringLiteral("My Appender");
 }
+
+// The lines that LoggerObject logs. An installed log4qt also logs what it does itself.
+QStringList messagesOf(const CollectingAppender *appender)
+{
+    QStringList lines = appender->lines();
+    if (!OWN_LOG4QT)
+        lines = lines.filter(QRegularExpression(QStringLiteral("^(?!DEBUG (Opened|Closing) file)")));
+    return lines;
+}
+
+// A message at an address that cannot be read.
+class UnreadableMessage
+{
+public:
+    UnreadableMessage()
+        : m_page(mmap(nullptr, size, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0))
+    {
+    }
+    ~UnreadableMessage() { munmap(m_page, size); }
+    bool isValid() const { return m_page != MAP_FAILED; }
+    const char *data() const { return static_cast<const char *>(m_page); }
+
+private:
+    Q_DISABLE_COPY(UnreadableMessage)
+
+    static constexpr size_t size = 4096;
+    void *const m_page;
+};
 
 DailyRollingFileAppender *attachedAppender()
 {
@@ -50,7 +82,7 @@ private:
         return m_directory->filePath(QStringLiteral("log/") + name);
     }
     // The lines without their time stamps, which have a fixed length.
-    QStringList texts(const QString &name = fileName) const
+    QStringList linesWithoutTime(const QString &name = fileName) const
     {
         QStringList lines = readLines(logFile(name));
         for (QString &line : lines)
@@ -63,59 +95,61 @@ private:
 private Q_SLOTS:
     void initTestCase()
     {
-        // Before the first call there is no instance.
+        // Before the first call, there is no instance.
         QVERIFY(LoggerObjectPrivate::s_pLogger == nullptr);
     }
     void init() { m_directory = std::make_unique<QTemporaryDir>(); }
     void cleanup()
     {
         LoggerObject::ReleaseLogger();
-        Logger::rootLogger()->loggerRepository()->shutdown();
+        LoggerRepository *const repository = Logger::rootLogger()->loggerRepository();
+        repository->shutdown();
+        repository->setThreshold(Level(Level::NULL_INT));
         NDC::clear();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
 
-    void firstCallMakesTheInstanceWithTheLogOff()
+    void createsInstanceWithLogOff()
     {
-        LoggerObject::info("nobody hears this");
+        LoggerObject::info("not logged");
         QVERIFY(LoggerObjectPrivate::s_pLogger != nullptr);
         QCOMPARE(LoggerObjectPrivate::getInstance(), LoggerObjectPrivate::s_pLogger);
         QVERIFY(LoggerObjectPrivate::getInstance()->m_pRootLogger == nullptr);
     }
 
-    void newWorkingObjectIsOff()
+    void startsWithLogOff()
     {
         const LoggerObjectPrivate object;
         QVERIFY(object.m_pRootLogger == nullptr);
     }
 
-    void messagesBeforeInitWriteNothing()
+    void writesNothingBeforeInit()
     {
-        const auto host = new CollectingAppender;
-        Logger::rootLogger()->addAppender(AppenderSharedPtr(host));
+        auto *const appender = new CollectingAppender;
+        Logger::rootLogger()->addAppender(AppenderSharedPtr(appender));
         LoggerObject::error("e");
         LoggerObject::warn("w");
         LoggerObject::info("i");
         LoggerObject::debug("d");
-        QCOMPARE(host->lines(), QStringList());
+        QCOMPARE(messagesOf(appender), QStringList());
         QVERIFY(!QFile::exists(m_directory->filePath(QStringLiteral("log"))));
     }
 
-    void fileLiesBelowBaseDirectoryInLog()
+    void createsFileInLogDirectory()
     {
         initLogger();
         QVERIFY(QFile::exists(m_directory->filePath(QStringLiteral("log/app.log"))));
         QCOMPARE(attachedAppender()->file(), m_directory->path() + QStringLiteral("/log/app.log"));
     }
 
-    void pathIsPutTogetherAsGiven()
+    void keepsPathUnchanged()
     {
-        // No separator is cleaned away.
+        // Double separators are kept.
         LoggerObject::InitLogger("sub//x.log", (m_directory->path() + QLatin1Char('/')).toUtf8().constData());
         QCOMPARE(attachedAppender()->file(), m_directory->path() + QStringLiteral("//log/sub//x.log"));
     }
 
-    void fileAndFolderNamesAreUtf8()
+    void decodesPathAsUtf8()
     {
         const QString folder = m_directory->filePath(QStringLiteral("配置"));
         QVERIFY(QDir().mkdir(folder));
@@ -124,19 +158,19 @@ private Q_SLOTS:
         QCOMPARE(readLines(folder + QStringLiteral("/log/журнал.log")).size(), 1);
     }
 
-    void nothingIsWrittenBeforeTheFirstLine()
+    void createsEmptyFile()
     {
         initLogger();
         QCOMPARE(QFileInfo(logFile()).size(), qint64(0));
     }
 
-    void initSwitchesTheLogOnAtTheRootLogger()
+    void usesRootLogger()
     {
         initLogger();
         QCOMPARE(LoggerObjectPrivate::getInstance()->m_pRootLogger, Logger::rootLogger());
     }
 
-    void messageIsOneLineInTheFile_data()
+    void writesMessageAsLine_data()
     {
         QTest::addColumn<bool>("viaFacade");
         QTest::addColumn<QString>("level");
@@ -151,7 +185,7 @@ private Q_SLOTS:
                                           << " INFO   - the message";
         }
     }
-    void messageIsOneLineInTheFile()
+    void writesMessageAsLine()
     {
         QFETCH(bool, viaFacade);
         QFETCH(QString, level);
@@ -165,13 +199,13 @@ private Q_SLOTS:
             viaFacade ? LoggerObject::warn(message) : object->warn(message);
         else
             viaFacade ? LoggerObject::info(message) : object->info(message);
-        // It is in the file when the call returns.
-        QCOMPARE(texts(), QStringList {end});
+        // The line is in the file when the call returns.
+        QCOMPARE(linesWithoutTime(), QStringList {end});
         const QByteArray content = readFile(logFile());
         QVERIFY(content.endsWith(" - the message\n"));
     }
 
-    void lineBeginsWithTheLocalTime()
+    void writesLocalTimeFirst()
     {
         initLogger();
         const QDateTime before = QDateTime::currentDateTime();
@@ -187,19 +221,19 @@ private Q_SLOTS:
         QVERIFY(stamp <= after);
     }
 
-    void debugReachesLog4qtButNotTheFile()
+    void passesDebugToOtherAppendersOnly()
     {
-        const auto host = new CollectingAppender;
-        Logger::rootLogger()->addAppender(AppenderSharedPtr(host));
+        auto *const appender = new CollectingAppender;
+        Logger::rootLogger()->addAppender(AppenderSharedPtr(appender));
         initLogger();
         LoggerObject::debug("fine detail");
         LoggerObject::info("news");
-        QCOMPARE(host->lines(),
+        QCOMPARE(messagesOf(appender),
                  QStringList({QStringLiteral("DEBUG fine detail"), QStringLiteral("INFO news")}));
-        QCOMPARE(texts(), QStringList {QStringLiteral(" INFO   - news")});
+        QCOMPARE(linesWithoutTime(), QStringList {QStringLiteral(" INFO   - news")});
     }
 
-    void diagnosticContextStandsInTheLine()
+    void writesDiagnosticContext()
     {
         initLogger();
         NDC::push(QStringLiteral("outer"));
@@ -209,12 +243,12 @@ private Q_SLOTS:
         LoggerObject::warn("one deep");
         NDC::pop();
         LoggerObject::info("none");
-        QCOMPARE(texts(),
+        QCOMPARE(linesWithoutTime(),
                  QStringList({QStringLiteral(" INFO  inner - two deep"),
                               QStringLiteral(" WARN  outer - one deep"), QStringLiteral(" INFO   - none")}));
     }
 
-    void textIsTakenAsItIs_data()
+    void writesMessageUnchanged_data()
     {
         QTest::addColumn<QByteArray>("message");
         QTest::addColumn<QByteArray>("end");
@@ -222,7 +256,7 @@ private Q_SLOTS:
         QTest::newRow("null pointer") << QByteArray() << QByteArray(" INFO   - \n");
         QTest::newRow("format characters")
             << QByteArray("100 %s %d %n %1 {}") << QByteArray(" INFO   - 100 %s %d %n %1 {}\n");
-        QTest::newRow("blanks at both ends") << QByteArray("  x  ") << QByteArray(" INFO   -   x  \n");
+        QTest::newRow("spaces at both ends") << QByteArray("  x  ") << QByteArray(" INFO   -   x  \n");
         QTest::newRow("several lines") << QByteArray("a\nb\r\nc") << QByteArray(" INFO   - a\nb\r\nc\n");
         QTest::newRow("UTF-8 of two to four bytes")
             << QByteArray("Größe 文件 😀") << QByteArray(" INFO   - Größe 文件 😀\n");
@@ -231,7 +265,7 @@ private Q_SLOTS:
         const QByteArray longText(100000, 'x');
         QTest::newRow("100,000 bytes") << longText << " INFO   - " + longText + "\n";
     }
-    void textIsTakenAsItIs()
+    void writesMessageUnchanged()
     {
         QFETCH(QByteArray, message);
         QFETCH(QByteArray, end);
@@ -240,7 +274,7 @@ private Q_SLOTS:
         QCOMPARE(readFile(logFile()).mid(23), end);
     }
 
-    void existingLogIsContinued()
+    void continuesExistingFile()
     {
         QVERIFY(QDir().mkpath(QFileInfo(logFile()).path()));
         QVERIFY(writeFile(logFile(), "from an earlier run\n"));
@@ -250,30 +284,78 @@ private Q_SLOTS:
         QCOMPARE(readLines(logFile()).first(), QStringLiteral("from an earlier run"));
     }
 
-    void secondInitWithoutReleaseWritesToBothFiles()
+    void writesToBothFilesAfterSecondInit()
     {
         initLogger();
         initLogger(QStringLiteral("second.log"));
         LoggerObject::info("x");
-        QCOMPARE(texts().size(), 1);
-        QCOMPARE(texts(QStringLiteral("second.log")).size(), 1);
+        QCOMPARE(linesWithoutTime().size(), 1);
+        QCOMPARE(linesWithoutTime(QStringLiteral("second.log")).size(), 1);
         const QList<AppenderSharedPtr> appenders = Logger::rootLogger()->appenders();
         QCOMPARE(appenders.size(), 2);
         QCOMPARE(appenders.at(0)->name(), ownAppenderName());
         QCOMPARE(appenders.at(1)->name(), ownAppenderName());
     }
 
-    void secondInitOnTheSameFileWritesEveryLineTwice()
+    void writesLinesTwiceAfterSecondInitOnSameFile()
     {
         initLogger();
         initLogger();
         LoggerObject::info("x");
         LoggerObject::warn("y");
-        QCOMPARE(texts(), QStringList({QStringLiteral(" INFO   - x"), QStringLiteral(" INFO   - x"),
-                                       QStringLiteral(" WARN   - y"), QStringLiteral(" WARN   - y")}));
+        QCOMPARE(linesWithoutTime(),
+                 QStringList({QStringLiteral(" INFO   - x"), QStringLiteral(" INFO   - x"),
+                              QStringLiteral(" WARN   - y"), QStringLiteral(" WARN   - y")}));
     }
 
-    void releaseEndsTheLog()
+    void writesInCodecOfLocale()
+    {
+        QTextCodec *const original = QTextCodec::codecForLocale();
+        QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
+        initLogger();
+        LoggerObject::info("Größe");
+        LoggerObject::ReleaseLogger();
+        QTextCodec::setCodecForLocale(original);
+        QCOMPARE(readFile(logFile()).mid(23), QByteArray(" INFO   - Gr\xf6\xdf"
+                                                         "e\n"));
+    }
+
+    void readsNoMessageWhileOff()
+    {
+        const UnreadableMessage message;
+        QVERIFY(message.isValid());
+        LoggerObject::ReleaseLogger();
+        LoggerObject::error(message.data());
+        LoggerObject::warn(message.data());
+        LoggerObject::info(message.data());
+        LoggerObject::debug(message.data());
+        initLogger();
+        LoggerObject::ReleaseLogger();
+        LoggerObject::info(message.data());
+        QCOMPARE(linesWithoutTime(), QStringList());
+    }
+
+    // The log contains only the lines of the application.
+    void isUsedByNoOtherSource()
+    {
+        const QDir sources(QStringLiteral(ZYBASE_SOURCES));
+        static const QRegularExpression include(QStringLiteral("#include [<\"](log4qt/|.*LoggerObject)"));
+        QDirIterator files(sources.path(), {QStringLiteral("*.cpp"), QStringLiteral("*.h")}, QDir::Files,
+                           QDirIterator::Subdirectories);
+        int checked = 0;
+        while (files.hasNext()) {
+            const QString file = sources.relativeFilePath(files.next());
+            // The umbrella header includes every public header, for applications.
+            if (file.startsWith(QStringLiteral("base/")) || file == QStringLiteral("ZyBase.h"))
+                continue;
+            ++checked;
+            const QString source = QString::fromUtf8(readFile(sources.filePath(file)));
+            QVERIFY2(!include.match(source).hasMatch(), qPrintable(file));
+        }
+        QVERIFY(checked > 20);
+    }
+
+    void writesNothingAfterRelease()
     {
         initLogger();
         LoggerObject::info("x");
@@ -282,11 +364,11 @@ private Q_SLOTS:
         LoggerObject::warn("late");
         LoggerObject::info("late");
         LoggerObject::debug("late");
-        QCOMPARE(texts(), QStringList {QStringLiteral(" INFO   - x")});
+        QCOMPARE(linesWithoutTime(), QStringList {QStringLiteral(" INFO   - x")});
         QVERIFY(LoggerObjectPrivate::getInstance()->m_pRootLogger == nullptr);
     }
 
-    void releaseKeepsTheInstance()
+    void keepsInstanceAfterRelease()
     {
         initLogger();
         const LoggerObjectPrivate *const instance = LoggerObjectPrivate::s_pLogger;
@@ -294,13 +376,13 @@ private Q_SLOTS:
         QCOMPARE(LoggerObjectPrivate::s_pLogger, instance);
     }
 
-    void releaseWhileOffDoesNothing()
+    void ignoresReleaseWhileOff()
     {
         Logger::rootLogger()->addAppender(AppenderSharedPtr(new CollectingAppender));
-        Logger::logger(QStringLiteral("host"))->setLevel(Level(Level::WARN_INT));
+        Logger::logger(QStringLiteral("app"))->setLevel(Level(Level::WARN_INT));
         LoggerObject::ReleaseLogger();
         QCOMPARE(Logger::rootLogger()->appenders().size(), 1);
-        QCOMPARE(Logger::logger(QStringLiteral("host"))->level().toInt(), int(Level::WARN_INT));
+        QCOMPARE(Logger::logger(QStringLiteral("app"))->level().toInt(), int(Level::WARN_INT));
 
         initLogger();
         LoggerObject::ReleaseLogger();
@@ -309,9 +391,9 @@ private Q_SLOTS:
         QCOMPARE(Logger::rootLogger()->appenders().size(), 1);
     }
 
-    void releaseResetsAllOfLog4qt()
+    void resetsLog4qtAtRelease()
     {
-        Logger *const other = Logger::logger(QStringLiteral("host::net"));
+        Logger *const other = Logger::logger(QStringLiteral("app::net"));
         other->setLevel(Level(Level::WARN_INT));
         other->addAppender(AppenderSharedPtr(new CollectingAppender));
         Logger::rootLogger()->addAppender(AppenderSharedPtr(new CollectingAppender));
@@ -322,38 +404,49 @@ private Q_SLOTS:
         QCOMPARE(other->level().toInt(), int(Level::NULL_INT));
     }
 
-    void initAfterReleaseLogsAgain()
+    void keepsThresholdOfRepositoryAtRelease()
     {
         initLogger();
-        LoggerObject::info("first life");
+        LoggerRepository *const repository = Logger::rootLogger()->loggerRepository();
+        repository->setThreshold(Level(Level::WARN_INT));
+        LoggerObject::info("too low");
+        LoggerObject::ReleaseLogger();
+        QCOMPARE(repository->threshold().toInt(), int(Level::WARN_INT));
+        QCOMPARE(linesWithoutTime(), QStringList());
+    }
+
+    void logsAgainAfterSecondInit()
+    {
+        initLogger();
+        LoggerObject::info("first log");
         const QPointer<Appender> first = Logger::rootLogger()->appender(ownAppenderName()).data();
         LoggerObject::ReleaseLogger();
         initLogger();
-        LoggerObject::info("second life");
+        LoggerObject::info("second log");
         QVERIFY(first.data() != attachedAppender());
-        QCOMPARE(texts(), QStringList({QStringLiteral(" INFO   - first life"),
-                                       QStringLiteral(" INFO   - second life")}));
+        QCOMPARE(linesWithoutTime(), QStringList({QStringLiteral(" INFO   - first log"),
+                                                  QStringLiteral(" INFO   - second log")}));
     }
 
-    void hostsOwnAppendersAreLeftAlone()
+    void keepsAppendersOfApplication()
     {
-        const auto host = new CollectingAppender;
-        Logger::rootLogger()->addAppender(AppenderSharedPtr(host));
+        auto *const appender = new CollectingAppender;
+        Logger::rootLogger()->addAppender(AppenderSharedPtr(appender));
         initLogger();
         QCOMPARE(Logger::rootLogger()->appenders().size(), 2);
-        QCOMPARE(Logger::rootLogger()->appenders().first().data(), static_cast<Appender *>(host));
+        QCOMPARE(Logger::rootLogger()->appenders().first().data(), static_cast<Appender *>(appender));
         LoggerObject::info("for both");
-        QCOMPARE(host->lines(), QStringList {QStringLiteral("INFO for both")});
-        QCOMPARE(texts().size(), 1);
+        QCOMPARE(messagesOf(appender), QStringList {QStringLiteral("INFO for both")});
+        QCOMPARE(linesWithoutTime().size(), 1);
     }
 
-    void noOtherAppenderIsAttached()
+    void attachesOneAppender()
     {
         initLogger();
         QCOMPARE(Logger::rootLogger()->appenders().size(), 1);
     }
 
-    void appenderHasItsSettings()
+    void configuresAppender()
     {
         initLogger();
         const DailyRollingFileAppender *const appender = attachedAppender();
@@ -369,7 +462,7 @@ private Q_SLOTS:
         QVERIFY(appender->parent() == nullptr);
     }
 
-    void layoutHasItsSettings()
+    void configuresLayout()
     {
         initLogger();
         const LayoutSharedPtr shared = attachedAppender()->layout();
@@ -383,23 +476,23 @@ private Q_SLOTS:
         QVERIFY(layout->parent() == nullptr);
     }
 
-    void initSetsTheRootLevelToDebug()
+    void setsLevelOfRootToDebug()
     {
         Logger::rootLogger()->setLevel(Level(Level::OFF_INT));
         initLogger();
         QCOMPARE(Logger::rootLogger()->level().toInt(), 96);
     }
 
-    void raisedRootLevelSilencesTheLog()
+    void filtersByLevelOfRoot()
     {
         initLogger();
         Logger::rootLogger()->setLevel(Level(Level::ERROR_INT));
         LoggerObject::warn("too low");
         LoggerObject::error("high enough");
-        QCOMPARE(texts(), QStringList {QStringLiteral(" ERROR  - high enough")});
+        QCOMPARE(linesWithoutTime(), QStringList {QStringLiteral(" ERROR  - high enough")});
     }
 
-    void appenderAndLayoutGoWithTheEventLoop()
+    void deletesAppenderAndLayoutInEventLoop()
     {
         initLogger();
         const QPointer<QObject> appender(attachedAppender());
@@ -407,7 +500,7 @@ private Q_SLOTS:
         const QPointer<QObject> layout(lastHolder.data());
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QVERIFY(appender);
-        // Never at once: log4qt may be in the middle of a call.
+        // It is not deleted at once, because log4qt can be in the middle of a call.
         LoggerObject::ReleaseLogger();
         QVERIFY(appender);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

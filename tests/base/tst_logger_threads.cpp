@@ -26,7 +26,7 @@ class TestLoggerThreads : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void linesOfSixteenThreadsAreWholeAndAllThere()
+    void writesWholeLinesOfSixteenThreads()
     {
         const QTemporaryDir directory;
         LoggerObject::InitLogger("threads.log", directory.path().toUtf8().constData());
@@ -48,7 +48,7 @@ private Q_SLOTS:
         QCOMPARE(lines.size(), threadCount * linesPerThread);
         static const QRegularExpression form(
             QStringLiteral(R"(^\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} INFO   - (\d+):(\d+):(x*)\.$)"));
-        // Of each thread, every line once and in its order.
+        // Every line of a thread exists once, in the order in which it was logged.
         std::vector<int> next(threadCount, 0);
         for (const QString &line : lines) {
             const QRegularExpressionMatch match = form.match(line);
@@ -60,7 +60,7 @@ private Q_SLOTS:
         }
     }
 
-    void killedHostLosesNoLine()
+    void keepsLinesOfKilledProcess()
     {
         const QTemporaryDir directory;
         HostProcess host;

@@ -28,6 +28,9 @@ expect_targets(${WORK_DIR}/bare ZyBase !tour !tst_logger !bench_logger)
 configure(${SOURCE_DIR} ${WORK_DIR}/odd -DZYBASE_LOG4QT=mine)
 expect_failure_with("ZYBASE_LOG4QT is \"mine\": it takes auto, system or own.")
 
+configure(${SOURCE_DIR} ${WORK_DIR}/static -DBUILD_SHARED_LIBS=OFF)
+expect_failure_with("BUILD_SHARED_LIBS is OFF: ZyBase is a shared library only.")
+
 file(WRITE ${WORK_DIR}/host/CMakeLists.txt
     "cmake_minimum_required(VERSION 3.16)\n"
     "project(host LANGUAGES CXX)\n"

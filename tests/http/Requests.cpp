@@ -11,7 +11,7 @@ using ZyBase::CHttpPostRequest;
 
 namespace {
 
-constexpr size_t retiredAtMost = 200;
+constexpr size_t maximumRetiredRequests = 200;
 
 } // namespace
 
@@ -55,11 +55,17 @@ void start(Form form, CHttpPostRequest *request, const QUrl &url, const QString 
         request->StartGetRequestAndStatusCode(url, session);
 }
 
+bool call(Form form, CHttpPostRequest *request, const QUrl &url, QByteArray &result,
+          const QJsonObject &object)
+{
+    return form == Form::PostSync ? request->StartRequestSync(url, object, result)
+                                  : request->StartGetRequestSync(url, result);
+}
+
 bool call(Form form, const QUrl &url, QByteArray &result, const QJsonObject &object)
 {
     CHttpPostRequest request;
-    return form == Form::PostSync ? request.StartRequestSync(url, object, result)
-                                  : request.StartGetRequestSync(url, result);
+    return call(form, &request, url, result, object);
 }
 
 namespace QTest {
@@ -80,58 +86,62 @@ Outcome result(Form form, const QByteArray &data, int status)
     return {QStringLiteral("SignalRequestResult"), data, -1};
 }
 
+bool OutcomeWatcher::waitForAll(int timeoutMs)
+{
+    QTimer::singleShot(timeoutMs, &m_loop, &QEventLoop::quit);
+    if (!hasAllOutcomes())
+        m_loop.exec();
+    return hasAllOutcomes();
+}
+
+bool OutcomeWatcher::stopAll()
+{
+    constexpr int timeoutMs = 30000;
+    return QTest::qWaitFor(
+        [this] {
+            if (!hasAllOutcomes())
+                emitStop();
+            return hasAllOutcomes();
+        },
+        timeoutMs);
+}
+
+void OutcomeWatcher::addOutcome(const Outcome &outcome)
+{
+    m_outcomes << outcome;
+    if (hasAllOutcomes())
+        m_loop.quit();
+}
+
 WatchedRequest::WatchedRequest()
     : m_request(std::make_unique<CHttpPostRequest>())
 {
-    connect(m_request.get(), &CHttpPostRequest::SignalRequestTimeout, this, [this] { add(timedOut); });
-    connect(m_request.get(), &CHttpPostRequest::SignalRequestCancel, this, [this] { add(cancelled); });
+    connect(m_request.get(), &CHttpPostRequest::SignalRequestTimeout, this, [this] { addOutcome(timedOut); });
+    connect(m_request.get(), &CHttpPostRequest::SignalRequestCancel, this, [this] { addOutcome(cancelled); });
     connect(m_request.get(), &CHttpPostRequest::SignalRequestResult, this,
-            [this](const QByteArray &data) { add(result(Form::Get, data, -1)); });
-    connect(m_request.get(), &CHttpPostRequest::SignalRequestResultAndStatusCode, this,
-            [this](const QByteArray &data, int status) { add(result(Form::GetStatus, data, status)); });
+            [this](const QByteArray &data) { addOutcome(result(Form::Get, data, -1)); });
+    connect(
+        m_request.get(), &CHttpPostRequest::SignalRequestResultAndStatusCode, this,
+        [this](const QByteArray &data, int status) { addOutcome(result(Form::GetStatus, data, status)); });
+    checkThreadOf(m_request.get(), &CHttpPostRequest::SignalRequestTimeout);
+    checkThreadOf(m_request.get(), &CHttpPostRequest::SignalRequestCancel);
+    checkThreadOf(m_request.get(), &CHttpPostRequest::SignalRequestResult);
+    checkThreadOf(m_request.get(), &CHttpPostRequest::SignalRequestResultAndStatusCode);
 }
 
 WatchedRequest::~WatchedRequest()
 {
-    if (!areAllOver())
-        stopAll();
+    stopAll();
     static std::deque<std::unique_ptr<CHttpPostRequest>> retired;
     retired.push_back(std::move(m_request));
-    if (retired.size() > retiredAtMost)
+    if (retired.size() > maximumRetiredRequests)
         retired.pop_front();
 }
 
 void WatchedRequest::start(Form form, const QUrl &url, const QString &session, const QJsonObject &object)
 {
-    ++m_started;
+    addRequest();
     ::start(form, m_request.get(), url, session, object);
-}
-
-void WatchedRequest::add(const Outcome &outcome)
-{
-    m_outcomes << outcome;
-    if (areAllOver())
-        m_loop.quit();
-}
-
-bool WatchedRequest::waitForAll(int milliseconds)
-{
-    QTimer::singleShot(milliseconds, &m_loop, &QEventLoop::quit);
-    if (!areAllOver())
-        m_loop.exec();
-    return areAllOver();
-}
-
-bool WatchedRequest::stopAll()
-{
-    return QTest::qWaitFor(
-        [this] {
-            if (areAllOver())
-                return true;
-            Q_EMIT m_request->SignalStopRequest();
-            return false;
-        },
-        30000);
 }
 
 Outcome carryOut(Form form, const QUrl &url, const QString &session, const QJsonObject &object)

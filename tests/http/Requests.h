@@ -8,10 +8,12 @@
 #include <QList>
 #include <QObject>
 #include <QTest>
+#include <QThread>
 
+#include <atomic>
 #include <memory>
 
-/** The five forms of a request. */
+/** The five functions that start a request. */
 enum class Form { PostSync, PostAsync, Get, GetSync, GetStatus };
 Q_DECLARE_METATYPE(Form)
 
@@ -22,14 +24,16 @@ const QList<Form> syncForms {Form::PostSync, Form::GetSync};
 const char *nameOf(Form form);
 bool isSync(Form form);
 
-/** Adds the column "form" and a row for each of the forms. */
+/** Adds the column "form" and a row for each form. */
 void addForms(const QList<Form> &forms);
 
-/** Starts an asynchronous form. */
+/** Calls an asynchronous form. */
 void start(Form form, ZyBase::CHttpPostRequest *request, const QUrl &url, const QString &session = QString(),
            const QJsonObject &object = {});
 
-/** Carries out a synchronous form. */
+/** Calls a synchronous form. */
+bool call(Form form, ZyBase::CHttpPostRequest *request, const QUrl &url, QByteArray &result,
+          const QJsonObject &object = {});
 bool call(Form form, const QUrl &url, QByteArray &result, const QJsonObject &object = {});
 
 /** One outcome signal. */
@@ -37,7 +41,7 @@ struct Outcome
 {
     QString signal;
     QByteArray data;
-    int status = -1; ///< -1 where the signal has none
+    int status = -1; ///< -1 if the signal has none
 
     bool operator==(const Outcome &other) const
     {
@@ -51,45 +55,66 @@ template <> char *toString(const Outcome &outcome);
 const Outcome timedOut {QStringLiteral("SignalRequestTimeout"), {}, -1};
 const Outcome cancelled {QStringLiteral("SignalRequestCancel"), {}, -1};
 
-/** The outcome of a request that is over; status -1 for none. */
+/** The outcome of a request that has a result; status -1 if there is none. */
 Outcome result(Form form, const QByteArray &data, int status);
 
-/** A request object whose outcomes are collected in the thread that made it. */
-class WatchedRequest : public QObject
+/** Collects the outcomes of an object's requests, in the thread that creates it. */
+class OutcomeWatcher : public QObject
+{
+public:
+    QList<Outcome> outcomes() const { return m_outcomes; }
+
+    /** Waits until every request has an outcome. */
+    bool waitForAll(int timeoutMs = 30000);
+
+    /** Emits the stop signal until every request has an outcome: new ones may not be connected yet. */
+    bool stopAll();
+
+    virtual void emitStop() = 0;
+
+    /** Whether each signal so far was emitted in another thread than that of this object. */
+    bool areEmittedInWorkers() const { return *m_areEmittedInWorkers; }
+
+protected:
+    /** Verifies the thread in which @p signal is emitted. */
+    template <class Object, class Signal> void checkThreadOf(const Object *object, Signal signal)
+    {
+        connect(object, signal, [flag = m_areEmittedInWorkers, owner = thread()] {
+            if (QThread::currentThread() == owner)
+                *flag = false;
+        });
+    }
+    void addRequest() { ++m_requestCount; }
+    void addOutcome(const Outcome &outcome);
+    bool hasAllOutcomes() const { return m_outcomes.size() >= m_requestCount; }
+
+private:
+    QEventLoop m_loop;
+    QList<Outcome> m_outcomes;
+    int m_requestCount = 0;
+    std::shared_ptr<std::atomic<bool>> m_areEmittedInWorkers = std::make_shared<std::atomic<bool>>(true);
+};
+
+/** A request object and its outcomes. */
+class WatchedRequest : public OutcomeWatcher
 {
 public:
     WatchedRequest();
 
-    /**
-     * Waits for the outcomes. The request object lives a while longer: a worker may still be on its way
-     * out of the signal.
-     */
+    /** Stops the requests. The request object is deleted later: a thread may still be emitting its signal. */
     ~WatchedRequest() override;
 
     ZyBase::CHttpPostRequest *request() { return m_request.get(); }
     void start(Form form, const QUrl &url, const QString &session = QString(),
                const QJsonObject &object = {});
-    QList<Outcome> outcomes() const { return m_outcomes; }
-
-    /** Waits until every request that was started has had an outcome. */
-    bool waitForAll(int milliseconds = 30000);
-
-    /** Emits the stop signal until every request has had an outcome: a request may not yet listen to it. */
-    bool stopAll();
+    void emitStop() override { Q_EMIT m_request->SignalStopRequest(); }
 
 private:
-    void add(const Outcome &outcome);
-    bool areAllOver() const { return m_outcomes.size() >= m_started; }
-
     std::unique_ptr<ZyBase::CHttpPostRequest> m_request;
-    QEventLoop m_loop;
-    QList<Outcome> m_outcomes;
-    int m_started = 0;
 };
 
 /**
- * Any form by one call: starts it, waits for its outcome, and shows the return value of a synchronous one
- * as the outcome that it means.
+ * Calls any form and returns its outcome. A synchronous form that returns false has the outcome timedOut.
  */
 Outcome carryOut(Form form, const QUrl &url, const QString &session = QString(),
                  const QJsonObject &object = {});

@@ -8,29 +8,45 @@
 #include <log4qt/ttcclayout.h>
 
 #include <QTemporaryDir>
+#include <QTemporaryFile>
 #include <QTest>
 #include <QTextStream>
+
+#include <unistd.h>
 
 using namespace Log4Qt;
 
 namespace {
 
-// Writes the message as it is, with what a file begins and ends with.
+// Writes the message only.
 class PlainLayout : public Layout
 {
 public:
-    explicit PlainLayout(const QString &header = QString(), const QString &footer = QString())
-        : m_header(header)
-        , m_footer(footer)
-    {
-    }
     QString format(const LoggingEvent &event) override { return event.message() + QLatin1Char('\n'); }
-    QString header() const override { return m_header; }
-    QString footer() const override { return m_footer; }
+};
+
+// Redirects the standard error stream to a file until it is destroyed.
+class ErrorStreamCapture
+{
+public:
+    ErrorStreamCapture()
+        : m_original(dup(STDERR_FILENO))
+    {
+        if (m_file.open())
+            dup2(m_file.handle(), STDERR_FILENO);
+    }
+    ~ErrorStreamCapture()
+    {
+        dup2(m_original, STDERR_FILENO);
+        close(m_original);
+    }
+    QStringList lines() const { return readLines(m_file.fileName()); }
 
 private:
-    QString m_header;
-    QString m_footer;
+    Q_DISABLE_COPY(ErrorStreamCapture)
+
+    QTemporaryFile m_file;
+    const int m_original;
 };
 
 LoggingEvent eventOf(const QString &message)
@@ -58,14 +74,14 @@ private Q_SLOTS:
     void init() { m_directory = std::make_unique<QTemporaryDir>(); }
     void cleanup() { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }
 
-    void fileIsEmptiedUnlessItIsToBeContinued_data()
+    void emptiesOrContinuesFile_data()
     {
         QTest::addColumn<bool>("append");
         QTest::addColumn<QByteArray>("content");
         QTest::newRow("emptied") << false << QByteArray("new\n");
         QTest::newRow("continued") << true << QByteArray("old\nnew\n");
     }
-    void fileIsEmptiedUnlessItIsToBeContinued()
+    void emptiesOrContinuesFile()
     {
         QFETCH(bool, append);
         QFETCH(QByteArray, content);
@@ -79,7 +95,7 @@ private Q_SLOTS:
         QCOMPARE(readFile(path()), content);
     }
 
-    void lineIsInTheFileAtOnce()
+    void writesLineAtOnce()
     {
         FileAppender appender;
         QVERIFY(appender.immediateFlush());
@@ -89,7 +105,7 @@ private Q_SLOTS:
         QCOMPARE(readFile(path()), QByteArray("x\n"));
     }
 
-    void linesAreHeldBackOnlyWhereBothSettingsAllowIt_data()
+    void buffersOnlyIfBothSettingsAllow_data()
     {
         QTest::addColumn<bool>("immediate");
         QTest::addColumn<bool>("buffered");
@@ -99,7 +115,7 @@ private Q_SLOTS:
         QTest::newRow("later, unbuffered") << false << false << QByteArray("x\n");
         QTest::newRow("later, buffered") << false << true << QByteArray("");
     }
-    void linesAreHeldBackOnlyWhereBothSettingsAllowIt()
+    void buffersOnlyIfBothSettingsAllow()
     {
         QFETCH(bool, immediate);
         QFETCH(bool, buffered);
@@ -115,7 +131,7 @@ private Q_SLOTS:
         QCOMPARE(readFile(path()), QByteArray("x\n"));
     }
 
-    void flushMaySwitchedOnLater()
+    void flushesBufferedLinesAfterSwitch()
     {
         FileAppender appender;
         prepare(&appender);
@@ -127,7 +143,7 @@ private Q_SLOTS:
         QCOMPARE(readFile(path()), QByteArray("held back\nat once\n"));
     }
 
-    void deletedAppenderLeavesAllInTheFile()
+    void writesBufferedLinesWhenDeleted()
     {
         auto appender = std::make_unique<FileAppender>();
         prepare(appender.get());
@@ -138,7 +154,7 @@ private Q_SLOTS:
         QCOMPARE(readFile(path()), QByteArray("held back\n"));
     }
 
-    void activatingAgainOpensTheOtherFile()
+    void opensOtherFileWhenActivatedAgain()
     {
         FileAppender appender;
         prepare(&appender);
@@ -153,7 +169,7 @@ private Q_SLOTS:
         QCOMPARE(readFile(second), QByteArray("second\n"));
     }
 
-    void closedAppenderWritesNoMore()
+    void writesNothingAfterClose()
     {
         FileAppender appender;
         prepare(&appender);
@@ -163,7 +179,48 @@ private Q_SLOTS:
         QCOMPARE(readFile(path()), QByteArray(""));
     }
 
-    void oneMissingDirectoryIsMadeAndNoMore()
+    void continuesWhenFileCanBeOpenedAgain()
+    {
+        FileAppender appender;
+        prepare(&appender);
+        appender.setName(QStringLiteral("name"));
+        appender.activateOptions();
+        const QString directory = m_directory->filePath(QStringLiteral("missing"));
+        const QString file = directory + QStringLiteral("/log/file.log");
+        appender.setFile(file);
+        const ErrorStreamCapture errors;
+        appender.activateOptions();
+        appender.doAppend(eventOf(QStringLiteral("dropped")));
+        const QString error =
+            QStringLiteral("log4qt: appender 'name' can't open file '%1': No such file or directory")
+                .arg(file);
+        QCOMPARE(errors.lines(), QStringList({error, error}));
+
+        QVERIFY(QDir().mkdir(directory));
+        appender.doAppend(eventOf(QStringLiteral("first")));
+        appender.doAppend(eventOf(QStringLiteral("second")));
+        QCOMPARE(readFile(file), QByteArray("first\nsecond\n"));
+        QCOMPARE(errors.lines().size(), 2);
+    }
+
+    void reportsEventsWithoutDevice()
+    {
+        class DeviceAppender : public WriterAppender
+        {
+        protected:
+            bool flushDevice() override { return true; }
+        };
+        DeviceAppender appender;
+        appender.setName(QStringLiteral("name"));
+        appender.setLayout(LayoutSharedPtr(new PlainLayout));
+        appender.activateOptions();
+        const ErrorStreamCapture errors;
+        appender.doAppend(eventOf(QStringLiteral("dropped")));
+        QCOMPARE(errors.lines(), QStringList {QStringLiteral(
+                                     "log4qt: appender 'name' has no open file: the event is dropped")});
+    }
+
+    void createsOneMissingDirectoryOnly()
     {
         FileAppender appender;
         prepare(&appender);
@@ -179,7 +236,7 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(m_directory->filePath(QStringLiteral("two"))));
     }
 
-    void appenderWithoutLayoutDropsEvents()
+    void dropsEventsWithoutLayout()
     {
         FileAppender appender;
         appender.setFile(path());
@@ -189,10 +246,13 @@ private Q_SLOTS:
         QCOMPARE(readFile(path()), QByteArray(""));
     }
 
-    void headerAndFooterStandAroundTheLines()
+    void writesHeaderAndFooterAsLines()
     {
         FileAppender appender;
-        prepare(&appender, new PlainLayout(QStringLiteral("<log>\n"), QStringLiteral("</log>\n")));
+        auto *const layout = new PlainLayout;
+        layout->setHeader(QStringLiteral("<log>"));
+        layout->setFooter(QStringLiteral("</log>"));
+        prepare(&appender, layout);
         appender.activateOptions();
         appender.doAppend(eventOf(QStringLiteral("x")));
         QCOMPARE(readFile(path()), QByteArray("<log>\nx\n"));
@@ -200,15 +260,15 @@ private Q_SLOTS:
         QCOMPARE(readFile(path()), QByteArray("<log>\nx\n</log>\n"));
     }
 
-    void encodingIsTheCodecsOwn_data()
+    void writesBytesOfCodec_data()
     {
         QTest::addColumn<QByteArray>("codec");
         for (const char *name : {"UTF-8", "UTF-16", "UTF-16BE", "ISO-8859-1", "GB18030", "Shift_JIS"})
             QTest::newRow(name) << QByteArray(name);
-        QTest::newRow("of the locale") << QByteArray();
+        QTest::newRow("codec of the locale") << QByteArray();
     }
-    // The bytes are those of a text stream that is flushed after each line.
-    void encodingIsTheCodecsOwn()
+    // A text stream that is flushed after each line writes the same bytes.
+    void writesBytesOfCodec()
     {
         QFETCH(QByteArray, codec);
         QTextCodec *const encoding = codec.isNull() ? nullptr : QTextCodec::codecForName(codec);
@@ -242,17 +302,21 @@ private Q_SLOTS:
         QCOMPARE(readFile(path()), readFile(expected.fileName()));
     }
 
-    void patternWithoutPeriodsActivatesNothing()
+    void rejectsPatternWithoutPeriod()
     {
         DailyRollingFileAppender appender;
         prepare(&appender);
         appender.setDatePattern(QStringLiteral("'.log'"));
+        appender.setName(QStringLiteral("rolling"));
+        const ErrorStreamCapture errors;
         appender.activateOptions();
         QVERIFY(!appender.isActive());
         QVERIFY(!QFile::exists(path()));
+        QCOMPARE(errors.lines(), QStringList {QStringLiteral(
+                                     "log4qt: appender 'rolling': the date pattern ''.log'' has no period")});
     }
 
-    void rollingAppenderIsDailyByDefault()
+    void returnsDailyPatternByDefault()
     {
         QCOMPARE(DailyRollingFileAppender().datePattern(), QStringLiteral("'.'yyyy-MM-dd"));
     }

@@ -10,11 +10,11 @@
 
 namespace {
 
-// The desktop's own log4qt, which its plug-ins bring into hosts.
+// The log4qt that desktop plug-ins load into applications. Null if it is not installed.
 QString desktopLibrary()
 {
-    for (const char *folder : {"/usr/lib", "/usr/lib/x86_64-linux-gnu", "/usr/lib/aarch64-linux-gnu"}) {
-        const QString path = QLatin1String(folder) + QStringLiteral("/libukui-log4qt.so.1");
+    for (const char *directory : {"/usr/lib", "/usr/lib/x86_64-linux-gnu", "/usr/lib/aarch64-linux-gnu"}) {
+        const QString path = QLatin1String(directory) + QStringLiteral("/libukui-log4qt.so.1");
         if (QFile::exists(path))
             return path;
     }
@@ -23,7 +23,7 @@ QString desktopLibrary()
 
 } // namespace
 
-// Two log4qts in one process, as a host on such a desktop has them.
+// Two libraries with the classes of log4qt in one process, as on such a desktop.
 class TestLog4QtCoexistence : public QObject
 {
     Q_OBJECT
@@ -48,7 +48,7 @@ private Q_SLOTS:
             QSKIP("libukui-log4qt1 is not installed");
     }
 
-    void desktopsLibraryLoadedFirst()
+    void logsIfDesktopLibraryIsLoadedFirst()
     {
         const QTemporaryDir directory;
         HostProcess host;
@@ -60,7 +60,7 @@ private Q_SLOTS:
         QCOMPARE(host.quit(), 0);
     }
 
-    void desktopsLibraryLoadedLater()
+    void logsIfDesktopLibraryIsLoadedLater()
     {
         const QTemporaryDir directory;
         HostProcess host;
@@ -72,7 +72,7 @@ private Q_SLOTS:
         QCOMPARE(host.quit(), 0);
     }
 
-    void bothLogInOneProcess()
+    void logsBesideDesktopLogger()
     {
         const QTemporaryDir directory;
         HostProcess host;
@@ -81,7 +81,7 @@ private Q_SLOTS:
         QVERIFY(
             host.call(QStringLiteral("log.init"), {QStringLiteral("app.log"), directory.path()}).toBool());
         QCOMPARE(host.call(QStringLiteral("process.loadLibrary"), {desktopLibrary()}), QJsonValue(true));
-        // Its root logger is another object than ours, and takes a message.
+        // Its root logger is a different object from ours and accepts a message.
         QCOMPARE(
             host.call(QStringLiteral("log.warnOnForeignRoot"), {desktopLibrary(), QStringLiteral("theirs")}),
             QJsonValue(true));
@@ -92,7 +92,7 @@ private Q_SLOTS:
         QCOMPARE(host.quit(), 0);
     }
 
-    void noNameIsSharedWithAPlainLog4qt()
+    void exportsNoSymbolOfPlainLog4qt()
     {
         QProcess nm;
         nm.start(QStringLiteral("nm"), {QStringLiteral("-D"), QStringLiteral("--defined-only"),

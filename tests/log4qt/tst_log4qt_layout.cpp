@@ -11,6 +11,8 @@
 #include <QTest>
 #include <QThread>
 
+#include <atomic>
+#include <limits>
 #include <thread>
 #include <vector>
 
@@ -43,7 +45,7 @@ private Q_SLOTS:
     void init() { setZone("UTC0"); }
     void cleanup() { NDC::clear(); }
 
-    void fieldsStandInTheirOrder_data()
+    void printsFieldsInOrder_data()
     {
         QTest::addColumn<bool>("thread");
         QTest::addColumn<bool>("category");
@@ -55,7 +57,7 @@ private Q_SLOTS:
         QTest::newRow("no context") << true << true << false << " [main] INFO  app::net - hello\n";
         QTest::newRow("none") << false << false << false << " INFO  - hello\n";
     }
-    void fieldsStandInTheirOrder()
+    void printsFieldsInOrder()
     {
         QFETCH(bool, thread);
         QFETCH(bool, category);
@@ -71,7 +73,7 @@ private Q_SLOTS:
         QCOMPARE(layout.format(eventOf()), line);
     }
 
-    void levelIsPaddedToFive_data()
+    void padsLevelToFiveCharacters_data()
     {
         QTest::addColumn<int>("level");
         QTest::addColumn<QString>("line");
@@ -79,7 +81,7 @@ private Q_SLOTS:
         QTest::newRow("error") << int(Level::ERROR_INT) << " ERROR  - x\n";
         QTest::newRow("off") << int(Level::OFF_INT) << " OFF    - x\n";
     }
-    void levelIsPaddedToFive()
+    void padsLevelToFiveCharacters()
     {
         QFETCH(int, level);
         QFETCH(QString, line);
@@ -92,7 +94,7 @@ private Q_SLOTS:
                  line);
     }
 
-    void emptyContextAndMessageLeaveTheirBlanks()
+    void keepsSpacesOfEmptyFields()
     {
         TTCCLayout layout;
         layout.setDateFormat(TTCCLayout::ISO8601);
@@ -102,7 +104,7 @@ private Q_SLOTS:
                  QStringLiteral("2026-11-20 07:37:57.106 INFO   - \n"));
     }
 
-    void dateFormatsAreKnownByWordAndNumber_data()
+    void acceptsDateFormatByNameAndNumber_data()
     {
         QTest::addColumn<int>("number");
         QTest::addColumn<QString>("word");
@@ -114,9 +116,9 @@ private Q_SLOTS:
         QTest::newRow("ABSOLUTE") << int(TTCCLayout::ABSOLUTE) << "ABSOLUTE"
                                   << "07:37:57.106";
         QTest::newRow("DATE") << int(TTCCLayout::DATE) << "DATE"
-                              << "20 Nov 2026 07:37:57.106";
+                              << "20 11 2026 07:37:57.106";
     }
-    void dateFormatsAreKnownByWordAndNumber()
+    void acceptsDateFormatByNameAndNumber()
     {
         QFETCH(int, number);
         QFETCH(QString, word);
@@ -130,7 +132,7 @@ private Q_SLOTS:
         QVERIFY2(byNumber.startsWith(time + QStringLiteral(" [")), qPrintable(byNumber));
     }
 
-    void relativeTimeCountsFromTheStart()
+    void printsTimeSinceStart()
     {
         TTCCLayout layout;
         QCOMPARE(layout.dateFormat(), QStringLiteral("RELATIVE"));
@@ -141,7 +143,49 @@ private Q_SLOTS:
         QVERIFY(layout.format(eventOf(LoggingEvent::startTime())).startsWith(QStringLiteral("0 [")));
     }
 
-    void otherDateFormatsArePatterns_data()
+    void limitsRelativeTimeToItsType()
+    {
+        using Limits = std::numeric_limits<qint64>;
+        TTCCLayout layout;
+        for (const qint64 time :
+             {Limits::min(), Limits::min() + 1, LoggingEvent::startTime() + Limits::min()}) {
+            QVERIFY(layout.format(eventOf(time)).startsWith(QStringLiteral("-9223372036854775808 [")));
+        }
+        const QString latest = QString::number(Limits::max() - LoggingEvent::startTime());
+        QVERIFY(layout.format(eventOf(Limits::max())).startsWith(latest + QStringLiteral(" [")));
+    }
+
+    void printsIso8601ForEmptyFormat()
+    {
+        TTCCLayout layout;
+        layout.setDateFormat(QString());
+        QVERIFY(layout.format(eventOf()).startsWith(QStringLiteral("2026-11-20 07:37:57.106 [")));
+    }
+
+    void printsTimesBefore1970_data()
+    {
+        QTest::addColumn<qint64>("time");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("one millisecond before") << qint64(-1) << "1969-12-31 23:59:59.999";
+        QTest::newRow("one second before") << qint64(-1000) << "1969-12-31 23:59:59.000";
+        QTest::newRow("1.5 seconds before") << qint64(-1500) << "1969-12-31 23:59:58.500";
+        QTest::newRow("1900") << qint64(-2208988800000) + 7 << "1900-01-01 00:00:00.007";
+    }
+    void printsTimesBefore1970()
+    {
+        QFETCH(qint64, time);
+        QFETCH(QString, expected);
+        TTCCLayout layout;
+        layout.setDateFormat(TTCCLayout::ISO8601);
+        // The first event of a layout, and events in the seconds around it.
+        for (const qint64 other : {time, time + 1000, time, qint64(0), time}) {
+            const QString line = layout.format(eventOf(other));
+            if (other == time)
+                QVERIFY2(line.startsWith(expected + QStringLiteral(" [")), qPrintable(line));
+        }
+    }
+
+    void printsPatternAsQt_data()
     {
         QTest::addColumn<QString>("pattern");
         QTest::newRow("no milliseconds") << "yyyy/MM/dd hh:mm";
@@ -149,12 +193,12 @@ private Q_SLOTS:
         QTest::newRow("milliseconds alone") << "zzz";
         QTest::newRow("milliseconds without leading zeros") << "ss.z";
         QTest::newRow("milliseconds twice") << "zzz ss.zzz";
-        QTest::newRow("quoted letters") << "hh 'zzz'";
+        QTest::newRow("quoted characters") << "hh 'zzz'";
         QTest::newRow("unfinished quote") << "hh 'zzz";
         QTest::newRow("half of the day") << "hh:mm AP ss.zzz";
         QTest::newRow("zone") << "hh:mm:ss t";
     }
-    void otherDateFormatsArePatterns()
+    void printsPatternAsQt()
     {
         QFETCH(QString, pattern);
         TTCCLayout layout;
@@ -167,8 +211,9 @@ private Q_SLOTS:
         }
     }
 
-    // One question to the C library a second has to give what one for each line would.
-    void timeIsThatOfQtAtAnyMomentInAnyZone_data()
+    // The layout converts once per second; every line must have the time that a conversion of its own
+    // returns.
+    void printsLocalTimeAsQt_data()
     {
         QTest::addColumn<QByteArray>("zone");
         QTest::newRow("UTC") << QByteArray("UTC0");
@@ -177,7 +222,7 @@ private Q_SLOTS:
         QTest::newRow("half hours") << QByteArray("IST-5:30");
         QTest::newRow("west") << QByteArray("PST8PDT,M3.2.0,M11.1.0");
     }
-    void timeIsThatOfQtAtAnyMomentInAnyZone()
+    void printsLocalTimeAsQt()
     {
         QFETCH(QByteArray, zone);
         setZone(zone);
@@ -187,7 +232,7 @@ private Q_SLOTS:
         constexpr qint64 years = qint64(20) * 366 * 24 * 3600 * 1000;
         for (int i = 0; i < 2000; ++i) {
             const qint64 start = moment + qint64(random.bounded(double(years))) - years / 2;
-            // Forth and back over the end of a second.
+            // Forwards and backwards over the end of a second.
             for (const qint64 time : {start, start + 1, start + 999, start}) {
                 const QString expected =
                     QDateTime::fromMSecsSinceEpoch(time).toString(QStringLiteral("yyyy-MM-dd hh:mm:ss.zzz"));
@@ -196,7 +241,7 @@ private Q_SLOTS:
         }
     }
 
-    void timeIsRightOverEveryChangeOfTheOffset()
+    void printsLocalTimeAtOffsetChanges()
     {
         setZone("CET-1CEST,M3.5.0,M10.5.0/3");
         TTCCLayout layout;
@@ -209,7 +254,7 @@ private Q_SLOTS:
         QVERIFY(layout.format(eventOf(toSummer)).startsWith(QStringLiteral("2026-03-29 03:00:00.000 ")));
     }
 
-    void changeOfTzHoldsAtOnce()
+    void printsNewZoneAfterChangeOfTz()
     {
         TTCCLayout layout;
         layout.setDateFormat(TTCCLayout::ABSOLUTE);
@@ -220,7 +265,7 @@ private Q_SLOTS:
         QVERIFY(layout.format(eventOf()).startsWith(QStringLiteral("07:37:57.106 ")));
     }
 
-    void oneLayoutServesManyThreads()
+    void formatsOnSeveralThreads()
     {
         TTCCLayout layout;
         layout.setDateFormat(TTCCLayout::ISO8601);
@@ -241,7 +286,7 @@ private Q_SLOTS:
         QCOMPARE(wrong.load(), 0);
     }
 
-    void headerAndFooterAreEmpty()
+    void returnsEmptyHeaderAndFooter()
     {
         const TTCCLayout layout;
         QVERIFY(layout.header().isEmpty());

@@ -18,7 +18,7 @@ using namespace Log4Qt;
 
 namespace {
 
-// An appender whose work logs again, as one that uses a library which logs.
+// Logs while it appends, as an appender does that uses a library that logs.
 class LoggingAppender : public CollectingAppender
 {
 protected:
@@ -60,12 +60,14 @@ class TestLog4QtLoggers : public QObject
 private Q_SLOTS:
     void cleanup()
     {
-        Logger::rootLogger()->loggerRepository()->shutdown();
+        LoggerRepository *const repository = Logger::rootLogger()->loggerRepository();
+        repository->shutdown();
+        repository->setThreshold(Level(Level::NULL_INT));
         NDC::clear();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
 
-    void levelsHaveTheirNumbersAndWords_data()
+    void returnsNumberAndNameOfLevel_data()
     {
         QTest::addColumn<int>("value");
         QTest::addColumn<QString>("word");
@@ -79,7 +81,7 @@ private Q_SLOTS:
         QTest::newRow("fatal") << 214 << "FATAL";
         QTest::newRow("off") << 255 << "OFF";
     }
-    void levelsHaveTheirNumbersAndWords()
+    void returnsNumberAndNameOfLevel()
     {
         QFETCH(int, value);
         QFETCH(QString, word);
@@ -88,7 +90,7 @@ private Q_SLOTS:
         QCOMPARE(level.toString(), word);
     }
 
-    void levelsAreOrdered()
+    void ordersLevels()
     {
         const Level info(Level::INFO_INT);
         const Level warn(Level::WARN_INT);
@@ -98,7 +100,7 @@ private Q_SLOTS:
         QVERIFY(Level() == Level(Level::NULL_INT));
     }
 
-    void rootIsThereFromTheStart()
+    void returnsRootLogger()
     {
         Logger *const root = Logger::rootLogger();
         QCOMPARE(root->name(), QStringLiteral("root"));
@@ -109,15 +111,15 @@ private Q_SLOTS:
         QCOMPARE(Logger::logger(QString()), root);
     }
 
-    void loggerOfANameIsAlwaysTheSame()
+    void returnsSameLoggerForName()
     {
         QCOMPARE(Logger::logger(QStringLiteral("a::b")), Logger::logger(QStringLiteral("a::b")));
         QVERIFY(Logger::logger(QStringLiteral("a::b")) != Logger::logger(QStringLiteral("a::c")));
         QVERIFY(Logger::rootLogger()->loggerRepository()->exists(QStringLiteral("a::b")));
-        QVERIFY(!Logger::rootLogger()->loggerRepository()->exists(QStringLiteral("never asked for")));
+        QVERIFY(!Logger::rootLogger()->loggerRepository()->exists(QStringLiteral("never created")));
     }
 
-    void loggersFormATreeByTheirNames()
+    void derivesParentFromName()
     {
         Logger *const leaf = Logger::logger(QStringLiteral("tree::branch::leaf"));
         Logger *const branch = Logger::logger(QStringLiteral("tree::branch"));
@@ -126,7 +128,24 @@ private Q_SLOTS:
         QCOMPARE(branch->parentLogger()->parentLogger(), Logger::rootLogger());
     }
 
-    void levelIsInherited()
+    void acceptsDotsInNames()
+    {
+        Logger *const leaf = Logger::logger(QStringLiteral("dotted.branch.leaf"));
+        QCOMPARE(leaf->name(), QStringLiteral("dotted::branch::leaf"));
+        QCOMPARE(leaf, Logger::logger(QStringLiteral("dotted::branch::leaf")));
+        QCOMPARE(leaf->parentLogger(), Logger::logger(QStringLiteral("dotted.branch")));
+    }
+
+    void listsRootLogger()
+    {
+        LoggerRepository *const repository = Logger::rootLogger()->loggerRepository();
+        Logger *const logger = Logger::logger(QStringLiteral("listed"));
+        QVERIFY(repository->exists(QString()));
+        QCOMPARE(repository->loggers().count(Logger::rootLogger()), 1);
+        QCOMPARE(repository->loggers().count(logger), 1);
+    }
+
+    void inheritsLevel()
     {
         Logger *const leaf = Logger::logger(QStringLiteral("level::leaf"));
         QCOMPARE(leaf->level().toInt(), int(Level::NULL_INT));
@@ -137,13 +156,13 @@ private Q_SLOTS:
         QCOMPARE(leaf->effectiveLevel().toInt(), int(Level::TRACE_INT));
     }
 
-    void rootHasAlwaysALevel()
+    void keepsLevelOfRoot()
     {
         Logger::rootLogger()->setLevel(Level(Level::NULL_INT));
         QCOMPARE(Logger::rootLogger()->level().toInt(), int(Level::DEBUG_INT));
     }
 
-    void everyFunctionHasItsLevel()
+    void logsAtLevelOfFunction()
     {
         Logger *const root = Logger::rootLogger();
         root->setLevel(Level(Level::ALL_INT));
@@ -161,7 +180,7 @@ private Q_SLOTS:
                               QStringLiteral("WARN x")}));
     }
 
-    void eventPassesAtTheLoggersLevelAndAbove()
+    void filtersByLevelOfLogger()
     {
         Logger *const root = Logger::rootLogger();
         root->setLevel(Level(Level::WARN_INT));
@@ -174,7 +193,7 @@ private Q_SLOTS:
         QVERIFY(root->isEnabledFor(Level(Level::WARN_INT)));
     }
 
-    void eventPassesAtTheRepositorysThresholdAndAbove()
+    void filtersByThresholdOfRepository()
     {
         Logger *const root = Logger::rootLogger();
         const CollectingAppender *const appender = attach(root, new CollectingAppender);
@@ -186,19 +205,19 @@ private Q_SLOTS:
         QVERIFY(!root->isEnabledFor(Level(Level::INFO_INT)));
     }
 
-    void eventPassesAtTheAppendersThresholdAndAbove()
+    void filtersByThresholdOfAppender()
     {
         Logger *const root = Logger::rootLogger();
-        CollectingAppender *const choosy = attach(root, new CollectingAppender);
-        choosy->setThreshold(Level(Level::WARN_INT));
-        const CollectingAppender *const open = attach(root, new CollectingAppender);
+        CollectingAppender *const limited = attach(root, new CollectingAppender);
+        limited->setThreshold(Level(Level::WARN_INT));
+        const CollectingAppender *const unlimited = attach(root, new CollectingAppender);
         root->info(text());
         root->warn(text());
-        QCOMPARE(choosy->lines(), QStringList {QStringLiteral("WARN x")});
-        QCOMPARE(open->lines().size(), 2);
+        QCOMPARE(limited->lines(), QStringList {QStringLiteral("WARN x")});
+        QCOMPARE(unlimited->lines().size(), 2);
     }
 
-    void eventClimbsToTheRoot()
+    void passesEventToParents()
     {
         Logger *const leaf = Logger::logger(QStringLiteral("climb::leaf"));
         QStringList order;
@@ -227,7 +246,7 @@ private Q_SLOTS:
                                      QStringLiteral("parent"), QStringLiteral("root")}));
     }
 
-    void loggerWithoutAdditivityKeepsItsEvents()
+    void keepsEventsWithoutAdditivity()
     {
         Logger *const leaf = Logger::logger(QStringLiteral("alone"));
         leaf->setAdditivity(false);
@@ -238,7 +257,7 @@ private Q_SLOTS:
         QCOMPARE(atRoot->lines().size(), 0);
     }
 
-    void nullAndSameAppenderAreNotAttached()
+    void ignoresNullAndAttachedAppender()
     {
         Logger *const root = Logger::rootLogger();
         root->addAppender(AppenderSharedPtr());
@@ -251,7 +270,7 @@ private Q_SLOTS:
         QVERIFY(!root->isAttached(AppenderSharedPtr()));
     }
 
-    void appendersOfOneNameBothStay()
+    void keepsTwoAppendersWithOneName()
     {
         Logger *const root = Logger::rootLogger();
         const QString name = QStringLiteral("same");
@@ -265,7 +284,7 @@ private Q_SLOTS:
         QVERIFY(root->appender(name).isNull());
     }
 
-    void removedAppenderGoesWithTheEventLoop()
+    void deletesRemovedAppenderInEventLoop()
     {
         Logger *const root = Logger::rootLogger();
         const QPointer<CollectingAppender> appender = attach(root, new CollectingAppender);
@@ -276,7 +295,7 @@ private Q_SLOTS:
         QVERIFY(!appender);
     }
 
-    void sharedPointerOfTheHostKeepsItsOwnDeleter()
+    void keepsDeleterOfSharedPointer()
     {
         int deleted = 0;
         {
@@ -291,7 +310,16 @@ private Q_SLOTS:
         QCOMPARE(deleted, 1);
     }
 
-    void eventRaisedWhileAppendingIsDroppedThere()
+    void sharesObjectOfWeakPointer()
+    {
+        QSharedPointer<Appender> shared(new CollectingAppender);
+        const QWeakPointer<Appender> weak(shared);
+        QCOMPARE(AppenderSharedPtr(weak).data(), shared.data());
+        shared.reset();
+        QVERIFY(AppenderSharedPtr(weak).isNull());
+    }
+
+    void dropsEventRaisedWhileAppending()
     {
         Logger *const root = Logger::rootLogger();
         const CollectingAppender *const logging = attach(root, new LoggingAppender);
@@ -302,19 +330,19 @@ private Q_SLOTS:
                  QStringList({QStringLiteral("INFO raised while appending"), QStringLiteral("INFO x")}));
     }
 
-    void appenderMayRemoveAppendersWhileItIsCalled()
+    void allowsRemovalWhileAppending()
     {
         Logger *const root = Logger::rootLogger();
         const CollectingAppender *const removing = attach(root, new RemovingAppender);
-        const CollectingAppender *const behind = attach(root, new CollectingAppender);
+        const CollectingAppender *const second = attach(root, new CollectingAppender);
         root->info(text());
         QCOMPARE(removing->lines().size(), 1);
-        QCOMPARE(behind->lines().size(), 1);
+        QCOMPARE(second->lines().size(), 1);
         root->info(text());
-        QCOMPARE(behind->lines().size(), 1);
+        QCOMPARE(second->lines().size(), 1);
     }
 
-    void closedAppenderTakesNoEvent()
+    void dropsEventsAfterClose()
     {
         Logger *const root = Logger::rootLogger();
         CollectingAppender *const appender = attach(root, new CollectingAppender);
@@ -330,7 +358,7 @@ private Q_SLOTS:
         QCOMPARE(appender->lines().size(), 1);
     }
 
-    void shutdownTakesAllBackToTheStart()
+    void resetsLoggersAtShutdown()
     {
         Logger *const root = Logger::rootLogger();
         Logger *const leaf = Logger::logger(QStringLiteral("shutdown::leaf"));
@@ -339,7 +367,6 @@ private Q_SLOTS:
             logger->setLevel(Level(Level::OFF_INT));
             logger->setAdditivity(false);
         }
-        root->loggerRepository()->setThreshold(Level(Level::OFF_INT));
         root->loggerRepository()->shutdown();
         for (const Logger *logger : {root, leaf}) {
             QCOMPARE(logger->appenders().size(), 0);
@@ -351,7 +378,16 @@ private Q_SLOTS:
         QCOMPARE(Logger::logger(QStringLiteral("shutdown::leaf")), leaf);
     }
 
-    void diagnosticContextIsAStackOfEachThread()
+    void keepsThresholdAtShutdown()
+    {
+        LoggerRepository *const repository = Logger::rootLogger()->loggerRepository();
+        repository->setThreshold(Level(Level::WARN_INT));
+        repository->shutdown();
+        QCOMPARE(repository->threshold().toInt(), int(Level::WARN_INT));
+        QVERIFY(!Logger::rootLogger()->isEnabledFor(Level(Level::INFO_INT)));
+    }
+
+    void keepsDiagnosticContextPerThread()
     {
         QCOMPARE(NDC::depth(), 0);
         QCOMPARE(NDC::peek(), QString());
@@ -373,7 +409,7 @@ private Q_SLOTS:
         QCOMPARE(NDC::depth(), 0);
     }
 
-    void eventCarriesWhatWasTrueWhenItWasRaised()
+    void keepsStateOfEventWhenRaised()
     {
         NDC::push(QStringLiteral("context"));
         Logger *const logger = Logger::logger(QStringLiteral("event"));
@@ -385,12 +421,13 @@ private Q_SLOTS:
         QCOMPARE(event.level().toInt(), int(Level::WARN_INT));
         QCOMPARE(event.message(), text());
         QCOMPARE(event.loggername(), QStringLiteral("event"));
+        QCOMPARE(event.loggename(), QStringLiteral("event"));
         QVERIFY(before <= event.timeStamp() && event.timeStamp() <= after);
         QVERIFY(LoggingEvent::startTime() <= before);
         QCOMPARE(LoggingEvent(nullptr, Level(), text()).loggername(), QString());
     }
 
-    void threadIsNamedByItsObjectNameOrItsAddress()
+    void returnsNameOrAddressOfThread()
     {
         const QString address =
             QStringLiteral("0x%1").arg(quintptr(QThread::currentThread()), 16, 16, QLatin1Char('0'));
@@ -400,7 +437,7 @@ private Q_SLOTS:
         QThread::currentThread()->setObjectName(QString());
     }
 
-    void loggersMayBeAskedForAndChangedWhileOthersLog()
+    void allowsChangesWhileThreadsLog()
     {
         attach(Logger::rootLogger(), new CollectingAppender);
         std::atomic<bool> done {false};

@@ -5,7 +5,7 @@
 #include <QString>
 #include <QTest>
 
-/** The four results of a geolocation, and what was in them before. */
+/** The four results of a geolocation, with their values before the call. */
 struct Location
 {
     QString country = QStringLiteral("country before");
@@ -19,10 +19,10 @@ struct Location
                && longitude == other.longitude;
     }
 
-    /** Has @p ask fill it; @return what that returned */
-    bool fill(bool (*ask)(QString &, QString &, double &, double &))
+    /** Calls @p query with the four members and returns its result. */
+    bool fill(bool (*query)(QString &, QString &, double &, double &))
     {
-        return ask(country, text, latitude, longitude);
+        return query(country, text, latitude, longitude);
     }
 };
 Q_DECLARE_METATYPE(Location)

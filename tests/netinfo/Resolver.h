@@ -6,18 +6,19 @@
 #include <QList>
 
 /**
- * The name lookup of this process, as its own function stands before the system's. It knows every name
- * until it is told otherwise, and records what it is asked.
+ * Replaces getaddrinfo() in this process. Every name resolves until answerWith() says otherwise, and all
+ * names are recorded.
  */
 namespace Resolver {
 
-/** @p code is one of getaddrinfo(), 0 for a name that is known. */
+/** Makes lookups return @p code, an error of getaddrinfo() or 0 for success. */
 void answerWith(int code);
 
-/** From now on lookups wait until release(). */
+/** Makes lookups block until release(). */
 void hold();
 void release();
 
+/** The names of all lookups so far. */
 QList<QByteArray> asked();
 
 } // namespace Resolver

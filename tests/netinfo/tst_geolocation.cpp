@@ -4,8 +4,7 @@
 #include <ZyBase/netinfo/Services.h>
 
 #include "Location.h"
-#include "MessageCapture.h"
-#include "World.h"
+#include "NetInfoTest.h"
 
 #include <QTest>
 #include <QTimer>
@@ -13,14 +12,12 @@
 #include <thread>
 #include <vector>
 
-using LocalServices::Connection;
-using LocalServices::RawServer;
 using ZyBase::CNetworkUtils;
 
 namespace {
 
-const char *const service = ZyBase::Services::pszGeolocationHost;
-const char *const pageService = ZyBase::Services::pszGeolocationPageHost;
+const char *const service = ZyBase::pszGeolocationHost;
+const char *const pageService = ZyBase::pszGeolocationPageHost;
 
 const QByteArray berlin =
     "{\"status\":\"success\",\"country\":\"Germany\",\"countryCode\":\"DE\",\"region\":\"BE\","
@@ -51,51 +48,38 @@ QString pageLine()
     return QStringLiteral("CONNECT %1:443 HTTP/1.1").arg(QLatin1String(pageService));
 }
 
-void addUselessAnswers()
-{
-    QTest::addColumn<QByteArray>("body");
-    QTest::newRow("empty") << QByteArray();
-    QTest::newRow("no JSON") << QByteArray("<html>busy</html>");
-    QTest::newRow("cut") << berlin.chopped(1);
-    QTest::newRow("behind the end") << berlin + 'x';
-    QTest::newRow("NUL byte") << berlin + '\0';
-    QTest::newRow("empty object") << QByteArray("{}");
-    QTest::newRow("array") << '[' + berlin + ']';
-    QTest::newRow("text") << QByteArray("\"success\"");
-    QTest::newRow("another status") << refusal;
-    QTest::newRow("no status") << QByteArray("{\"country\":\"Germany\"}");
-    QTest::newRow("status in capitals") << QByteArray(berlin).replace("success", "Success");
-    QTest::newRow("status with a blank") << QByteArray(berlin).replace("success", "success ");
-    QTest::newRow("key of the status in another case") << QByteArray(berlin).replace("status", "Status");
-    QTest::newRow("status is no text") << QByteArray(berlin).replace("\"success\"", "true");
-}
-
 } // namespace
 
-// The JSON source, and which of the two sources is asked.
-class TestGeolocation : public QObject
+// GetIPInfoAPI(), and which of the two sources GetIPInfo() queries.
+class TestGeolocation : public NetInfoTest
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<World> m_world;
+    static void addUnusableLocations()
+    {
+        addUnusableAnswers(berlin);
+        QTest::newRow("another status") << refusal;
+        QTest::newRow("no status") << QByteArray("{\"country\":\"Germany\"}");
+        QTest::newRow("status in another case") << QByteArray(berlin).replace("success", "Success");
+        QTest::newRow("status with a space") << QByteArray(berlin).replace("success", "success ");
+        QTest::newRow("key of the status in another case") << QByteArray(berlin).replace("status", "Status");
+        QTest::newRow("status is not a string") << QByteArray(berlin).replace("\"success\"", "true");
+    }
 
 private Q_SLOTS:
-    void init() { m_world = std::make_unique<World>(); }
-    void cleanup() { m_world.reset(); }
-
-    void emptyObjectIsPostedInPlainHttp()
+    void postsEmptyObjectOverHttp()
     {
-        m_world->answer(service, berlin);
+        answer(service, berlin);
         Location location;
         QVERIFY(location.fill(GetIPInfoAPI));
         QCOMPARE(location, inBerlin());
-        QCOMPARE(m_world->asked(), QStringList {postLine()});
-        QVERIFY(m_world->requests(service).first().startsWith("POST /json HTTP/1.1\r\n"));
-        QVERIFY(m_world->requests(service).first().endsWith("\r\n\r\n{}"));
+        QCOMPARE(network().requestLines(), QStringList {postLine()});
+        QVERIFY(network().requests(service).first().startsWith("POST /json HTTP/1.1\r\n"));
+        QVERIFY(network().requests(service).first().endsWith("\r\n\r\n{}"));
     }
 
-    void keysThatAreLackingAreEmptyPlaces_data()
+    void leavesPlacesOfMissingKeysEmpty_data()
     {
         QTest::addColumn<QByteArray>("body");
         QTest::addColumn<Location>("expected");
@@ -104,7 +88,7 @@ private Q_SLOTS:
                                      << Location {QString(), QStringLiteral(", , "), 0, 0};
         QTest::newRow("no city") << QByteArray(berlin).replace("\"city\"", "\"town\"")
                                  << Location {germany, QStringLiteral(", Land Berlin, Germany"), 52.5, 13.25};
-        QTest::newRow("region is no name of it")
+        QTest::newRow("no region name")
             << QByteArray(berlin).replace("regionName", "other")
             << Location {germany, QStringLiteral("Berlin, , Germany"), 52.5, 13.25};
         QTest::newRow("no country") << QByteArray(berlin).replace("\"country\"", "\"land\"")
@@ -114,59 +98,57 @@ private Q_SLOTS:
                                      << Location {germany, inBerlin().text, 0, 13.25};
         QTest::newRow("no longitude")
             << QByteArray(berlin).replace("lon", "Lon") << Location {germany, inBerlin().text, 52.5, 0};
-        QTest::newRow("coordinates are texts")
+        QTest::newRow("coordinates are strings")
             << QByteArray(berlin).replace("52.5", "\"52.5\"").replace("13.25", "\"13.25\"")
             << Location {germany, inBerlin().text, 0, 0};
-        QTest::newRow("names are no texts")
+        QTest::newRow("names are not strings")
             << QByteArray("{\"status\":\"success\",\"country\":1,\"city\":null,\"regionName\":[]}")
             << Location {QString(), QStringLiteral(", , "), 0, 0};
         QTest::newRow("negative and whole")
             << QByteArray("{\"status\":\"success\",\"lat\":-33,\"lon\":-0.125}")
             << Location {QString(), QStringLiteral(", , "), -33, -0.125};
-        QTest::newRow("letters as they are") << QByteArray(
+        QTest::newRow("other characters") << QByteArray(
             "{\"status\":\"success\",\"country\":\"\\u4e2d国\",\"city\":\"a&amp;b\",\"regionName\":\"<b>\"}")
-                                             << Location {QStringLiteral("中国"),
-                                                          QStringLiteral("a&amp;b, <b>, 中国"), 0, 0};
-        // Each is filled in by itself, so what looks like a place in an earlier one is filled by a later.
-        QTest::newRow("city that looks like a place")
+                                          << Location {QStringLiteral("中国"),
+                                                       QStringLiteral("a&amp;b, <b>, 中国"), 0, 0};
+        // Each value is inserted separately: a marker in an earlier value is replaced by a later one.
+        QTest::newRow("city contains a place marker")
             << QByteArray("{\"status\":\"success\",\"country\":\"C\",\"city\":\"%1\",\"regionName\":\"R\"}")
             << Location {QStringLiteral("C"), QStringLiteral("R, C, %3"), 0, 0};
-        QTest::newRow("region that looks like a place")
+        QTest::newRow("region contains a place marker")
             << QByteArray("{\"status\":\"success\",\"country\":\"C\",\"city\":\"A\",\"regionName\":\"%9%3\"}")
             << Location {QStringLiteral("C"), QStringLiteral("A, %9C, C"), 0, 0};
     }
-    void keysThatAreLackingAreEmptyPlaces()
+    void leavesPlacesOfMissingKeysEmpty()
     {
         QFETCH(QByteArray, body);
-        m_world->answer(service, body);
-        const MessageCapture messages;
+        answer(service, body);
         Location location;
         QVERIFY(location.fill(GetIPInfoAPI));
         QTEST(location, "expected");
-        QCOMPARE(messages.messages().size(), 0);
     }
 
-    void uselessAnswerLeavesTheArgumentsAlone_data() { addUselessAnswers(); }
-    void uselessAnswerLeavesTheArgumentsAlone()
+    void keepsArgumentsAfterUnusableAnswer_data() { addUnusableLocations(); }
+    void keepsArgumentsAfterUnusableAnswer()
     {
         QFETCH(QByteArray, body);
-        m_world->answer(service, body);
+        answer(service, body);
         Location location;
         QVERIFY(!location.fill(GetIPInfoAPI));
         QCOMPARE(location, Location());
     }
 
-    void serviceThatIsDownLeavesTheArgumentsAlone()
+    void keepsArgumentsIfServiceIsDown()
     {
         Location location;
         QVERIFY(!location.fill(GetIPInfoAPI));
         QCOMPARE(location, Location());
-        QCOMPARE(m_world->asked(), QStringList {postLine()});
+        QCOMPARE(network().requestLines(), QStringList {postLine()});
     }
 
-    void httpStatusOfTheAnswerDoesNotCount()
+    void ignoresHttpStatus()
     {
-        m_world->answer(service, [](Connection &client) {
+        network().route(service, [](Connection &client) {
             client.write("HTTP/1.1 503 Busy\r\nContent-Length: " + QByteArray::number(berlin.size())
                          + "\r\n\r\n" + berlin);
         });
@@ -175,48 +157,48 @@ private Q_SLOTS:
         QCOMPARE(location, inBerlin());
     }
 
-    void pageIsNotAskedForWhereTheServiceDelivers()
+    void skipsPageAfterSuccess()
     {
-        m_world->answer(service, berlin);
-        m_world->answer(pageService, page);
+        answer(service, berlin);
+        answer(pageService, page);
         Location location;
         QVERIFY(location.fill(CNetworkUtils::GetIPInfo));
         QCOMPARE(location, inBerlin());
-        QCOMPARE(m_world->asked(), QStringList {postLine()});
+        QCOMPARE(network().requestLines(), QStringList {postLine()});
     }
 
-    void pageIsAskedForWhereTheServiceFails_data() { addUselessAnswers(); }
-    void pageIsAskedForWhereTheServiceFails()
+    void readsPageAfterUnusableAnswer_data() { addUnusableLocations(); }
+    void readsPageAfterUnusableAnswer()
     {
         QFETCH(QByteArray, body);
-        m_world->answer(service, body);
-        m_world->answer(pageService, page);
+        answer(service, body);
+        answer(pageService, page);
         Location location;
         QVERIFY(location.fill(CNetworkUtils::GetIPInfo));
         QCOMPARE(location, inParis());
-        QCOMPARE(m_world->asked(), QStringList({postLine(), pageLine()}));
+        QCOMPARE(network().requestLines(), QStringList({postLine(), pageLine()}));
     }
 
-    void successWithNothingElseIsNotMendedByThePage()
+    void skipsPageAfterSuccessWithoutValues()
     {
-        m_world->answer(service, "{\"status\":\"success\"}");
-        m_world->answer(pageService, page);
+        answer(service, "{\"status\":\"success\"}");
+        answer(pageService, page);
         Location location;
         QVERIFY(location.fill(CNetworkUtils::GetIPInfo));
         QCOMPARE(location, (Location {QString(), QStringLiteral(", , "), 0, 0}));
     }
 
-    void bothSourcesAreAskedOnceAndInTheirOrder()
+    void queriesBothSourcesOnceInOrder()
     {
         Location location;
         QVERIFY(!location.fill(CNetworkUtils::GetIPInfo));
         QCOMPARE(location, Location());
-        QCOMPARE(m_world->asked(), QStringList({postLine(), pageLine()}));
+        QCOMPARE(network().requestLines(), QStringList({postLine(), pageLine()}));
     }
 
-    void countryOfAPageThatFailsRemains()
+    void setsCountryOfIncompletePage()
     {
-        m_world->answer(pageService, "<td>Country:</td>\n<td>France</td>\n");
+        answer(pageService, "<td>Country:</td>\n<td>France</td>\n");
         Location location;
         QVERIFY(!location.fill(CNetworkUtils::GetIPInfo));
         Location expected;
@@ -224,28 +206,28 @@ private Q_SLOTS:
         QCOMPARE(location, expected);
     }
 
-    void nothingIsRemembered()
+    void doesNotCacheLocations()
     {
-        m_world->answer(service, berlin);
+        answer(service, berlin);
         Location first;
         QVERIFY(first.fill(CNetworkUtils::GetIPInfo));
-        m_world->answer(service, refusal);
+        answer(service, refusal);
         Location second;
         QVERIFY(!second.fill(CNetworkUtils::GetIPInfo));
         QCOMPARE(second, Location());
     }
 
-    void eventsAreDeliveredMeanwhile()
+    void deliversEventsDuringRequest()
     {
         std::atomic<bool> isDelivered {false};
-        m_world->answer(service, [&isDelivered](Connection &client) {
+        network().route(service, [&isDelivered](Connection &client) {
             while (!isDelivered && client.sleep(1)) {}
             RawServer::answerWith(berlin)(client);
         });
         Location inner;
         QTimer::singleShot(0, this, [&] {
             isDelivered = true;
-            inner.fill(GetIPInfoAPI); // re-entry
+            inner.fill(GetIPInfoAPI); // a nested call
         });
         Location outer;
         QVERIFY(outer.fill(GetIPInfoAPI));
@@ -253,10 +235,10 @@ private Q_SLOTS:
         QCOMPARE(inner, inBerlin());
     }
 
-    void threadsMayAskAtTheSameTime()
+    void supportsConcurrentCalls()
     {
-        m_world->answer(service, refusal);
-        m_world->answer(pageService, page);
+        answer(service, refusal);
+        answer(pageService, page);
         std::vector<Location> locations(8);
         std::vector<std::thread> threads;
         for (Location &location : locations)

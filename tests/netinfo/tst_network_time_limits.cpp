@@ -4,20 +4,18 @@
 #include <ZyBase/netinfo/Services.h>
 
 #include "Location.h"
+#include "NetInfoTest.h"
 #include "Resolver.h"
-#include "World.h"
 
 #include <QElapsedTimer>
-#include <QTest>
 
 #include <thread>
 
-using LocalServices::Connection;
 using ZyBase::CNetworkUtils;
 
 namespace {
 
-// Runs the call in a thread of its own and notes how long it takes.
+// Runs a function in its own thread and measures its duration.
 class Call
 {
 public:
@@ -41,7 +39,7 @@ private:
     std::thread m_thread;
 };
 
-// Qt's timers may be a twentieth early.
+// Qt's timers may fire 5 % early.
 bool isAbout(qint64 milliseconds, qint64 expected)
 {
     return milliseconds >= expected - expected / 20 && milliseconds < expected + 5000;
@@ -49,20 +47,19 @@ bool isAbout(qint64 milliseconds, qint64 expected)
 
 } // namespace
 
-// Services that never answer, all at the same time.
-class TestNetworkTimeLimits : public QObject
+// All requests run at the same time, to services that never answer.
+class TestNetworkTimeLimits : public NetInfoTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void requestsEndAfterTenSecondsEachAndALookupWhenItIsAnswered()
+    void endsRequestsAfterTenSecondsEachAndLookupWhenAnswered()
     {
         const auto never = [](Connection &client) { client.waitForClose(); };
-        World world;
         for (const char *host :
-             {ZyBase::Services::pszGeolocationHost, ZyBase::Services::pszGeolocationPageHost,
-              ZyBase::Services::pszAddressHost, ZyBase::Services::pszCountryHost})
-            world.answer(host, never);
+             {ZyBase::pszGeolocationHost, ZyBase::pszGeolocationPageHost,
+              ZyBase::pszAddressHost, ZyBase::pszCountryHost})
+            network().route(host, never);
         Resolver::hold();
 
         Location fromBoth;

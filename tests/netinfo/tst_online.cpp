@@ -5,13 +5,12 @@
 
 #include "Files.h"
 #include "HostProcess.h"
+#include "NetInfoTest.h"
 #include "Resolver.h"
-#include "World.h"
 
 #include <QCoreApplication>
 #include <QHostInfo>
 #include <QTemporaryDir>
-#include <QTest>
 #include <QTimer>
 
 #include <netdb.h>
@@ -20,9 +19,9 @@ using ZyBase::CNetworkUtils;
 
 namespace {
 
-const QByteArray probe = ZyBase::Services::pszProbeName;
+const QByteArray probe = ZyBase::pszProbeName;
 
-// A host on a machine with its own network, in which there is nothing, and its own way to look names up.
+// Runs IsNetWorkOnline() in a process with an empty network and these name sources.
 QJsonValue isOnline(const QByteArray &hosts, const QByteArray &sources)
 {
     const QTemporaryDir etc;
@@ -42,19 +41,19 @@ QJsonValue isOnline(const QByteArray &hosts, const QByteArray &sources)
 
 } // namespace
 
-// Whether the probe name resolves.
-class TestOnline : public QObject
+// IsNetWorkOnline(), which looks up the probe name.
+class TestOnline : public NetInfoTest
 {
     Q_OBJECT
 
 private:
-    // Qt remembers a hundred names or so; others take their places.
+    // Replaces the names in Qt's cache, which has about a hundred places.
     static void forgetLookups()
     {
         for (int i = 0; i < 300; ++i)
             QHostInfo::fromName(QStringLiteral("other%1.example").arg(i));
     }
-    // Neither from what Qt remembers nor along with a lookup that is about to end.
+    // Calls IsNetWorkOnline() until it causes a new lookup, which returns the code.
     static bool isOnlineAnew(int code)
     {
         for (int attempt = 0; attempt < 100; ++attempt) {
@@ -71,17 +70,21 @@ private:
     static bool hasOwnNetwork() { return Sandbox::hasNetwork(QStringLiteral("true")); }
 
 private Q_SLOTS:
-    void init() { forgetLookups(); }
+    void init()
+    {
+        NetInfoTest::init();
+        forgetLookups();
+    }
     void cleanup()
     {
         Resolver::release();
         Resolver::answerWith(0);
+        NetInfoTest::cleanup();
     }
 
-    // The first lookup of this process.
-    void nameIsLookedUpAndNothingIsSent()
+    // Must run first: this is the first lookup of the process.
+    void looksUpNameAndSendsNothing()
     {
-        const World world;
         Resolver::hold();
         const int before = Resolver::asked().size();
         bool isDelivered = false;
@@ -90,36 +93,36 @@ private Q_SLOTS:
             Resolver::release();
         });
         QVERIFY(CNetworkUtils::IsNetWorkOnline());
-        QVERIFY(isDelivered); // events of the thread, while the lookup waits
+        QVERIFY(isDelivered); // events are delivered while the lookup blocks
         QCOMPARE(Resolver::asked().mid(before), QList<QByteArray> {probe});
-        QCOMPARE(world.asked(), QStringList());
+        QCOMPARE(network().requestLines(), QStringList());
     }
 
-    void nameInTheHostsFileIsEnough()
+    void acceptsNameOfHostsFile()
     {
         if (!hasOwnNetwork())
-            QSKIP("a network of its own is not allowed here");
+            QSKIP("this user cannot create a network namespace");
         QCOMPARE(isOnline("192.0.2.1 " + probe + '\n', "files"), QJsonValue(true));
     }
 
-    void nameThatIsUnknownIsNotOnline_data()
+    void returnsFalseForUnknownName_data()
     {
         QTest::addColumn<QByteArray>("hosts");
         QTest::addColumn<QByteArray>("sources");
         QTest::newRow("no such name") << QByteArray("127.0.0.1 localhost\n") << QByteArray("files");
         QTest::newRow("part of another") << "192.0.2.1 x" + probe + '\n' << QByteArray("files");
-        QTest::newRow("no server to ask") << QByteArray() << QByteArray("files dns");
+        QTest::newRow("no name server") << QByteArray() << QByteArray("files dns");
     }
-    void nameThatIsUnknownIsNotOnline()
+    void returnsFalseForUnknownName()
     {
         QFETCH(QByteArray, hosts);
         QFETCH(QByteArray, sources);
         if (!hasOwnNetwork())
-            QSKIP("a network of its own is not allowed here");
+            QSKIP("this user cannot create a network namespace");
         QCOMPARE(isOnline(hosts, sources), QJsonValue(false));
     }
 
-    void anyErrorIsNotOnline_data()
+    void returnsFalseForAnyError_data()
     {
         QTest::addColumn<int>("code");
         QTest::newRow("no such name") << EAI_NONAME;
@@ -127,15 +130,15 @@ private Q_SLOTS:
         QTest::newRow("no answer") << EAI_AGAIN;
         QTest::newRow("failure") << EAI_FAIL;
     }
-    void anyErrorIsNotOnline()
+    void returnsFalseForAnyError()
     {
         QFETCH(int, code);
         QVERIFY(!isOnlineAnew(code));
     }
 
-    void applicationMayQuitMeanwhile()
+    void returnsFalseIfApplicationQuits()
     {
-        QVERIFY(!isOnlineAnew(EAI_NONAME)); // none is remembered
+        QVERIFY(!isOnlineAnew(EAI_NONAME)); // no success is cached
         Resolver::hold();
         bool isOnline = true;
         QTimer::singleShot(0, this, [&isOnline] { isOnline = CNetworkUtils::IsNetWorkOnline(); });
@@ -143,13 +146,13 @@ private Q_SLOTS:
         QCoreApplication::exec();
         QVERIFY(!isOnline);
         Resolver::release();
-        // The late answer meets nobody.
+        // The late answer has no receiver.
         Resolver::answerWith(0);
         QTRY_VERIFY(CNetworkUtils::IsNetWorkOnline());
     }
 
-    // By Qt, for a minute; the library itself keeps nothing.
-    void successIsRememberedForAMoment()
+    // Qt caches a result for a minute; the library has no cache.
+    void reusesSuccessThatQtCaches()
     {
         QVERIFY(isOnlineAnew(0));
         Resolver::answerWith(EAI_NONAME);
@@ -158,7 +161,7 @@ private Q_SLOTS:
         QCOMPARE(Resolver::asked().size(), before);
     }
 
-    void failureIsNotRemembered()
+    void repeatsLookupAfterFailure()
     {
         QVERIFY(!isOnlineAnew(EAI_NONAME));
         Resolver::answerWith(0);

@@ -3,125 +3,107 @@
 #include <ZyBase/netinfo/CNetworkUtils.h>
 #include <ZyBase/netinfo/Services.h>
 
-#include "World.h"
+#include "NetInfoTest.h"
 
 #include <QTest>
 
-using LocalServices::Connection;
 using ZyBase::CNetworkUtils;
 
 namespace {
 
-const char *const addressHost = ZyBase::Services::pszAddressHost;
-const char *const countryHost = ZyBase::Services::pszCountryHost;
+const char *const addressHost = ZyBase::pszAddressHost;
+const char *const countryHost = ZyBase::pszCountryHost;
 
-void addUselessAnswers()
-{
-    QTest::addColumn<QByteArray>("body");
-    QTest::newRow("empty") << QByteArray();
-    QTest::newRow("no JSON") << QByteArray("<html>busy</html>");
-    QTest::newRow("cut") << QByteArray("{\"ip\":\"192.0.2.1\",\"country_code\":\"DE");
-    QTest::newRow("behind the end") << QByteArray("{\"ip\":\"192.0.2.1\"} x");
-    QTest::newRow("empty object") << QByteArray("{}");
-    QTest::newRow("array") << QByteArray("[{\"ip\":\"192.0.2.1\",\"country_code\":\"DE\"}]");
-    QTest::newRow("text") << QByteArray("\"192.0.2.1\"");
-    QTest::newRow("NUL byte") << QByteArray("{\"ip\":\"192.0.2.1\"\0}", 19);
-}
+const QByteArray germanAddress = "{\"country_code\":\"DE\",\"ip\":\"192.0.2.1\"}";
 
 } // namespace
 
-// The public address, and the country's code with it.
-class TestPublicAddress : public QObject
+// GetIP() and GetIPCountryCode().
+class TestPublicAddress : public NetInfoTest
 {
     Q_OBJECT
 
-private:
-    std::unique_ptr<World> m_world;
-
 private Q_SLOTS:
-    void init() { m_world = std::make_unique<World>(); }
-    void cleanup() { m_world.reset(); }
-
-    void addressIsAskedForBehindTheHost()
+    void requestsAddressAsJson()
     {
-        m_world->answer(addressHost, "{\"ip\":\"192.0.2.1\"}");
+        answer(addressHost, "{\"ip\":\"192.0.2.1\"}");
         QCOMPARE(GetIP(), QStringLiteral("192.0.2.1"));
-        QCOMPARE(m_world->asked(),
+        QCOMPARE(network().requestLines(),
                  QStringList {QStringLiteral("CONNECT %1:443 HTTP/1.1").arg(QLatin1String(addressHost))});
-        QVERIFY(m_world->requests(addressHost).first().startsWith("GET /?format=json HTTP/1.1\r\n"));
+        QVERIFY(network().requests(addressHost).first().startsWith("GET /?format=json HTTP/1.1\r\n"));
     }
 
-    void addressIsThatOfTheAnswer_data()
+    void returnsAddressOfAnswer_data()
     {
         QTest::addColumn<QByteArray>("body");
         QTest::addColumn<QString>("expected");
         QTest::newRow("IPv6") << QByteArray("{\"ip\":\"2001:db8::1\"}") << "2001:db8::1";
-        QTest::newRow("any text") << QByteArray("{\"ip\":\" x<b> \"}") << " x<b> ";
-        QTest::newRow("empty text") << QByteArray("{\"ip\":\"\"}") << "";
-        QTest::newRow("beside others") << QByteArray("{\"a\":1,\"ip\":\"192.0.2.1\"}\n") << "192.0.2.1";
+        QTest::newRow("any string") << QByteArray("{\"ip\":\" x<b> \"}") << " x<b> ";
+        QTest::newRow("empty string") << QByteArray("{\"ip\":\"\"}") << "";
+        QTest::newRow("among other keys") << QByteArray("{\"a\":1,\"ip\":\"192.0.2.1\"}\n") << "192.0.2.1";
         QTest::newRow("no address") << QByteArray("{\"a\":1}") << QString();
         QTest::newRow("in another case") << QByteArray("{\"IP\":\"192.0.2.1\"}") << QString();
-        QTest::newRow("no text") << QByteArray("{\"ip\":1}") << QString();
+        QTest::newRow("not a string") << QByteArray("{\"ip\":1}") << QString();
     }
-    void addressIsThatOfTheAnswer()
+    void returnsAddressOfAnswer()
     {
         QFETCH(QByteArray, body);
         QFETCH(QString, expected);
-        m_world->answer(addressHost, body);
+        answer(addressHost, body);
         const QString address = GetIP();
         QCOMPARE(address, expected);
         QCOMPARE(address.isNull(), expected.isNull());
     }
 
-    void addressIsEmptyAndNotNullForAUselessAnswer_data() { addUselessAnswers(); }
-    void addressIsEmptyAndNotNullForAUselessAnswer()
+    void returnsEmptyAddressForUnusableAnswer_data() { addUnusableAnswers(germanAddress); }
+    void returnsEmptyAddressForUnusableAnswer()
     {
         QFETCH(QByteArray, body);
-        m_world->answer(addressHost, body);
+        answer(addressHost, body);
         QVERIFY(GetIP().isEmpty());
         QVERIFY(!GetIP().isNull());
     }
 
-    void addressIsEmptyAndNotNullWithoutTheService()
+    void returnsEmptyAddressIfServiceIsDown()
     {
         QVERIFY(GetIP().isEmpty());
         QVERIFY(!GetIP().isNull());
-        m_world->answer(addressHost, [](Connection &client) { client.reset(); });
+        network().route(addressHost, [](Connection &client) { client.reset(); });
         QVERIFY(GetIP().isEmpty());
         QVERIFY(!GetIP().isNull());
     }
 
-    void statusOfTheAnswerDoesNotCount()
+    void ignoresHttpStatus()
     {
-        m_world->answer(addressHost, [](Connection &client) {
+        network().route(addressHost, [](Connection &client) {
             client.write("HTTP/1.1 500 Oops\r\nContent-Length: 18\r\n\r\n{\"ip\":\"192.0.2.1\"}");
         });
         QCOMPARE(GetIP(), QStringLiteral("192.0.2.1"));
     }
 
-    void everyCallAsksAnew()
+    void sendsRequestOnEveryCall()
     {
-        m_world->answer(addressHost, "{\"ip\":\"192.0.2.1\"}");
+        answer(addressHost, "{\"ip\":\"192.0.2.1\"}");
         QCOMPARE(GetIP(), QStringLiteral("192.0.2.1"));
-        m_world->answer(addressHost, "{\"ip\":\"192.0.2.2\"}");
+        answer(addressHost, "{\"ip\":\"192.0.2.2\"}");
         QCOMPARE(GetIP(), QStringLiteral("192.0.2.2"));
-        QCOMPARE(m_world->asked().size(), 2);
+        QCOMPARE(network().requestLines().size(), 2);
     }
 
-    void countryIsAskedForAtItsPath()
+    void requestsCountryAtItsPath()
     {
-        m_world->answer(countryHost, "{\"country_code\":\"DE\",\"ip\":\"192.0.2.1\"}");
+        answer(countryHost, germanAddress);
         QString code;
         QString address;
         QVERIFY(CNetworkUtils::GetIPCountryCode(code, address));
         QCOMPARE(code, QStringLiteral("DE"));
         QCOMPARE(address, QStringLiteral("192.0.2.1"));
-        QCOMPARE(m_world->asked(),
+        QCOMPARE(network().requestLines(),
                  QStringList {QStringLiteral("CONNECT %1:443 HTTP/1.1").arg(QLatin1String(countryHost))});
-        QVERIFY(m_world->requests(countryHost).first().startsWith("GET /all.json HTTP/1.1\r\n"));
+        QVERIFY(network().requests(countryHost).first().startsWith("GET /all.json HTTP/1.1\r\n"));
     }
 
-    void keyThatIsLackingMakesItsTextNull_data()
+    void setsNullStringForMissingKey_data()
     {
         QTest::addColumn<QByteArray>("body");
         QTest::addColumn<QString>("code");
@@ -131,28 +113,29 @@ private Q_SLOTS:
         QTest::newRow("address") << QByteArray("{\"country_code\":\"DE\"}") << "DE" << QString();
         QTest::newRow("empty is not null") << QByteArray("{\"country_code\":\"\",\"ip\":\"\"}") << ""
                                            << "";
-        QTest::newRow("no texts") << QByteArray("{\"country_code\":1,\"ip\":null}") << QString() << QString();
+        QTest::newRow("not strings") << QByteArray("{\"country_code\":1,\"ip\":null}") << QString()
+                                     << QString();
     }
-    void keyThatIsLackingMakesItsTextNull()
+    void setsNullStringForMissingKey()
     {
         QFETCH(QByteArray, body);
         QFETCH(QString, code);
         QFETCH(QString, address);
-        m_world->answer(countryHost, body);
-        QString givenCode = QStringLiteral("before");
-        QString givenAddress = QStringLiteral("before");
-        QVERIFY(CNetworkUtils::GetIPCountryCode(givenCode, givenAddress));
-        QCOMPARE(givenCode, code);
-        QCOMPARE(givenCode.isNull(), code.isNull());
-        QCOMPARE(givenAddress, address);
-        QCOMPARE(givenAddress.isNull(), address.isNull());
+        answer(countryHost, body);
+        QString returnedCode = QStringLiteral("before");
+        QString returnedAddress = QStringLiteral("before");
+        QVERIFY(CNetworkUtils::GetIPCountryCode(returnedCode, returnedAddress));
+        QCOMPARE(returnedCode, code);
+        QCOMPARE(returnedCode.isNull(), code.isNull());
+        QCOMPARE(returnedAddress, address);
+        QCOMPARE(returnedAddress.isNull(), address.isNull());
     }
 
-    void uselessAnswerLeavesBothTextsAlone_data() { addUselessAnswers(); }
-    void uselessAnswerLeavesBothTextsAlone()
+    void keepsArgumentsAfterUnusableAnswer_data() { addUnusableAnswers(germanAddress); }
+    void keepsArgumentsAfterUnusableAnswer()
     {
         QFETCH(QByteArray, body);
-        m_world->answer(countryHost, body);
+        answer(countryHost, body);
         QString code = QStringLiteral("before");
         QString address = QStringLiteral("also before");
         QVERIFY(!CNetworkUtils::GetIPCountryCode(code, address));
@@ -160,7 +143,7 @@ private Q_SLOTS:
         QCOMPARE(address, QStringLiteral("also before"));
     }
 
-    void serviceThatIsDownLeavesBothTextsAlone()
+    void keepsArgumentsIfServiceIsDown()
     {
         QString code = QStringLiteral("before");
         QString address = QStringLiteral("also before");

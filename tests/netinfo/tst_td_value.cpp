@@ -11,18 +11,18 @@ class TestTdValue : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void textOfTheFirstCellIsTheValue_data()
+    void returnsTextOfFirstCell_data()
     {
         QTest::addColumn<QString>("line");
         QTest::addColumn<QString>("expected");
         QTest::newRow("cell") << "<td>Berlin</td>"
                               << "Berlin";
-        QTest::newRow("blanks stay") << "  <td> New  York\t</td>  "
-                                     << " New  York\t";
-        QTest::newRow("entities stay") << "<td>Trinidad &amp; Tobago&nbsp;</td>"
-                                       << "Trinidad &amp; Tobago&nbsp;";
-        QTest::newRow("letters") << "<td>Größe 文件 \U0001F30D</td>"
-                                 << QStringLiteral("Größe 文件 \U0001F30D");
+        QTest::newRow("spaces are kept") << "  <td> New  York\t</td>  "
+                                         << " New  York\t";
+        QTest::newRow("entities are kept") << "<td>Trinidad &amp; Tobago&nbsp;</td>"
+                                           << "Trinidad &amp; Tobago&nbsp;";
+        QTest::newRow("other characters")
+            << "<td>Größe 文件 \U0001F30D</td>" << QStringLiteral("Größe 文件 \U0001F30D");
         QTest::newRow("attributes") << "<td class=\"x\">Berlin</td>"
                                     << "Berlin";
         QTest::newRow("two cells: the first") << "<td>a</td><td>b</td>"
@@ -36,12 +36,12 @@ private Q_SLOTS:
         QTest::newRow("empty line") << ""
                                     << "";
         QTest::newRow("null") << QString() << "";
-        QTest::newRow("ends in its first >") << "<td>"
-                                             << "";
+        QTest::newRow("ends with its first >") << "<td>"
+                                               << "";
         QTest::newRow("> only") << ">"
                                 << "";
-        QTest::newRow("one letter behind >") << ">a"
-                                             << "a";
+        QTest::newRow("one character after >") << ">a"
+                                               << "a";
         QTest::newRow("no end") << "<td>Berlin"
                                 << "Berlin";
         QTest::newRow("no end, carriage return") << "<td>Berlin\r"
@@ -52,12 +52,12 @@ private Q_SLOTS:
                               << "Berlin";
         QTest::newRow("no >, < first") << "<td"
                                        << "";
-        QTest::newRow("further > is text") << "<td>a > b</td>"
-                                           << "a > b";
-        QTest::newRow("< before the first > is passed over") << "a<b>c<d"
-                                                             << "c";
+        QTest::newRow("further > belongs to the text") << "<td>a > b</td>"
+                                                       << "a > b";
+        QTest::newRow("< before the first > is ignored") << "a<b>c<d"
+                                                         << "c";
     }
-    void textOfTheFirstCellIsTheValue()
+    void returnsTextOfFirstCell()
     {
         QFETCH(QString, line);
         const QString value = ParseTdValue(line);
@@ -65,7 +65,7 @@ private Q_SLOTS:
         QVERIFY(!value.isNull());
     }
 
-    void classHasNoStateAndNoInstanceOfItsOwn()
+    void hasNoStateAndNoVirtualFunctions()
     {
         QVERIFY(std::is_empty<ZyBase::CNetworkUtils>::value);
         QVERIFY(!std::is_polymorphic<ZyBase::CNetworkUtils>::value);

@@ -2,29 +2,47 @@
 
 #include <ZyBase/platform/ChildProcess.h>
 
+#include "Utf8.h"
+
 #include <QTest>
+
+#include <dlfcn.h>
 
 using ZyBase::runTool;
 using ZyBase::takeOutput;
 
 namespace {
 
-const QString quiet = QStringLiteral("");
+const QString emptyString = QStringLiteral("");
+constexpr int notExecutableCode = 255;
+
+QList<QIODevice::OpenMode> openModes; // of all starts
 
 void runShell(QProcess &process, const char *script)
 {
-    runTool(process, "sh", {QStringLiteral("-c"), QLatin1String(script)});
+    runTool(process, "sh", {QStringLiteral("-c"), utf8(script)});
 }
 
 } // namespace
 
-// A tool of the desktop, as the questions for the theme and the default application run it.
+// Called instead of Qt's function, because symbols of the program come first. Records the mode.
+__attribute__((visibility("default"))) void QProcess::start(const QString &program,
+                                                            const QStringList &arguments, OpenMode mode)
+{
+    openModes << mode;
+    using Start = void (*)(QProcess *, const QString &, const QStringList &, OpenMode);
+    static const auto original = reinterpret_cast<Start>(
+        dlsym(RTLD_NEXT, "_ZN8QProcess5startERK7QStringRK11QStringList6QFlagsIN9QIODevice12OpenModeFlagEE"));
+    original(this, program, arguments, mode);
+}
+
+// Tools are run as by the theme detectors and the default application functions.
 class TestChildProcess : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void outputIsTakenAsText_data()
+    void returnsOutput_data()
     {
         QTest::addColumn<QByteArray>("script");
         QTest::addColumn<QString>("output");
@@ -32,22 +50,23 @@ private Q_SLOTS:
             << QByteArray("printf ' \\t\\n a b \\r\\n'") << QStringLiteral("a b");
         QTest::newRow("UTF-8") << QByteArray("printf '\\303\\244'") << QStringLiteral("\u00e4");
         QTest::newRow("up to a NUL byte") << QByteArray("printf 'a\\0b'") << QStringLiteral("a");
-        QTest::newRow("nothing") << QByteArray("true") << quiet;
-        QTest::newRow("white space alone") << QByteArray("printf ' \\n'") << quiet;
-        QTest::newRow("errors are no output") << QByteArray("echo wrong >&2") << quiet;
-        QTest::newRow("of a tool that fails") << QByteArray("echo said; exit 3") << QStringLiteral("said");
+        QTest::newRow("no output") << QByteArray("true") << emptyString;
+        QTest::newRow("only white space") << QByteArray("printf ' \\n'") << emptyString;
+        QTest::newRow("only standard error") << QByteArray("echo wrong >&2") << emptyString;
+        QTest::newRow("tool that fails") << QByteArray("echo said; exit 3") << QStringLiteral("said");
     }
-    void outputIsTakenAsText()
+    void returnsOutput()
     {
         QFETCH(QByteArray, script);
         QProcess process;
         runShell(process, script.constData());
-        const QString taken = takeOutput(process);
-        QTEST(taken, "output");
-        QVERIFY(!taken.isNull());
+        const QString output = takeOutput(process);
+        QTEST(output, "output");
+        QVERIFY(!output.isNull());
+        QCOMPARE(takeOutput(process), emptyString);
     }
 
-    void toolHasEndedWhenTheCallReturns()
+    void waitsForTheEnd()
     {
         QProcess process;
         runShell(process, "sleep 0.2; exit 3");
@@ -55,7 +74,17 @@ private Q_SLOTS:
         QCOMPARE(process.exitCode(), 3);
     }
 
-    void argumentsArriveAsTheyAre()
+    void runsSeveralTools()
+    {
+        QProcess process;
+        runShell(process, "echo first; exit 3");
+        QCOMPARE(takeOutput(process), QStringLiteral("first"));
+        runShell(process, "echo second");
+        QCOMPARE(process.exitCode(), 0);
+        QCOMPARE(takeOutput(process), QStringLiteral("second"));
+    }
+
+    void passesArgumentsUnchanged()
     {
         QProcess process;
         runTool(process, "printf",
@@ -63,12 +92,22 @@ private Q_SLOTS:
         QCOMPARE(takeOutput(process), QStringLiteral("[a b][$HOME\"']"));
     }
 
-    void missingToolSaysNothing()
+    void returnsNoOutputOfMissingTool()
     {
         QProcess process;
         runTool(process, "no-such-tool", {});
         QCOMPARE(process.error(), QProcess::FailedToStart);
-        QCOMPARE(takeOutput(process), quiet);
+        QCOMPARE(process.exitCode(), notExecutableCode);
+        QCOMPARE(takeOutput(process), emptyString);
+    }
+
+    void opensToolForReadingAndWriting()
+    {
+        openModes.clear();
+        QProcess process;
+        runShell(process, "true");
+        runShell(process, "true");
+        QCOMPARE(openModes, QList<QIODevice::OpenMode>({QIODevice::ReadWrite, QIODevice::ReadWrite}));
     }
 };
 

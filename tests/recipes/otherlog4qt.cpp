@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 
-// A plug-in with a log4qt of its own under the plain names, as desktops bring such into a host. Each
-// call that reaches it leaves a line on the standard error stream.
+// A plug-in with a log4qt of its own under the usual names, as desktops load such plug-ins into
+// applications. It writes each call to the standard error stream.
 
 #include <QtGlobal>
 

@@ -7,13 +7,14 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#ifdef OTHER_LOG4QT
 namespace {
 
-// The desktop's own log4qt, which its plug-ins bring into hosts; null where it isn't installed.
+// The log4qt that desktop plug-ins load into applications. Null if it is not installed.
 QString desktopLibrary()
 {
-    for (const char *folder : {"/usr/lib", "/usr/lib/x86_64-linux-gnu", "/usr/lib/aarch64-linux-gnu"}) {
-        QString path = utf8(folder) + utf8("/libukui-log4qt.so.1");
+    for (const char *directory : {"/usr/lib", "/usr/lib/x86_64-linux-gnu", "/usr/lib/aarch64-linux-gnu"}) {
+        QString path = utf8(directory) + utf8("/libukui-log4qt.so.1");
         if (QFile::exists(path))
             return path;
     }
@@ -21,13 +22,14 @@ QString desktopLibrary()
 }
 
 } // namespace
+#endif
 
 class TestASecondLog4Qt : public QObject
 {
     Q_OBJECT
 
 private:
-    void expectTheLogAlone(const QStringList &lines)
+    void expectOnlyOwnLog(const QStringList &lines)
     {
         QStringList expected {utf8("the log's log4qt: " LOG4QT_LOGGER)};
         expected << lines << utf8("to be shown: the disk is nearly full");
@@ -51,44 +53,44 @@ private Q_SLOTS:
     void init() { m_directory = std::make_unique<QTemporaryDir>(); }
     void cleanup() { qunsetenv("LD_PRELOAD"); }
 
-    void appenderOfTheHostSeesTheLibrarysLog()
+    void showsWarningsInOwnAppender()
     {
         run({});
-        expectTheLogAlone({});
+        expectOnlyOwnLog({});
     }
 
 #ifdef OTHER_LOG4QT
-    void pluginWithALog4qtIsLoadedLater()
+    void keepsOwnLogWhenPluginIsLoadedLater()
     {
         run({QStringLiteral(OTHER_LOG4QT)});
-        expectTheLogAlone({utf8("plug-in loaded")});
+        expectOnlyOwnLog({utf8("plug-in loaded")});
         QCOMPARE(m_run->standardError, utf8("the plug-in's root logger\nthe plug-in's log: loaded\n"));
     }
 
-    // The first of two libraries with one symbol serves the whole process.
-    void pluginWithALog4qtIsLoadedFirst()
+    // If two libraries define a symbol, the process uses that of the first.
+    void keepsOwnLogWhenPluginIsLoadedFirst()
     {
         qputenv("LD_PRELOAD", OTHER_LOG4QT);
         qputenv("ASAN_OPTIONS", "verify_asan_link_order=0");
         run({});
-        expectTheLogAlone({});
+        expectOnlyOwnLog({});
         QCOMPARE(m_run->standardError, utf8("the plug-in's root logger\nthe plug-in's log: loaded\n"));
     }
 
-    void desktopsLibraryIsLoadedLater()
+    void keepsOwnLogBesideDesktopLibrary()
     {
         if (desktopLibrary().isEmpty())
             QSKIP("libukui-log4qt1 is not installed");
         qputenv("ASAN_OPTIONS", "detect_leaks=0");
         run({desktopLibrary()});
-        expectTheLogAlone({utf8("plug-in loaded")});
+        expectOnlyOwnLog({utf8("plug-in loaded")});
     }
 #endif
 
-    void pluginThatIsMissingIsTold()
+    void reportsMissingPlugin()
     {
         run({m_directory->filePath(utf8("none.so"))});
-        expectTheLogAlone({utf8("no plug-in")});
+        expectOnlyOwnLog({utf8("no plug-in")});
     }
 };
 

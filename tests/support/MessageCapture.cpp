@@ -27,6 +27,8 @@ QList<MessageCapture::Message> MessageCapture::messages() const
 
 void MessageCapture::handle(QtMsgType type, const QMessageLogContext &context, const QString &text)
 {
+    if (type == QtFatalMsg)
+        s_current->m_previous(type, context, text); // ends the process
     const QMutexLocker lock(&s_current->m_mutex);
     s_current->m_messages.append({type, text, QString::fromUtf8(context.category),
                                   QString::fromUtf8(context.file), context.line,

@@ -7,7 +7,7 @@
 #include <QMutex>
 #include <QString>
 
-/** Takes all Qt messages of the process while it lives; they are kept instead of shown. Any thread. */
+/** Keeps all Qt messages of the process instead of printing them. Thread-safe. */
 class MessageCapture
 {
 public:
@@ -16,9 +16,9 @@ public:
         QtMsgType type;
         QString text;
         QString category;
-        QString file; ///< null for none
+        QString file; ///< null if unknown
         int line;
-        QString function; ///< null for none
+        QString function; ///< null if unknown
     };
 
     MessageCapture();

@@ -9,8 +9,8 @@
 #include <QStringList>
 
 /**
- * Keeps the texts of warnings and errors, for a host that shows them. To be attached to the root logger of
- * log4qt, which the library's log writes to; works with any log4qt that the host is built with.
+ * Keeps the messages of warnings and errors, for an application that shows them. Attach it to log4qt's root
+ * logger, which the library's log uses. Compiles with every log4qt that the library can be built with.
  */
 class WarningsAppender : public Log4Qt::AppenderSkeleton
 {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 //
-// Shows the log's warnings by an appender of the host's own, beside a plug-in that brings another log4qt.
+// Shows the log's warnings with an appender of the application, beside a plug-in that loads another log4qt.
 //
-//     recipe-a-second-log4qt DIRECTORY [PLUGIN]    the log is DIRECTORY/log/host.log
+//     recipe-a-second-log4qt DIRECTORY [PLUGIN]    the log file is DIRECTORY/log/host.log
 
 #include "WarningsAppender.h"
 
@@ -30,8 +30,9 @@ int main(int argc, char **argv)
     out << "the log's log4qt: " << Log4Qt::Logger::staticMetaObject.className() << '\n';
 
     LoggerObject::InitLogger("host.log", argv[1]);
-    const QSharedPointer<WarningsAppender> warnings(new WarningsAppender);
-    Log4Qt::Logger::rootLogger()->addAppender(Log4Qt::AppenderSharedPtr(warnings)); // behind InitLogger()
+    auto *const warnings = new WarningsAppender;
+    const Log4Qt::AppenderSharedPtr appender(warnings); // owns it and deletes it with deleteLater()
+    Log4Qt::Logger::rootLogger()->addAppender(appender); // after InitLogger()
 
     if (argc > 2) {
         QLibrary plugin(QFile::decodeName(argv[2]));
@@ -41,6 +42,6 @@ int main(int argc, char **argv)
     LoggerObject::warn("the disk is nearly full");
 
     out << "to be shown: " << warnings->texts().join(QStringLiteral(", ")) << '\n';
-    LoggerObject::ReleaseLogger(); // takes the host's appender off as well
+    LoggerObject::ReleaseLogger(); // also removes the application's appender
     return 0;
 }

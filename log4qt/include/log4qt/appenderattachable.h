@@ -12,27 +12,38 @@
 namespace Log4Qt {
 inline namespace zy {
 
-/** A list of appenders, in the order in which they were attached. Any thread. */
+/**
+ * List of appenders, in the order in which they were attached.
+ *
+ * All functions are thread-safe. None blocks, except while another thread changes the list.
+ *
+ * @since 0.1.0
+ */
 class LOG4QT_EXPORT AppenderAttachable
 {
 public:
     AppenderAttachable();
     virtual ~AppenderAttachable();
 
-    /** Attaches @p appender; a null one and one that is attached already are ignored. */
+    /** Attaches @p appender. Ignores a null pointer and an appender that is already attached. */
     virtual void addAppender(const AppenderSharedPtr &appender);
 
-    /** All appenders, as they are at the call. */
+    /** Returns a copy of the list. */
     QList<AppenderSharedPtr> appenders() const;
 
-    /** The first appender of that name; null without one. */
+    /** Returns the first appender with the name @p name; null if there is none. */
     AppenderSharedPtr appender(const QString &name) const;
+
+    /** Returns true if @p appender is attached. */
     bool isAttached(const AppenderSharedPtr &appender) const;
 
+    /** Removes all appenders. Another thread can still be writing to one of them. */
     virtual void removeAllAppenders();
+
+    /** Removes @p appender. Does nothing if it is not attached. */
     void removeAppender(const AppenderSharedPtr &appender);
 
-    /** Removes the first appender of that name. */
+    /** Removes the first appender with the name @p name. Does nothing if there is none. */
     void removeAppender(const QString &name);
 
 private:

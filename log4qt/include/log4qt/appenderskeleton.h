@@ -11,8 +11,29 @@ namespace Log4Qt {
 inline namespace zy {
 
 /**
- * The common part of all appenders: name, layout, threshold, life cycle, and the lock that makes
- * doAppend() safe for any number of threads.
+ * Base class of appenders, with name, layout, threshold, lock and protection against recursion.
+ *
+ * A derived class implements append() and requiresLayout():
+ *
+ * @code
+ * class CountingAppender : public Log4Qt::AppenderSkeleton
+ * {
+ * public:
+ *     CountingAppender() { activateOptions(); }
+ *     bool requiresLayout() const override { return false; }
+ *
+ * protected:
+ *     void append(const Log4Qt::LoggingEvent &) override { ++m_count; }
+ *
+ * private:
+ *     int m_count = 0;
+ * };
+ * @endcode
+ *
+ * - All functions are thread-safe. append() runs under the appender's lock, on the thread that logs.
+ * - An appender that is not active drops each event and writes an error line to the standard error stream.
+ *
+ * @since 0.1.0
  */
 class LOG4QT_EXPORT AppenderSkeleton : public Appender
 {
@@ -24,34 +45,43 @@ public:
 
     LayoutSharedPtr layout() const override;
     QString name() const override;
+
+    /** Returns the lowest level that is written; NULL_INT if every level is. */
     Level threshold() const;
+
+    /** Returns true after activateOptions() and before close(). */
     bool isActive() const;
+
+    /** Returns true after close() and before the next activateOptions(). */
     bool isClosed() const;
 
     void setLayout(const LayoutSharedPtr &layout) override;
     void setName(const QString &name) override;
 
-    /** Events below @p level are dropped; NULL_INT lets all pass. */
+    /** Sets the lowest level that is written. NULL_INT, the default, accepts every level. */
     void setThreshold(Level level);
 
+    /** Returns true if @p level is at or above the threshold. */
     bool isAsSevereAsThreshold(Level level) const;
 
-    /** To be called when all settings are made: the appender takes events from here on. */
+    /** Starts the appender. Call it after all settings; events before it are dropped. */
     virtual void activateOptions();
+
     void close() override;
 
     /**
-     * Writes @p event unless it is below the threshold. Holds the appender's lock to the end, so
-     * lines never interleave; an event that is raised while this thread is appending is dropped.
-     * An appender that is not active says so on the standard error stream and drops the event.
+     * Writes @p event if its level is at or above the threshold.
+     *
+     * Holds the appender's lock until the event is written, so lines of several threads never interleave.
+     * An event that append() itself raises on the same thread is dropped.
      */
     void doAppend(const LoggingEvent &event) override;
 
 protected:
-    /** Writes @p event; called under the lock, after all checks. */
+    /** Writes @p event. Called under the lock, after all checks. */
     virtual void append(const LoggingEvent &event) = 0;
 
-    /** Tells whether events can be taken; says on the standard error stream why not. */
+    /** Returns true if events can be written. Otherwise writes the reason to the standard error stream. */
     virtual bool checkEntryConditions() const;
 
     using Lock = std::lock_guard<std::recursive_mutex>;

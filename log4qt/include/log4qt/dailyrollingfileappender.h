@@ -13,35 +13,53 @@ class RollOverPeriod;
 class SecondWatch;
 
 /**
- * Writes to a file and, at the first event of a new period, keeps the finished period's lines beside
- * it under the plain name and a suffix.
+ * Writes to a file and starts a new one at the first event of each period.
  *
- * Periods are those of the local wall clock. The first one is that in which activateOptions() is
- * called: a file that was left from an earlier period is continued.
+ * The finished file is renamed: its name gets a suffix, for example ".2026-11". Periods are those of the
+ * local wall clock. The first period is the one in which activateOptions() is called: a file that remains
+ * from an earlier period is continued.
+ *
+ * - All functions are thread-safe.
+ * - A file that has the name of the finished one already is replaced.
+ * - If the finished file cannot be renamed, it is continued, and an error line is written to the standard
+ *   error stream.
+ * - If the new file cannot be opened, events are dropped as described in FileAppender.
+ *
+ * @since 0.1.0
  */
 class LOG4QT_EXPORT DailyRollingFileAppender : public FileAppender
 {
     Q_OBJECT
 
 public:
+    /** Usual periods. */
     enum DatePattern {
-        MINUTELY_ROLLOVER = 0,
-        HOURLY_ROLLOVER,
-        HALFDAILY_ROLLOVER,
-        DAILY_ROLLOVER,
-        WEEKLY_ROLLOVER,
-        MONTHLY_ROLLOVER
+        MINUTELY_ROLLOVER = 0, ///< suffix "'.'yyyy-MM-dd-hh-mm"
+        HOURLY_ROLLOVER, ///< suffix "'.'yyyy-MM-dd-hh"
+        HALFDAILY_ROLLOVER, ///< suffix "'.'yyyy-MM-dd-a"
+        DAILY_ROLLOVER, ///< suffix "'.'yyyy-MM-dd"; the default
+        WEEKLY_ROLLOVER, ///< suffix "'.'yyyy-ww"; week and year of ISO 8601, from Monday
+        MONTHLY_ROLLOVER ///< suffix "'.'yyyy-MM"
     };
 
     explicit DailyRollingFileAppender(QObject *parent = nullptr);
     ~DailyRollingFileAppender() override;
 
-    /** The suffix as a QDateTime pattern (with "ww" for the week's number); its finest field is the period.
-     */
+    /** Returns the pattern of the suffix. */
     QString datePattern() const;
+
+    /** Sets one of the usual periods. Takes effect at activateOptions(). */
     void setDatePattern(DatePattern datePattern);
+
+    /**
+     * Sets the pattern of the suffix. Takes effect at activateOptions().
+     *
+     * @param datePattern as for QDateTime::toString(), and "ww" for the number of the week. The smallest
+     *     unit in it is the period, from a minute to a month.
+     */
     void setDatePattern(const QString &datePattern);
 
+    /** Opens the file. If the pattern has no period, writes an error line and remains inactive. */
     void activateOptions() override;
 
 protected:

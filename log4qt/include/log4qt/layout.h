@@ -13,28 +13,48 @@ inline namespace zy {
 
 class LoggingEvent;
 
-/** Turns an event into the text that an appender writes. */
+/**
+ * Formats events as strings for an appender.
+ *
+ * Make all settings before the layout is used: the setters are reentrant, not thread-safe. format() is
+ * thread-safe in every layout of this library.
+ *
+ * @since 0.1.0
+ */
 class LOG4QT_EXPORT Layout : public QObject
 {
     Q_OBJECT
+    Q_PROPERTY(QString footer READ footer WRITE setFooter)
+    Q_PROPERTY(QString header READ header WRITE setHeader)
 
 public:
     explicit Layout(QObject *parent = nullptr);
     ~Layout() override;
 
-    /** The text of one event, its line end included. Appenders of several threads may call at once. */
+    /** Returns the last line of a file; empty, the default, for none. */
+    QString footer() const;
+
+    /** Returns the first line that is written after a file was opened; empty, the default, for none. */
+    QString header() const;
+
+    /** Sets the last line of a file, without its line feed. */
+    void setFooter(const QString &footer);
+
+    /** Sets the first line that is written after a file was opened, without its line feed. */
+    void setHeader(const QString &header);
+
+    /** Applies the settings. Call it after all of them. */
+    virtual void activateOptions();
+
+    /** Returns the string for @p event, with its line feed. */
     virtual QString format(const LoggingEvent &event) = 0;
 
-    /** What a file begins with; empty for none. */
-    virtual QString header() const;
-
-    /** What a file ends with; empty for none. */
-    virtual QString footer() const;
-
-    /** To be called when all settings are made. */
-    virtual void activateOptions();
+private:
+    QString m_footer;
+    QString m_header;
 };
 
+/** Shared pointer to a layout. The rules are those of AppenderSharedPtr. */
 using LayoutSharedPtr = Log4QtSharedPtr<Layout>;
 
 } // namespace zy

@@ -9,30 +9,38 @@
 namespace Log4Qt {
 inline namespace zy {
 
-/** How severe an event is; ordered by its number, from NULL_INT (not set) to OFF_INT (nothing passes). */
+/**
+ * Severity of an event.
+ *
+ * Levels are ordered by their number, from NULL_INT to OFF_INT. Reentrant.
+ *
+ * @since 0.1.0
+ */
 class LOG4QT_EXPORT Level
 {
 public:
     enum Value {
-        NULL_INT = 0,
-        ALL_INT = 32,
+        NULL_INT = 0, ///< not set
+        ALL_INT = 32, ///< as a threshold: every event passes
         TRACE_INT = 64,
         DEBUG_INT = 96,
         INFO_INT = 128,
         WARN_INT = 150,
         ERROR_INT = 182,
         FATAL_INT = 214,
-        OFF_INT = 255
+        OFF_INT = 255 ///< as a threshold: no event passes
     };
 
-    Level(Value value = NULL_INT) // NOLINT: implicit, so that a host writes setLevel(Level::INFO_INT)
+    /** Creates a level. The constructor is implicit: setLevel(Level::INFO_INT) compiles. */
+    Level(Value value = NULL_INT) // NOLINT: implicit
         : m_value(value)
     {
     }
 
+    /** Returns the number of the level. */
     int toInt() const { return m_value; }
 
-    /** The level's word in capitals, e.g. "INFO"; "NULL" for one that is not set. */
+    /** Returns the name in capitals, for example "INFO"; "NULL" if the level is not set. */
     QString toString() const;
 
     friend bool operator==(Level a, Level b) { return a.m_value == b.m_value; }

@@ -12,7 +12,9 @@
 
 /**
  * @namespace Log4Qt
- * The classes stand in the inline namespace `zy`: a host writes `Log4Qt::Logger` as ever, but no
- * symbol of this library has the name of one in another log4qt. Desktop plug-ins bring such
- * libraries into a host's process, and two of them under the same names would run each other's code.
+ * A small log4qt: the part of its interface that a file log needs.
+ *
+ * The classes are in the inline namespace `zy`. Code uses `Log4Qt::Logger`, but no symbol has the name of a
+ * symbol in another log4qt. Desktop plug-ins load such libraries into applications, and two libraries with
+ * the same symbols would call each other's code.
  */

@@ -14,12 +14,19 @@ namespace Log4Qt {
 inline namespace zy {
 
 class LoggerRepository;
+class LoggingEvent;
 
 /**
- * Takes messages and hands them to its own appenders and those of its parents.
+ * Receives messages and passes them to its own appenders and to those of its parents.
  *
- * Loggers form a tree by their names ("App::Net" below "App" below the root) and live to the end of
- * the process. Any thread may log.
+ * Loggers form a tree by their names: "App::Net" is below "App", which is below the root logger. "App.Net" is
+ * another spelling of "App::Net".
+ *
+ * - All functions are thread-safe.
+ * - A log call blocks until every appender has written the event.
+ * - A logger lives until the end of the process. Never delete one.
+ *
+ * @since 0.1.0
  */
 class LOG4QT_EXPORT Logger
     : public QObject
@@ -28,28 +35,37 @@ class LOG4QT_EXPORT Logger
     Q_OBJECT
 
 public:
-    /** The logger named @p name, made at the first call; the root for an empty name. */
+    /** Returns the logger with the name @p name and creates it at the first call. Empty: the root logger. */
     static Logger *logger(const QString &name);
 
-    /** The top of the tree, named "root"; its level is DEBUG_INT from the start. */
+    /** Returns the root logger. Its name is "root", its first level DEBUG_INT. */
     static Logger *rootLogger();
 
+    /** Returns true if events are also passed to the parent's appenders. */
     bool additivity() const;
 
-    /** The level that was set; NULL_INT where it is inherited. */
+    /** Returns the level that was set; NULL_INT if the parent's level is used. */
     Level level() const;
 
-    /** The level of this logger or of its nearest parent that has one. */
+    /** Returns the level of this logger or, if it has none, of the nearest parent that has one. */
     Level effectiveLevel() const;
+
+    /** Returns true if an event of @p level is passed to the appenders. */
     bool isEnabledFor(Level level) const;
+
+    /** Returns the repository of all loggers; never null. */
     LoggerRepository *loggerRepository() const;
+
+    /** Returns the name, with "::" between its parts. */
     QString name() const;
+
+    /** Returns the parent; null for the root logger. */
     Logger *parentLogger() const;
 
-    /** False: events stay with this logger's own appenders. Default true. */
+    /** Sets whether events are also passed to the parent's appenders. The default is true. */
     void setAdditivity(bool additivity);
 
-    /** NULL_INT inherits the parent's; the root takes DEBUG_INT for it. */
+    /** Sets the level. NULL_INT uses the parent's level; at the root logger it means DEBUG_INT. */
     void setLevel(Level level);
 
     void trace(const QString &message) const;
@@ -58,9 +74,11 @@ public:
     void warn(const QString &message) const;
     void error(const QString &message) const;
     void fatal(const QString &message) const;
+
+    /** Logs @p message if isEnabledFor() returns true for @p level. */
     void log(Level level, const QString &message) const;
 
-    /** Hands @p event to the appenders without asking for its level. */
+    /** Passes @p event to the appenders without checking its level. */
     void callAppenders(const LoggingEvent &event) const;
 
 private:

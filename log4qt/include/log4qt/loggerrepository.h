@@ -17,28 +17,46 @@ inline namespace zy {
 
 class Logger;
 
-/** All loggers of the process. Any thread. */
+/**
+ * All loggers of the process. All functions are thread-safe; none blocks on a file.
+ *
+ * @since 0.1.0
+ */
 class LOG4QT_EXPORT LoggerRepository : public QObject
 {
     Q_OBJECT
 
 public:
-    /** The one repository. It is never deleted, so that logging works to the very end of a host. */
+    /** Returns the only repository. It is never deleted, so logging works until the process ends. */
     static LoggerRepository *instance();
 
+    /** Returns true if the logger with the name @p name was created. The name "" is the root logger. */
     bool exists(const QString &name) const;
+
+    /** Returns true if @p level is below the threshold. */
     bool isDisabled(Level level) const;
+
+    /** Returns the logger with the name @p name and creates it at the first call. */
     Logger *logger(const QString &name);
+
+    /** Returns all loggers, including the root logger, in no particular order. */
     QList<Logger *> loggers() const;
+
     Logger *rootLogger() const;
+
+    /** Returns the lowest level that is logged; NULL_INT if every level is. */
     Level threshold() const;
 
-    /** Events below @p level reach no appender of any logger; NULL_INT lets all pass. */
+    /** Sets the lowest level that any logger logs. NULL_INT, the default, accepts every level. */
     void setThreshold(Level level);
 
-    /** Takes every logger back to its first state: no appenders, additive, no level, the root at DEBUG_INT.
+    /**
+     * Resets all loggers: no appenders, additive, no level, and DEBUG_INT at the root logger. Keeps the
+     * threshold.
      */
     void resetConfiguration();
+
+    /** Same as resetConfiguration(). */
     void shutdown();
 
 private:

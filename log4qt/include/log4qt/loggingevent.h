@@ -14,37 +14,52 @@ inline namespace zy {
 
 class Logger;
 
-/** One message on its way from a logger to its appenders, with what was true when it was raised. */
+/**
+ * One message with its level, time, thread and diagnostic context. Reentrant.
+ *
+ * @since 0.1.0
+ */
 class LOG4QT_EXPORT LoggingEvent
 {
 public:
-    /** Takes the time, the thread and the diagnostic context of the call. @p logger outlives the event. */
+    /**
+     * Creates an event with the current time, thread and diagnostic context.
+     *
+     * @param logger must exist as long as the event; may be null
+     * @param level severity
+     * @param message message
+     */
     LoggingEvent(const Logger *logger, Level level, const QString &message);
 
-    /** The same with a given time, in milliseconds since the epoch. */
+    /** Creates an event with the time @p timeStamp, in milliseconds since the epoch; negative before 1970. */
     LoggingEvent(const Logger *logger, Level level, const QString &message, qint64 timeStamp);
 
     Level level() const { return m_level; }
     QString message() const { return m_message; }
 
-    /** The top of the raising thread's diagnostic context; empty without one. */
+    /** Returns the top of the thread's diagnostic context when the event was created; empty if it had none.
+     */
     QString ndc() const { return m_ndc; }
 
-    /** The raising thread's object name, or its address where it has none. */
+    /** Returns the object name of the thread; its address in hexadecimal digits if the name is empty. */
     QString threadName() const;
 
-    /** Milliseconds since the epoch. */
+    /** Returns the time in milliseconds since the epoch. */
     qint64 timeStamp() const { return m_timeStamp; }
 
-    /** What the variable TZ held at the call; null where it was not set. */
+    /** Returns the value of the variable TZ when the event was created; null if it was not set. */
     QByteArray timeZone() const { return m_timeZone; }
 
-    /** The raising logger's name; empty without a logger. */
+    /** Returns the name of the logger; empty if the event has none. */
     QString loggername() const;
 
+    /** Same as loggername(). Use this spelling in code that also compiles with other versions of log4qt. */
+    QString loggename() const;
+
+    /** Returns the logger; null if the event has none. */
     const Logger *logger() const { return m_logger; }
 
-    /** When the first logger of the process was asked for, in milliseconds since the epoch. */
+    /** Returns the time of the first use of a logger in this process, in milliseconds since the epoch. */
     static qint64 startTime();
 
 private:

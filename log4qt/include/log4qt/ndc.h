@@ -9,23 +9,37 @@
 namespace Log4Qt {
 inline namespace zy {
 
-/** The nested diagnostic context: a stack of words for each thread, whose top stands in its lines. */
+/**
+ * Nested diagnostic context: one stack of strings for each thread. TTCCLayout prints the top of the stack.
+ *
+ * @code
+ * Log4Qt::NDC::push(QStringLiteral("import"));
+ * importFiles(); // lines that this thread logs contain "import"
+ * Log4Qt::NDC::pop();
+ * @endcode
+ *
+ * All functions are thread-safe and change the stack of the calling thread only.
+ *
+ * @since 0.1.0
+ */
 class LOG4QT_EXPORT NDC
 {
 public:
     NDC() = delete;
 
-    /** Drops all words of this thread. */
+    /** Removes all strings. */
     static void clear();
 
+    /** Returns the number of strings. */
     static int depth();
 
-    /** The top word; empty without one. */
+    /** Returns the top string; a null string if the stack is empty. */
     static QString peek();
 
-    /** Removes the top word and returns it; empty without one. */
+    /** Removes the top string and returns it; a null string if the stack is empty. */
     static QString pop();
 
+    /** Adds a string on top. */
     static void push(const QString &message);
 };
 

@@ -13,36 +13,64 @@ inline namespace zy {
 class TimestampFormat;
 
 /**
- * One line an event: time, "[thread]", level padded to five, logger's name, diagnostic context,
- * "-", message. What is switched off leaves no blank; an empty context does.
+ * Formats an event as one line: time, "[thread]", level, logger's name, diagnostic context, "-", message.
+ *
+ *     2026-11-20 07:37:57.106 [main] INFO  App::Net import - 12 files
+ *
+ * The level is padded to five characters. A field that is switched off leaves no space; an empty diagnostic
+ * context does.
+ *
+ * format() is thread-safe. Make all settings before the layout is used.
+ *
+ * @since 0.1.0
  */
 class LOG4QT_EXPORT TTCCLayout : public Layout
 {
     Q_OBJECT
 
 public:
+    /** Usual date formats, in local time. */
     enum DateFormat {
         NONE, ///< no time
         ISO8601, ///< 2026-11-20 07:37:57.106
         ABSOLUTE, ///< 07:37:57.106
-        DATE, ///< 20 Nov 2026 07:37:57.106
-        RELATIVE ///< milliseconds since the process began to log
+        DATE, ///< 20 11 2026 07:37:57.106
+        RELATIVE ///< milliseconds since the first use of a logger
     };
 
     explicit TTCCLayout(QObject *parent = nullptr);
     ~TTCCLayout() override;
 
+    /** Returns true if the logger's name is printed. */
     bool categoryPrefixing() const;
+
+    /** Returns true if the diagnostic context is printed. */
     bool contextPrinting() const;
+
+    /** Returns the date format. */
     QString dateFormat() const;
+
+    /** Returns true if the thread is printed. */
     bool threadPrinting() const;
 
+    /** Sets whether the logger's name is printed. The default is true. */
     void setCategoryPrefixing(bool categoryPrefixing);
+
+    /** Sets whether the diagnostic context is printed. The default is true. */
     void setContextPrinting(bool contextPrinting);
 
-    /** One of the words of DateFormat, or a QDateTime pattern; local time. Default "RELATIVE". */
+    /**
+     * Sets the date format.
+     *
+     * @param dateFormat name of a DateFormat, or a pattern as for QDateTime::toString(); "RELATIVE" by
+     *     default. An empty string is treated as "ISO8601".
+     */
     void setDateFormat(const QString &dateFormat);
+
+    /** Sets one of the usual date formats. */
     void setDateFormat(DateFormat dateFormat);
+
+    /** Sets whether the thread is printed. The default is true. */
     void setThreadPrinting(bool threadPrinting);
 
     QString format(const LoggingEvent &event) override;

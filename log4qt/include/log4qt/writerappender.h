@@ -11,7 +11,14 @@ class QIODevice;
 namespace Log4Qt {
 inline namespace zy {
 
-/** Writes each event's text to a device, one write for each event. */
+/**
+ * Writes the string of each event to a device, with one write for each event.
+ *
+ * All functions are thread-safe. If a write fails, the event is lost and an error line is written to the
+ * standard error stream. The next event starts on a new line.
+ *
+ * @since 0.1.0
+ */
 class LOG4QT_EXPORT WriterAppender : public AppenderSkeleton
 {
     Q_OBJECT
@@ -20,31 +27,35 @@ public:
     explicit WriterAppender(QObject *parent = nullptr);
     ~WriterAppender() override;
 
-    /** The codec that was set; null for Qt's codec of the locale. */
+    /** Returns the codec that was set; null if Qt's codec for the locale is used. */
     QTextCodec *encoding() const;
 
-    /** True (the default): each event is in the file when doAppend() returns. */
+    /** Returns true if each event is flushed. */
     bool immediateFlush() const;
+
     bool requiresLayout() const override;
 
-    /** Takes effect when the device is set; null for Qt's codec of the locale. */
+    /** Sets the codec; null, the default, for Qt's codec for the locale. Takes effect at activateOptions().
+     */
     void setEncoding(QTextCodec *encoding);
+
+    /** Sets whether each event is flushed to the file before doAppend() returns. The default is true. */
     void setImmediateFlush(bool immediateFlush);
 
     void close() override;
 
 protected:
     void append(const LoggingEvent &event) override;
-    bool checkEntryConditions() const override;
 
-    /** Writes to @p device from here on, which is not owned; null ends the output. */
+    /** Sets the device, which is not owned. Null ends the output: later events are dropped. */
     void setDevice(QIODevice *device);
 
-    /** Sends to the device what it holds back. */
+    /** Flushes the device. Returns false if that fails. */
     virtual bool flushDevice() = 0;
 
 private:
     void write(const QString &text);
+    void writeLine(const QString &text);
 
     QIODevice *m_device = nullptr;
     QTextCodec *m_encoding = nullptr;

@@ -1,0 +1,1 @@
+../recipes/quitting-in-time/QuitInTime.cpp

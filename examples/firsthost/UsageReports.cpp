@@ -1,0 +1,1 @@
+../recipes/consent-for-reports/UsageReports.cpp
