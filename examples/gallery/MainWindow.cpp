@@ -17,8 +17,11 @@
 #include <ZyBase/platform/CSystemUtils.h>
 
 #include <QDir>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QListWidget>
+#include <QScreen>
+#include <QScrollArea>
 #include <QStackedWidget>
 
 namespace {
@@ -27,7 +30,7 @@ enum Appearances { SameAsDesktop, Light, Dark };
 
 constexpr int sideWidth = 212;
 constexpr int navigationHeight = 40;
-const QSize firstSize(1040, 720);
+const QSize initialSize(1040, 720);
 
 // Files of the local services.
 constexpr const char *smallFile = "files/version.json";
@@ -57,7 +60,7 @@ MainWindow::MainWindow(const QString &directory, const DevelopmentServices &serv
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addWidget(createSidebar());
-    layout->addWidget(m_pages, 1);
+    layout->addWidget(createScrollArea(), 1);
 
     add(Glyph::Log, new LogPage(directory));
     add(Glyph::Request, new RequestPage(urlBelow(services.downloads, smallFile)));
@@ -67,7 +70,7 @@ MainWindow::MainWindow(const QString &directory, const DevelopmentServices &serv
     add(Glyph::Machine, new MachinePage);
     add(Glyph::Reports, new ReportsPage(services.statistics));
     m_navigation->setCurrentRow(0);
-    resize(firstSize);
+    resize(initialSize.boundedTo(QGuiApplication::primaryScreen()->availableSize()));
     followDesktop();
 }
 
@@ -95,6 +98,16 @@ QWidget *MainWindow::createSidebar()
     layout->addWidget(m_appearance);
     layout->addWidget(m_desktopTheme);
     return side;
+}
+
+// A small screen shows a part of a page.
+QWidget *MainWindow::createScrollArea()
+{
+    auto *const area = new QScrollArea;
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setWidget(m_pages);
+    return area;
 }
 
 void MainWindow::add(Glyph glyph, Page *page)

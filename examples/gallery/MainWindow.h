@@ -28,6 +28,7 @@ public:
 
 private:
     QWidget *createSidebar();
+    QWidget *createScrollArea();
     void add(Glyph glyph, Page *page);
     void chooseAppearance(int choice);
     void followDesktop();

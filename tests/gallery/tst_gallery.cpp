@@ -10,6 +10,7 @@
 #include <QDir>
 #include <QProcess>
 #include <QProgressBar>
+#include <QScrollArea>
 #include <QStackedWidget>
 #include <QStandardPaths>
 #include <QThreadPool>
@@ -73,6 +74,23 @@ private Q_SLOTS:
                                     QStringLiteral("QR code"),      QStringLiteral("Machine"),
                                     QStringLiteral("Usage reports")};
         QCOMPARE(titles, expected);
+    }
+
+    void fitsSmallScreen()
+    {
+        const QSize screen(1024, 600);
+        const QString name(200, QLatin1Char('n'));
+        gallery().open(Download);
+        gallery().type("downloadUrl", QStringLiteral("http://127.0.0.1:1/") + name);
+        gallery().click("downloadStart");
+        QTRY_VERIFY_WITH_TIMEOUT(gallery().isEnabled("downloadStart"), timeoutMs);
+        QVERIFY(gallery().text("downloadFile").contains(QStringLiteral("…")));
+        QVERIFY(gallery().rows("downloadHistory").first().startsWith(name));
+
+        gallery().window().resize(screen);
+        QCOMPARE(gallery().window().size(), screen);
+        const auto *const pages = gallery().window().findChild<QScrollArea *>();
+        QVERIFY(pages->widget()->width() <= pages->viewport()->width());
     }
 
     void followsDesktopTheme()

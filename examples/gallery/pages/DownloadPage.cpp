@@ -17,6 +17,7 @@ using ZyBase::DownloadManager;
 
 namespace {
 
+constexpr int fileNameWidth = 400;
 constexpr int maxProgress = 1000;
 
 } // namespace
@@ -86,7 +87,7 @@ void DownloadPage::start()
     const QUrl url = QUrl::fromUserInput(m_url->text());
     m_isStopped = false;
     m_path.clear();
-    m_file->setText(url.fileName());
+    showFileName(url.fileName());
     m_bar->setValue(0);
     QDir().mkpath(m_directory);
     const bool isRunning = m_download.StartDownload(url, m_directory);
@@ -126,7 +127,14 @@ void DownloadPage::showOutcome(Pill::Tone tone, const QString &outcome)
 {
     m_state->setState(tone, outcome);
     const QString size = m_path.isEmpty() ? QStringLiteral("–") : CFileUtils::GetFileSize(m_path);
-    m_history->insertTopLevelItem(0, new QTreeWidgetItem({m_file->text(), outcome, size}));
+    m_history->insertTopLevelItem(0, new QTreeWidgetItem({m_fileName, outcome, size}));
+}
+
+void DownloadPage::showFileName(const QString &name)
+{
+    m_fileName = name;
+    m_file->setText(m_file->fontMetrics().elidedText(name, Qt::ElideMiddle, fileNameWidth));
+    m_file->setToolTip(name);
 }
 
 void DownloadPage::setRunning(bool isRunning)

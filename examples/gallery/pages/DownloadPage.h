@@ -32,11 +32,13 @@ private:
     void showProgress(qint64 received, qint64 total, const QString &speed);
     void finish(bool isDone, const QString &path);
     void showOutcome(Pill::Tone tone, const QString &outcome);
+    void showFileName(const QString &name);
     void setRunning(bool isRunning);
 
     const QString m_directory;
     ZyBase::DownloadManager m_download;
     bool m_isStopped = false;
+    QString m_fileName;
     QString m_path; ///< of the last downloaded file
     QLineEdit *m_url;
     QPushButton *m_start;
