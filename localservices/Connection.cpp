@@ -2,8 +2,6 @@
 
 #include "Connection.h"
 
-#include <QList>
-
 #include <openssl/ssl.h>
 
 #include <poll.h>
@@ -12,24 +10,9 @@
 
 #include <cerrno>
 #include <limits>
+#include <utility>
 
 namespace LocalServices {
-
-namespace {
-
-const QByteArray endOfHead = QByteArrayLiteral("\r\n\r\n");
-
-int bodySize(const QByteArray &head)
-{
-    const QList<QByteArray> lines = head.split('\n');
-    for (const QByteArray &line : lines) {
-        if (line.toLower().startsWith("content-length:"))
-            return line.mid(line.indexOf(':') + 1).trimmed().toInt();
-    }
-    return 0;
-}
-
-} // namespace
 
 void Connection::FreeTls::operator()(ssl_st *tls) const
 {
@@ -46,12 +29,7 @@ Connection::Connection(int socket, ssl_ctx_st *tls)
 
 Connection::~Connection()
 {
-    if (m_isReset) {
-        const linger atOnce {1, 0};
-        setsockopt(m_socket, SOL_SOCKET, SO_LINGER, &atOnce, sizeof(atOnce));
-    } else if (m_tls) {
-        SSL_shutdown(m_tls.get());
-    }
+    finish();
     m_tls.reset();
     ::close(m_socket);
 }
@@ -94,23 +72,6 @@ bool Connection::write(const char *data, qint64 size)
     return true;
 }
 
-QByteArray Connection::readRequest()
-{
-    QByteArray request;
-    int wanted = std::numeric_limits<int>::max();
-    while (request.size() < wanted) {
-        char buffer[16384];
-        const qint64 size = read(buffer, sizeof(buffer));
-        if (size <= 0)
-            return QByteArray();
-        request.append(buffer, int(size));
-        const int head = request.indexOf(endOfHead);
-        if (head >= 0)
-            wanted = head + endOfHead.size() + bodySize(request.left(head));
-    }
-    return request;
-}
-
 bool Connection::sleep(int milliseconds)
 {
     pollfd client {m_socket, POLLRDHUP, 0};
@@ -134,7 +95,15 @@ void Connection::closeSending()
 
 void Connection::reset()
 {
+    const linger atOnce {1, 0};
+    ::setsockopt(m_socket, SOL_SOCKET, SO_LINGER, &atOnce, sizeof(atOnce));
     m_isReset = true;
+}
+
+void Connection::finish()
+{
+    if (m_tls && !m_isReset && !std::exchange(m_isFinished, true))
+        SSL_shutdown(m_tls.get());
 }
 
 } // namespace LocalServices

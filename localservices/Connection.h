@@ -12,46 +12,46 @@ struct ssl_st;
 namespace LocalServices {
 
 /**
- * One client's connection, plain or under TLS, for the thread that serves it. Every call that waits
- * returns at once, as failed, when the client goes away or the server stops.
+ * One TCP connection, plain or with TLS, for use in one thread. Calls that block fail at once if the client
+ * closes the connection or the server stops.
  */
 class Connection
 {
 public:
-    /** Takes over the socket. A null @p tls is for plain connections. */
+    /** Takes ownership of the socket. The connection uses TLS if @p tls is not null. */
     Connection(int socket, ssl_ctx_st *tls);
     ~Connection();
 
-    /** The TLS handshake; true at once on a plain connection. */
+    /** Performs the TLS handshake. Returns true without a handshake if the connection is plain. */
     bool accept();
 
-    /** Goes on under TLS: the handshake of a plain connection that isn't to stay one. */
+    /** Switches a plain connection to TLS and performs the handshake. */
     bool acceptTls(ssl_ctx_st *tls);
 
-    /** @return the number of bytes read, at most @p size; 0 at the end, -1 for a failure */
+    /** Reads at most @p size bytes. Returns their number, 0 at the end of the data, or -1 after a failure. */
     qint64 read(char *data, qint64 size);
 
-    /** Writes all of it. */
+    /** Writes all bytes. Returns false after a failure. */
     bool write(const char *data, qint64 size);
     bool write(const QByteArray &data) { return write(data.constData(), data.size()); }
 
-    /** One request with head and body (by Content-Length) as it came; empty when none did. */
-    QByteArray readRequest();
-
-    /** @return false when the client went away meanwhile */
+    /** Waits for this time. Returns false at once if the client closes the connection. */
     bool sleep(int milliseconds);
 
-    /** Answers nothing until the client goes away. */
+    /** Waits until the client closes the connection. */
     void waitForClose();
 
-    /** True when read() gives bytes that have already come, which the socket doesn't show. */
+    /** Returns true if TLS has decrypted bytes that read() returns although the socket has no data. */
     bool hasPending() const;
 
-    /** Closes our direction only. */
+    /** Closes the connection for writing only. */
     void closeSending();
 
-    /** Has the connection end with a reset instead of in good order, once the serving function returns. */
+    /** Makes the destructor end the connection with a TCP reset. */
     void reset();
+
+    /** Announces the end of a TLS connection to the client, unless reset() was called. */
+    void finish();
 
     int socket() const { return m_socket; }
 
@@ -66,6 +66,7 @@ private:
     int m_socket;
     std::unique_ptr<ssl_st, FreeTls> m_tls;
     bool m_isReset = false;
+    bool m_isFinished = false;
 };
 
 } // namespace LocalServices

@@ -11,7 +11,6 @@ namespace LocalServices {
 
 namespace {
 
-constexpr int noContent = 204;
 constexpr int maximumBodySize = 130 * 1024;
 constexpr int maximumEvents = 25;
 constexpr int maximumParams = 25;
@@ -105,7 +104,7 @@ HttpServer::Response GaCollector::collect(const HttpServer::Request &request)
         m_watcher(event);
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_events.append(event);
-    return {noContent, {}};
+    return {HttpStatus::NoContent, {}};
 }
 
 } // namespace LocalServices

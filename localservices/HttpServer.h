@@ -2,83 +2,70 @@
 
 #pragma once
 
-#include "Certificates.h"
+#include "Http.h"
+#include "HttpStatus.h"
+#include "Listener.h"
 
-#include <QList>
 #include <QMap>
-#include <QPair>
 #include <QUrl>
-
-#include <functional>
-#include <memory>
 
 namespace LocalServices {
 
 /**
- * An HTTP server on loopback, or an HTTPS one where a certificate is given. GET and POST alike:
+ * An HTTP server on loopback, or an HTTPS server if a certificate is passed. It answers every method alike:
  *
- * | Path                    | Answer                                                              |
+ * | Path                    | Response                                                            |
  * |-------------------------|---------------------------------------------------------------------|
- * | /echo                   | the body of the request; its target when there is none              |
+ * | /echo                   | the body of the request, or its target if the body is empty         |
  * | /status/N               | status N with the body "status N"                                   |
  * | /redirect/N?to=TARGET   | status N with the header "Location: TARGET" and the body "moved"    |
  * | /never                  | none: the connection stays open                                     |
  * | /drip                   | one byte every 100 ms, without end                                  |
- * | /cut/N                  | a body of N bytes that breaks off in the middle                     |
- * | /chunked/N              | N bytes in chunks, without a length                                 |
- * | /gzip/N                 | N bytes, compressed                                                 |
- * | /bytes/N?rate=R         | N bytes, at R bytes a second or as fast as can be                   |
+ * | /cut/N                  | a body of N bytes that ends after N/2 bytes                         |
+ * | /chunked/N              | N bytes in chunks, without a Content-Length                         |
+ * | /gzip/N                 | N bytes, compressed with gzip                                       |
+ * | /bytes/N?rate=R         | N bytes, at R bytes per second or, without a rate, at full speed    |
  *
- * A path may go on with "/anything", so that a download finds its file name there. The N bytes are
- * those of content(). Connections are closed after each answer.
+ * "/anything" may follow each path, to set the file name of a download. The N bytes are those of content().
+ * Other paths are answered with status 404. The connection is closed after each response.
  */
 class HttpServer
 {
 public:
-    struct Request
-    {
-        QByteArray method;
-        QByteArray target; ///< path and query as they stood on the wire
-        QList<QPair<QByteArray, QByteArray>> headers; ///< in their order
-        QByteArray body;
+    using Request = HttpRequest;
+    using Response = HttpResponse;
 
-        /** The value of the header, whatever the case of its name; null when there is none. */
-        QByteArray header(const QByteArray &name) const;
-    };
-
-    /** A service's own answer: the status, and the body that goes with it. Any thread. */
-    struct Response
-    {
-        int status;
-        QByteArray body;
-        QByteArray contentType = QByteArrayLiteral("application/json");
-    };
+    /** Returns the response to one request. Called in the thread of the connection. */
     using Answer = std::function<Response(const Request &)>;
 
-    /** Answers at the paths of @p answers as well. */
+    /** Starts the server. It also answers the paths that are the keys of @p answers. */
     explicit HttpServer(const Certificate &certificate = {}, const QMap<QString, Answer> &answers = {});
-
-    /** Ends all connections, those of requests that hang too, and returns at once. */
-    ~HttpServer();
 
     QUrl url(const QString &pathAndQuery) const;
 
-    /** The requests so far, in the order in which their answers began. Any thread. */
+    /** Returns the requests to known paths, in the order in which their responses began. Thread-safe. */
     QList<Request> requests() const;
 
-    /** Empties the record. Any thread. */
+    /** Removes all requests from the record. Thread-safe. */
     void forgetRequests();
 
-    /** How many connections are open. Any thread. */
-    int openConnections() const;
+    /** Returns the number of open connections. Thread-safe. */
+    int openConnections() const { return m_listener.openConnections(); }
 
+    /** Returns the first @p size bytes of the test data that the paths with N send. */
     static QByteArray content(int size);
 
 private:
     Q_DISABLE_COPY(HttpServer)
-    class Private;
 
-    std::unique_ptr<Private> d;
+    void serve(Connection &connection);
+    void record(const Request &request);
+
+    const QString m_scheme;
+    const QMap<QString, Answer> m_answers;
+    mutable std::mutex m_mutex;
+    QList<Request> m_requests; ///< guarded by m_mutex
+    Listener m_listener; ///< last, so that its threads end before the other members are destroyed
 };
 
 } // namespace LocalServices

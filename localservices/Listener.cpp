@@ -9,22 +9,32 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
+#include <cstring>
 
 namespace LocalServices {
 
 namespace {
 
-int createSocket()
+// Returns a listening socket, or -1 if the port is in use.
+int createSocket(quint16 port)
 {
     const int socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    // Lets the next run use the port although connections to it were just closed.
+    const int on = 1;
+    ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof(on));
     sockaddr_in address {};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    const auto *const anyPort = reinterpret_cast<const sockaddr *>(&address);
-    if (::bind(socket, anyPort, sizeof(address)) != 0 || ::listen(socket, SOMAXCONN) != 0)
-        qFatal("A local service can't listen on 127.0.0.1");
-    return socket;
+    address.sin_port = htons(port);
+    const auto *const generic = reinterpret_cast<const sockaddr *>(&address);
+    if (::bind(socket, generic, sizeof(address)) == 0 && ::listen(socket, SOMAXCONN) == 0)
+        return socket;
+    if (port == 0)
+        qFatal("local services: cannot listen on 127.0.0.1: %s", std::strerror(errno));
+    ::close(socket);
+    return -1;
 }
 
 quint16 portOf(int socket)
@@ -35,7 +45,7 @@ quint16 portOf(int socket)
     return ntohs(address.sin_port);
 }
 
-// A client that went away must not end the process; OpenSSL writes without MSG_NOSIGNAL.
+// OpenSSL writes without MSG_NOSIGNAL, and a write after the client closed must not end the process.
 void ignoreBrokenPipes()
 {
     sigset_t signals;
@@ -46,17 +56,21 @@ void ignoreBrokenPipes()
 
 } // namespace
 
-Listener::Listener(Serve serve, const Certificate &certificate)
+Listener::Listener(Serve serve, const Certificate &certificate, quint16 port)
     : m_serve(std::move(serve))
     , m_tls(createTls(certificate))
-    , m_socket(createSocket())
-    , m_port(portOf(m_socket))
-    , m_acceptor(&Listener::acceptConnections, this)
+    , m_socket(createSocket(port))
 {
+    if (!isListening())
+        return;
+    m_port = portOf(m_socket);
+    m_acceptor = std::thread(&Listener::acceptConnections, this);
 }
 
 Listener::~Listener()
 {
+    if (!isListening())
+        return;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_isStopping = true;
@@ -70,7 +84,7 @@ Listener::~Listener()
     ::close(m_socket);
 }
 
-int Listener::openConnections()
+int Listener::openConnections() const
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     return int(m_connections.size());
@@ -116,6 +130,7 @@ void Listener::serveConnection(int socket)
     auto connection = std::make_unique<Connection>(socket, m_tls.get());
     if (connection->accept())
         m_serve(*connection);
+    connection->finish(); // before the mutex is locked: it may block until the destructor ends the connection
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_connections.erase(socket);
     connection.reset();

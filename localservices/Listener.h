@@ -14,21 +14,31 @@
 
 namespace LocalServices {
 
-/** Accepts connections on a loopback port of its own and serves each in a thread, until it is destroyed. */
+/** Accepts connections on 127.0.0.1 and handles each in its own thread, until the object is destroyed. */
 class Listener
 {
 public:
     using Serve = std::function<void(Connection &)>;
 
-    /** Under TLS where a certificate is given; any version that OpenSSL knows. */
-    explicit Listener(Serve serve, const Certificate &certificate = {});
+    /**
+     * Starts to listen.
+     *
+     * @param serve called in the thread of each connection, which is closed when the function returns
+     * @param certificate if not empty, connections use TLS, in any version that OpenSSL supports
+     * @param port a port number; 0 uses any free port
+     */
+    explicit Listener(Serve serve, const Certificate &certificate = {}, quint16 port = 0);
 
-    /** Ends all connections, whatever they wait for, and their threads. */
+    /** Ends all connections at once, and waits for their threads. */
     ~Listener();
 
+    /** Returns false if the port is in use. */
+    bool isListening() const { return m_socket >= 0; }
+
     quint16 port() const { return m_port; }
-    int socket() const { return m_socket; }
-    int openConnections();
+
+    /** Returns the number of open connections. Thread-safe. */
+    int openConnections() const;
 
 private:
     Q_DISABLE_COPY(Listener)
@@ -48,10 +58,10 @@ private:
     std::shared_ptr<ssl_ctx_st> m_tls;
     int m_socket = -1;
     quint16 m_port = 0;
-    std::mutex m_mutex;
-    std::set<int> m_connections; ///< under m_mutex
-    bool m_isStopping = false; ///< under m_mutex
-    std::list<Worker> m_workers; ///< of the accepting thread
+    mutable std::mutex m_mutex;
+    std::set<int> m_connections; ///< guarded by m_mutex
+    bool m_isStopping = false; ///< guarded by m_mutex
+    std::list<Worker> m_workers; ///< used by the accepting thread only
     std::thread m_acceptor;
 };
 

@@ -2,6 +2,8 @@
 
 #include "Proxy.h"
 
+#include "Http.h"
+#include "HttpStatus.h"
 #include "Tls.h"
 
 #include <QHostAddress>
@@ -17,13 +19,8 @@ namespace LocalServices {
 
 namespace {
 
-constexpr int nowhere = 0;
+constexpr int noPort = 0;
 constexpr int httpPort = 80;
-
-const QByteArray connectMethod = QByteArrayLiteral("CONNECT");
-const QByteArray established = QByteArrayLiteral("HTTP/1.1 200 Connection established\r\n\r\n");
-const QByteArray badGateway = QByteArrayLiteral("HTTP/1.1 502 Bad Gateway\r\nContent-Length: 0\r\n"
-                                                "Connection: close\r\n\r\n");
 
 bool isLoopback(const QUrl &target)
 {
@@ -43,30 +40,30 @@ int connectTo(int port)
     return -1;
 }
 
-// False when there is nothing more to come.
-bool pass(Connection &from, Connection &to)
+// Copies the bytes that are available. Returns false at the end of the connection.
+bool copy(Connection &from, Connection &to)
 {
     char buffer[16384];
     const qint64 size = from.read(buffer, sizeof(buffer));
     return size > 0 && to.write(buffer, size);
 }
 
-// Passes bytes on in both directions until either side closes.
-void relay(Connection &client, Connection &standIn)
+// Copies bytes in both directions until either side closes the connection.
+void relay(Connection &client, Connection &server)
 {
     while (true) {
-        pollfd sockets[] {{client.socket(), POLLIN, 0}, {standIn.socket(), POLLIN, 0}};
-        constexpr int forEver = -1;
-        if (!client.hasPending() && ::poll(sockets, 2, forEver) < 0 && errno != EINTR)
+        pollfd sockets[] {{client.socket(), POLLIN, 0}, {server.socket(), POLLIN, 0}};
+        constexpr int forever = -1;
+        if (!client.hasPending() && ::poll(sockets, 2, forever) < 0 && errno != EINTR)
             return;
-        if ((client.hasPending() || sockets[0].revents) && !pass(client, standIn))
+        if ((client.hasPending() || sockets[0].revents) && !copy(client, server))
             return;
-        if (sockets[1].revents && !pass(standIn, client))
+        if (sockets[1].revents && !copy(server, client))
             return;
     }
 }
 
-// "GET http://host/path HTTP/1.1" becomes "GET /path HTTP/1.1", and the header for proxies goes.
+// "GET http://host/path HTTP/1.1" becomes "GET /path HTTP/1.1", without the header for proxies.
 QByteArray inOriginForm(const QByteArray &request)
 {
     const int target = request.indexOf(' ') + 1;
@@ -91,10 +88,10 @@ Proxy::Proxy(Issue issue)
 {
 }
 
-void Proxy::route(const QString &host, const QUrl &standIn)
+void Proxy::route(const QString &host, const QUrl &server)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    m_ports.insert(host.toLower(), standIn.port());
+    m_ports.insert(host.toLower(), server.port());
 }
 
 QStringList Proxy::requestLines() const
@@ -108,52 +105,36 @@ int Proxy::portFor(const QUrl &target) const
     if (isLoopback(target))
         return target.port(httpPort);
     const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_ports.value(target.host(), m_ports.value(QString(), nowhere));
+    return m_ports.value(target.host(), m_ports.value(QString(), noPort));
 }
 
 void Proxy::serve(Connection &client)
 {
-    const QByteArray request = client.readRequest();
-    if (request.isEmpty())
+    QByteArray received;
+    const std::optional<HttpRequest> request = readRequest(client, &received);
+    if (!request)
         return;
-    const QByteArray line = request.left(request.indexOf("\r\n"));
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        m_requestLines << QString::fromLatin1(line);
+        m_requestLines << QString::fromLatin1(received.left(received.indexOf("\r\n")));
     }
-    const QList<QByteArray> words = line.split(' ');
-    const QString asked = QString::fromLatin1(words.value(1));
-    if (words.first() == connectMethod)
-        tunnel(client, QUrl(QLatin1String("//") + asked));
-    else
-        forward(client, request, QUrl(asked));
-}
-
-void Proxy::tunnel(Connection &client, const QUrl &target)
-{
+    const bool isTunnel = request->method == "CONNECT";
+    const QString address = QString::fromLatin1(request->target);
+    const QUrl target(isTunnel ? QLatin1String("//") + address : address);
     const int socket = connectTo(portFor(target));
     if (socket < 0) {
-        client.write(badGateway);
+        writeResponse(client, *request, {HttpStatus::BadGateway, {}});
         return;
     }
-    Connection standIn(socket, nullptr);
-    if (!client.write(established))
-        return;
-    if (!isLoopback(target) && !client.acceptTls(createTls(m_issue(target.host())).get()))
-        return;
-    relay(client, standIn);
+    Connection server(socket, nullptr);
+    if (isTunnel ? startTunnel(client, target) : server.write(inOriginForm(received)))
+        relay(client, server);
 }
 
-void Proxy::forward(Connection &client, const QByteArray &request, const QUrl &target)
+bool Proxy::startTunnel(Connection &client, const QUrl &target) const
 {
-    const int socket = connectTo(portFor(target));
-    if (socket < 0) {
-        client.write(badGateway);
-        return;
-    }
-    Connection standIn(socket, nullptr);
-    if (standIn.write(inOriginForm(request)))
-        relay(client, standIn);
+    return client.write("HTTP/1.1 200 Connection established\r\n\r\n")
+           && (isLoopback(target) || client.acceptTls(createTls(m_issue(target.host())).get()));
 }
 
 } // namespace LocalServices

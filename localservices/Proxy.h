@@ -11,60 +11,61 @@
 namespace LocalServices {
 
 /**
- * An HTTP proxy that leads any host name to a local stand-in, so that code which asks a fixed host in
- * the world reaches one of ours instead:
+ * An HTTP proxy that routes any host name to a local server. It connects code that uses a fixed host name
+ * to a local service:
  *
  * @code
- * const Authority authority;       // which the default SSL configuration is told to trust
+ * const Authority authority;       // add it to the default SSL configuration
  * const HttpServer server;
  * Proxy proxy(authority);
  * proxy.route("service.example.org", server.url("/"));
  * QNetworkProxy::setApplicationProxy({QNetworkProxy::HttpProxy, "127.0.0.1", proxy.port()});
  * @endcode
  *
- * It knows requests in absolute form ("GET http://host/path") and CONNECT. Under CONNECT it is itself
- * the TLS server, with a certificate for the asked name; what a stand-in gets is plain HTTP in either
- * case, one request a connection, and its "Host" header has the asked name. Loopback addresses are
- * led to themselves, and their TLS is left alone. A name that leads nowhere is answered by status 502.
+ * The proxy accepts requests in absolute form ("GET http://host/path") and CONNECT. After CONNECT, the proxy
+ * is the TLS server, with a certificate for the requested name. The local server always receives plain HTTP,
+ * one request per connection, with the requested name in the "Host" header.
+ *
+ * Connections to loopback addresses are passed on unchanged. A name without a route is answered with
+ * status 502.
  */
 class Proxy
 {
 public:
     using Issue = std::function<Certificate(const QString &host)>;
 
-    /** With good certificates of the authority, which must outlive the proxy. */
+    /** Uses certificates issued by the authority, which must outlive the proxy. */
     explicit Proxy(const Authority &authority);
 
-    /** With those that @p issue gives for the asked host; it is called in threads of the connections. */
+    /** Uses the certificates that @p issue returns. It is called in the threads of the connections. */
     explicit Proxy(Issue issue);
 
     quint16 port() const { return m_listener.port(); }
 
-    /** Leads @p host to the server of @p standIn, a plain HTTP URL of which the rest is ignored. */
-    void route(const QString &host, const QUrl &standIn);
+    /** Routes @p host to the port of @p server, a plain HTTP server on loopback. */
+    void route(const QString &host, const QUrl &server);
 
-    /** Leads there all names that weren't led elsewhere. */
-    void routeAll(const QUrl &standIn) { route(QString(), standIn); }
+    /** Routes all other names to the port of @p server. */
+    void routeAll(const QUrl &server) { route(QString(), server); }
 
-    /** The first lines of the requests so far, such as "CONNECT host:443 HTTP/1.1". Any thread. */
+    /** Returns the first lines of the requests so far, such as "CONNECT host:443 HTTP/1.1". Thread-safe. */
     QStringList requestLines() const;
 
-    /** How many connections are open. Any thread. */
-    int openConnections() { return m_listener.openConnections(); }
+    /** Returns the number of open connections. Thread-safe. */
+    int openConnections() const { return m_listener.openConnections(); }
 
 private:
     Q_DISABLE_COPY(Proxy)
 
     void serve(Connection &client);
-    void tunnel(Connection &client, const QUrl &target);
-    void forward(Connection &client, const QByteArray &request, const QUrl &target);
+    bool startTunnel(Connection &client, const QUrl &target) const;
     int portFor(const QUrl &target) const;
 
     const Issue m_issue;
     mutable std::mutex m_mutex;
-    QMap<QString, int> m_ports; ///< under m_mutex
-    QStringList m_requestLines; ///< under m_mutex
-    Listener m_listener; ///< goes first: its threads use the rest
+    QMap<QString, int> m_ports; ///< guarded by m_mutex
+    QStringList m_requestLines; ///< guarded by m_mutex
+    Listener m_listener; ///< last, so that its threads end before the other members are destroyed
 };
 
 } // namespace LocalServices

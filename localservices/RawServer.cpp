@@ -2,6 +2,8 @@
 
 #include "RawServer.h"
 
+#include "Http.h"
+
 namespace LocalServices {
 
 RawServer::Answer RawServer::answerWith(const QByteArray &body)
@@ -16,8 +18,8 @@ RawServer::RawServer(Answer answer, const Certificate &certificate)
     : m_scheme(certificate.certificate.isEmpty() ? QStringLiteral("http") : QStringLiteral("https"))
     , m_listener(
           [this, answer = std::move(answer)](Connection &client) {
-              const QByteArray request = client.readRequest();
-              if (request.isEmpty())
+              QByteArray request;
+              if (!readRequest(client, &request))
                   return;
               {
                   const std::lock_guard<std::mutex> lock(m_mutex);

@@ -10,7 +10,8 @@
 namespace LocalServices {
 
 /**
- * Reads one request a connection and has a function answer it byte by byte, as badly as wanted:
+ * Reads one request per connection and calls a function that writes the answer byte by byte, valid HTTP
+ * or not:
  *
  * @code
  * RawServer server([](Connection &client) {
@@ -19,21 +20,21 @@ namespace LocalServices {
  * });
  * @endcode
  *
- * The function is called in a thread of each connection; the connection is closed when it returns.
+ * The function is called in the thread of the connection. The connection is closed when it returns.
  */
 class RawServer
 {
 public:
     using Answer = std::function<void(Connection &)>;
 
-    /** Answers each request with status 200 and just this body. */
+    /** Returns a function that answers with status 200 and this body. */
     static Answer answerWith(const QByteArray &body);
 
     explicit RawServer(Answer answer, const Certificate &certificate = {});
 
     QUrl url(const QString &pathAndQuery = QStringLiteral("/")) const;
 
-    /** The requests so far, each as it stood on the wire. Any thread. */
+    /** Returns the requests so far, as received. Thread-safe. */
     QList<QByteArray> requests() const;
 
     /** The number of open connections. Any thread. */
@@ -45,7 +46,7 @@ private:
     mutable std::mutex m_mutex;
     QList<QByteArray> m_requests;
     const QString m_scheme;
-    Listener m_listener; ///< goes first: its threads use the rest
+    Listener m_listener; ///< last, so that its threads end before the other members are destroyed
 };
 
 } // namespace LocalServices

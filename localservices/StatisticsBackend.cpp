@@ -11,9 +11,7 @@ namespace LocalServices {
 
 namespace {
 
-constexpr int taken = 200;
-constexpr int refused = 403;
-constexpr qint64 patienceSeconds = 300;
+constexpr qint64 maximumAgeSeconds = 300;
 
 // The query's last two keys; what stands before them belongs to the backend's own address.
 const QString queryForm = QStringLiteral("\\?sign=([0-9a-f]{32})&timestamp=([0-9]+)\\z");
@@ -71,7 +69,7 @@ HttpServer::Response StatisticsBackend::receive(const HttpServer::Request &reque
     check(request.method == "POST", "method");
     check(request.header("Content-Type") == "application/json", "Content-Type");
     check(query.hasMatch(), "query");
-    check(qAbs(QDateTime::currentSecsSinceEpoch() - record.timestamp) <= patienceSeconds, "timestamp");
+    check(qAbs(QDateTime::currentSecsSinceEpoch() - record.timestamp) <= maximumAgeSeconds, "timestamp");
     check(QCryptographicHash::hash(text, QCryptographicHash::Md5).toHex() == record.signature, "sign");
     check(record.body.keys() == keys() && areTexts(record.body), "keys");
     check(QRegularExpression(dayForm).match(record.body.value(QStringLiteral("day")).toString()).hasMatch(),
@@ -80,8 +78,8 @@ HttpServer::Response StatisticsBackend::receive(const HttpServer::Request &reque
         m_watcher(record);
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_records.append(record);
-    return record.problems.isEmpty() ? HttpServer::Response {taken, "{\"code\":0}"}
-                                     : HttpServer::Response {refused, "{\"code\":1}"};
+    return record.problems.isEmpty() ? HttpServer::Response {HttpStatus::Ok, "{\"code\":0}"}
+                                     : HttpServer::Response {HttpStatus::Forbidden, "{\"code\":1}"};
 }
 
 } // namespace LocalServices

@@ -7,86 +7,125 @@
 namespace ZyBase {
 
 /**
- * The file log of a host: one for the process, written by log4qt.
+ * Writes the log file of the host application (the application that loads the library).
+ *
+ * The process has one log, which is written with log4qt. The library itself logs nothing in it. If you need
+ * other levels, formats or destinations, attach appenders to log4qt's root logger, or use log4qt instead.
  *
  * @code
- * const QByteArray base = QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation).toUtf8();
- * QDir().mkpath(QString::fromUtf8(base));     // the log makes its own "log" folder and no more
- * ZyBase::LoggerObject::InitLogger("app.log", base.constData());
+ * const QString directory = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+ * QDir().mkpath(directory);
+ * ZyBase::LoggerObject::InitLogger("app.log", directory.toUtf8().constData());
  * ZyBase::LoggerObject::info("started");
- * ...
+ * const int exitCode = QCoreApplication::exec();
  * ZyBase::LoggerObject::ReleaseLogger();
  * @endcode
  *
- * A line carries the local time, the level, the top of log4qt's diagnostic context and the message:
+ * A line contains the local time, the level, the top of log4qt's diagnostic context and the message:
  *
  *     2026-11-20 07:37:57.106 INFO   - started
  *
- * Each line is in the file when the call returns; a crash of the host loses none. The log is the
- * host's alone: the library writes nothing to it.
+ * **Threads.** error(), warn(), info() and debug() are thread-safe between InitLogger() and ReleaseLogger();
+ * lines never interleave. InitLogger(), ReleaseLogger() and the first call of any function are not
+ * thread-safe: no other function may run at the same time. Every function may be called from the GUI thread.
  *
- * Texts are NUL-terminated UTF-8; the file is in the encoding of the locale, UTF-8 as a rule. No function
- * reports a failure or throws. A log file that can't be opened costs nothing but the lines: log4qt says so on
- * the standard error stream, once at InitLogger() and once for each line.
+ * **Blocking.** A message blocks until its line is written to the file, and until messages of other threads
+ * are written. Usually this takes microseconds, but a slow disk or a network file system can take seconds.
+ * There is no time limit. While the log is off, a message costs one test of a pointer.
  *
- * **Threads.** The first call of any function, InitLogger() and ReleaseLogger() are for one thread
- * at a time and must not overlap any other call. Between the two, error(), warn(), info() and
- * debug() may be called from any thread; lines never interleave.
+ * **Failures.** No function reports a failure or throws. If InitLogger() cannot open the file, log4qt writes
+ * an error to the standard error stream, and one more for each line that is lost. If the file cannot be
+ * opened at the start of a month, each message tries to open it again. An installed log4qt 1.5.1 crashes in
+ * that case; the log4qt of this library does not.
  *
- * **Blocking.** A message takes one write to the file. While the log is off it takes one test of a
- * pointer.
+ * **Lifetime.** The log is on from InitLogger() to ReleaseLogger(). A line is in the file when the function
+ * returns, so a crash of the application loses no line.
+ *
+ * **Encoding.** Arguments are null-terminated UTF-8 strings; invalid bytes are replaced by U+FFFD. The file
+ * has the encoding of the locale, which is usually UTF-8.
+ *
+ * @see LoggerObjectPrivate
+ * @since 0.1.0
  */
 class ZYBASE_EXPORT LoggerObject
 {
 public:
     /**
-     * Switches the log on. The file is @p pszBaseDir, then "/log/", then @p pszFileName.
+     * Switches the log on and opens its file: @p pszBaseDir, then "/log/", then @p pszFileName.
      *
-     * The order of the arguments is the reverse of that in the path: the file name comes first.
+     * The file name is the first argument, although it is the last part of the path.
      *
-     * An existing file is continued. Once a month, at the first line of the new month, the finished
-     * month is kept beside it with the suffix ".yyyy-MM". A host that starts in a new month
-     * continues the old file.
+     * An existing file is continued. At the first line of a new month, the file of the finished month gets
+     * the suffix ".yyyy-MM", for example "app.log.2026-11", and a new file is created. A process that starts
+     * in a new month continues the old file.
      *
-     * The folder "log" is made when it is missing; the base directory is not, and without it there
-     * is no log file.
+     * The directory "log" is created inside an existing base directory; no other directory is created. Blocks
+     * for creating the directory and opening the file.
      *
-     * @param pszFileName the file's name; with a null one no file can be opened
-     * @param pszBaseDir an existing directory; a null one means the root of the file system
+     * @param pszFileName name of the file; if it is null or empty, no file can be opened
+     * @param pszBaseDir existing directory; null or empty for the root directory of the file system
      *
-     * @warning A second call without ReleaseLogger() in between does not replace the log: it attaches
-     * a second appender, so every line then stands in both files, or twice in the one file.
+     * @warning A second call without ReleaseLogger() does not replace the log. Each line is then written to
+     * both files, or twice to the same file. Call ReleaseLogger() first.
+     *
+     * @see ReleaseLogger()
+     * @since 0.1.0
      */
     static void InitLogger(const char *pszFileName, const char *pszBaseDir);
 
     /**
-     * Switches the log off; while it is off, this does nothing.
+     * Switches the log off. Does nothing while the log is off.
      *
-     * @warning It takes down all of log4qt in this process: the root logger loses every appender, the
-     * host's own ones included, and every other logger its appenders and level.
+     * Does not wait for the file. The file is closed when the event loop of the thread that called
+     * InitLogger() runs next, or when the process ends.
      *
-     * The file is closed when the event loop of the thread that called InitLogger() runs next.
+     * @warning Resets all of log4qt in this process: every logger, including the application's own, loses its
+     * appenders and its level. Only the threshold of the repository remains. If the application uses log4qt
+     * itself, configure it again after this call, or do not call this function.
+     *
+     * @see InitLogger()
+     * @since 0.1.0
      */
     static void ReleaseLogger();
 
     /**
-     * Writes a line at level ERROR.
+     * Writes a line at level ERROR. Does nothing while the log is off.
      *
-     * @param pszMessage taken as it is; a null one gives an empty line
+     * @param pszMessage message, which is written unchanged; it is not a format string. Line feeds in it
+     * start new lines in the file. A null message is a complete line with an empty message.
+     *
+     * @see InitLogger()
+     * @since 0.1.0
      */
     static void error(const char *pszMessage);
 
-    /** Writes a line at level WARN. @param pszMessage as for error() */
+    /**
+     * Writes a line at level WARN. Does nothing while the log is off.
+     *
+     * @param pszMessage as for error()
+     * @see error()
+     * @since 0.1.0
+     */
     static void warn(const char *pszMessage);
 
-    /** Writes a line at level INFO. @param pszMessage as for error() */
+    /**
+     * Writes a line at level INFO. Does nothing while the log is off.
+     *
+     * @param pszMessage as for error()
+     * @see error()
+     * @since 0.1.0
+     */
     static void info(const char *pszMessage);
 
     /**
-     * Hands the message to log4qt at level DEBUG. It never reaches the log file, which takes INFO and
-     * above; appenders that a host attached to the root logger itself do get it.
+     * Passes the message to log4qt at level DEBUG. Does nothing while the log is off.
+     *
+     * The message is never written to the log file, which contains INFO, WARN and ERROR. Only appenders that
+     * the application attached to log4qt's root logger receive it.
      *
      * @param pszMessage as for error()
+     * @see error()
+     * @since 0.1.0
      */
     static void debug(const char *pszMessage);
 };

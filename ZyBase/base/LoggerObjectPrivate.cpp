@@ -44,7 +44,7 @@ DailyRollingFileAppender *createAppender(const QSharedPointer<Log4Qt::Layout> &l
     return pAppender;
 }
 
-// These two stay out of line: a call while the log is off sets up no frame for them.
+// These two are not inlined, so that a call while the log is off sets up no stack frame for them.
 
 Q_NEVER_INLINE LoggerObjectPrivate *createInstance()
 {
@@ -74,7 +74,7 @@ void LoggerObjectPrivate::InitLogger(const char *pszFileName, const char *pszBas
 {
     m_pRootLogger = Log4Qt::Logger::rootLogger();
 
-    // Both outlive their last user until the event loop runs: log4qt may be in the middle of a call.
+    // The event loop deletes both: log4qt can be in the middle of a call when their last pointer goes.
     const QSharedPointer<Log4Qt::Layout> layout(createLayout(), &QObject::deleteLater);
     const QString strFilePath =
         QString::fromUtf8(pszBaseDir) + QStringLiteral("/log/") + QString::fromUtf8(pszFileName);
@@ -82,7 +82,7 @@ void LoggerObjectPrivate::InitLogger(const char *pszFileName, const char *pszBas
                                                     &QObject::deleteLater);
     m_pRootLogger->addAppender(appender);
 
-    // The appender drops what is below INFO; DEBUG passes here for the host's own appenders.
+    // The appender drops levels below INFO. DEBUG is for the appenders of the application.
     m_pRootLogger->setLevel(Level(Level::DEBUG_INT));
 }
 

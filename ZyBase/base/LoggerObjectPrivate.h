@@ -7,50 +7,134 @@
 #include <log4qt/logger.h>
 
 /**
- * The working object behind ZyBase::LoggerObject, whose functions forward to those of the same name
- * here; what they do is told there. Hosts use the facade. This header is for the one that wants at the
- * log4qt root logger that the log is attached to.
+ * The object that implements ZyBase::LoggerObject.
  *
- * **Threads.** **Blocking.** As for the facade.
+ * Call ZyBase::LoggerObject instead: its functions call those of the same name here. Use this class only if
+ * you need the log4qt root logger that the log uses. It needs the headers of log4qt: link Log4Qt::log4qt.
+ *
+ * @code
+ * Log4Qt::Logger *const logger = LoggerObjectPrivate::getInstance()->m_pRootLogger;
+ * if (logger) // the log is on
+ *     logger->addAppender(Log4Qt::AppenderSharedPtr(new MyAppender));
+ * @endcode
+ *
+ * **Threads.** As for ZyBase::LoggerObject: error(), warn(), info() and debug() are thread-safe while the log
+ * is on. All other functions, and access to the variables, are not thread-safe.
+ *
+ * **Blocking.** As for ZyBase::LoggerObject: a message blocks until its line is written.
+ *
+ * **Failures.** As for ZyBase::LoggerObject: no function reports a failure or throws.
+ *
+ * **Lifetime.** The instance lives until the process ends. Never delete it.
+ *
+ * @see ZyBase::LoggerObject
+ * @since 0.1.0
  */
 class ZYBASE_EXPORT LoggerObjectPrivate
 {
 public:
     /**
-     * The one instance, made at the first call and never deleted. One thread at a time may make it.
+     * Returns the only instance and creates it at the first call, with the log off. Does not block.
      *
-     * @return never null
+     * The first call is not thread-safe: make it before other threads log.
+     *
+     * @return the instance, never null. Do not delete it.
+     * @see s_pLogger
+     * @since 0.1.0
      */
     static LoggerObjectPrivate *getInstance();
 
-    /** Makes an object whose log is off. */
+    /**
+     * Creates an object whose log is off. Does not block and cannot fail.
+     *
+     * @warning An object of your own is not the log of ZyBase::LoggerObject, and its destructor does not
+     * switch its log off. Use getInstance().
+     *
+     * @see getInstance()
+     * @since 0.1.0
+     */
     LoggerObjectPrivate();
 
     /**
-     * Attaches a new appender "My Appender" for the file to the root logger, and opens the file.
+     * Switches the log on: attaches a new appender with the name "My Appender" to the root logger, opens the
+     * file and sets the level of the root logger to DEBUG.
      *
-     * @param pszFileName,pszBaseDir as for ZyBase::LoggerObject::InitLogger()
+     * Not thread-safe. Blocks for creating the directory and opening the file. A failure is not reported:
+     * m_pRootLogger is set in any case.
+     *
+     * @param pszFileName name of the file, as for ZyBase::LoggerObject::InitLogger()
+     * @param pszBaseDir existing directory, as for ZyBase::LoggerObject::InitLogger()
+     *
+     * @warning A second call attaches a second appender, and each line is written twice. Call ReleaseLogger()
+     * first.
+     *
+     * @see ReleaseLogger()
+     * @since 0.1.0
      */
     void InitLogger(const char *pszFileName, const char *pszBaseDir);
 
-    /** Takes all appenders off the root logger and resets log4qt. Does nothing while the log is off. */
+    /**
+     * Switches the log off: removes all appenders from the root logger and resets log4qt. Does nothing while
+     * the log is off.
+     *
+     * Not thread-safe. Does not wait for the file, which is closed when the event loop runs next.
+     *
+     * @warning Every logger of the process loses its appenders and its level, including the application's
+     * own. Configure log4qt again after this call if the application uses it.
+     *
+     * @see InitLogger()
+     * @since 0.1.0
+     */
     void ReleaseLogger();
 
-    /** Hands the message to the root logger at level ERROR. @param pszMessage null is an empty one */
+    /**
+     * Logs at level ERROR. Thread-safe while the log is on; blocks until the line is written. Does nothing
+     * while the log is off, and reports no failure.
+     *
+     * @param pszMessage message in UTF-8, as for ZyBase::LoggerObject::error(); null is an empty message
+     * @see ZyBase::LoggerObject::error()
+     * @since 0.1.0
+     */
     void error(const char *pszMessage);
 
-    /** Hands the message to the root logger at level WARN. @param pszMessage as for error() */
+    /**
+     * Logs at level WARN. All else is as for error().
+     *
+     * @param pszMessage message in UTF-8; null is an empty message
+     * @see error()
+     * @since 0.1.0
+     */
     void warn(const char *pszMessage);
 
-    /** Hands the message to the root logger at level INFO. @param pszMessage as for error() */
+    /**
+     * Logs at level INFO. All else is as for error().
+     *
+     * @param pszMessage message in UTF-8; null is an empty message
+     * @see error()
+     * @since 0.1.0
+     */
     void info(const char *pszMessage);
 
-    /** Hands the message to the root logger at level DEBUG. @param pszMessage as for error() */
+    /**
+     * Logs at level DEBUG, which is never written to the log file. All else is as for error().
+     *
+     * @param pszMessage message in UTF-8; null is an empty message
+     * @see ZyBase::LoggerObject::debug()
+     * @since 0.1.0
+     */
     void debug(const char *pszMessage);
 
-    /** What getInstance() returns; null before its first call. */
+    /**
+     * The instance that getInstance() returns; null before its first call. Do not change it.
+     *
+     * @since 0.1.0
+     */
     static LoggerObjectPrivate *s_pLogger;
 
-    /** log4qt's root logger while the log is on, null while it is off. Not owned. */
+    /**
+     * log4qt's root logger while the log is on, null while it is off. Not owned. Do not change it.
+     *
+     * @since 0.1.0
+     */
     Log4Qt::Logger *m_pRootLogger;
 };

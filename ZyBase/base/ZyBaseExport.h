@@ -4,7 +4,11 @@
 
 #include <QtGlobal>
 
-/** Marks what hosts are linked against; all else stays inside the library. */
+/**
+ * Exports a class or function from the library. Everything without this macro is hidden.
+ *
+ * @since 0.1.0
+ */
 #if defined(ZYBASE_BUILDING)
 #define ZYBASE_EXPORT Q_DECL_EXPORT
 #else

@@ -104,8 +104,9 @@ public:
     void StopDownload();
 
     /**
-     * Returns the path of the file to which StartDownload() would store the URL. Blocks for the deletion of
-     * one file.
+     * Returns the path of the file to which StartDownload() would store the URL.
+     *
+     * This function is thread-safe. It blocks only while it deletes one file.
      *
      * @param url the URL
      * @param strSaveDir the directory, as for StartDownload()

@@ -36,7 +36,7 @@ constexpr int lookupCount = 1000000;
 
 using Catalogue = QMap<QString, QJsonObject>;
 
-const QString &catalogueFile()
+const QString &cataloguePath()
 {
     static const QTemporaryDir directory;
     static const QString path = [] {
@@ -47,16 +47,16 @@ const QString &catalogueFile()
                                        {QStringLiteral("event_category"), QStringLiteral("toolbar")},
                                        {QStringLiteral("event_label"), QStringLiteral("button %1").arg(i)}});
         }
-        const QString name = directory.filePath(QStringLiteral("events.json"));
-        QFile file(name);
+        const QString filePath = directory.filePath(QStringLiteral("events.json"));
+        QFile file(filePath);
         file.open(QIODevice::WriteOnly);
         file.write(QJsonDocument(events).toJson());
-        return name;
+        return filePath;
     }();
     return path;
 }
 
-// Known ones and unknown ones, in no order.
+// Known and unknown keys, not sorted.
 const QStringList &keys()
 {
     static const QStringList list = [] {
@@ -75,16 +75,16 @@ CGaReportManager *manager()
 
 void loadInto(Catalogue &catalogue)
 {
-    const QJsonArray events = CJsonReader::ParseJsonFileToArray(catalogueFile());
+    const QJsonArray events = CJsonReader::ParseJsonFileToArray(cataloguePath());
     for (const QJsonValue &value : events) {
         const QJsonObject event = value.toObject();
         catalogue.insert(event.value(QStringLiteral("event_key")).toString(), event);
     }
 }
 
-void initByTheLibrary(benchmark::State &state)
+void initByLibrary(benchmark::State &state)
 {
-    const QString path = catalogueFile();
+    const QString path = cataloguePath();
     for (auto _ : state) {
         manager()->InitGaData(path, QString(), QString(), QString());
         state.PauseTiming();
@@ -96,7 +96,7 @@ void initByTheLibrary(benchmark::State &state)
 
 void initByQt(benchmark::State &state)
 {
-    catalogueFile();
+    cataloguePath();
     for (auto _ : state) {
         auto *const catalogue = new Catalogue;
         loadInto(*catalogue);
@@ -106,16 +106,16 @@ void initByQt(benchmark::State &state)
     }
 }
 
-void lookUpByTheLibrary(benchmark::State &state)
+void lookUpByLibrary(benchmark::State &state)
 {
-    manager()->InitGaData(catalogueFile(), QString(), QString(), QString());
+    manager()->InitGaData(cataloguePath(), QString(), QString(), QString());
     for (auto _ : state) {
         for (const QString &key : keys())
             benchmark::DoNotOptimize(manager()->GetGaData(key));
     }
 }
 
-// A membership test and a read.
+// Tests for the key and reads its value.
 void lookUpByQt(benchmark::State &state)
 {
     Catalogue catalogue;
@@ -126,29 +126,29 @@ void lookUpByQt(benchmark::State &state)
     }
 }
 
-QUrl echo()
+QUrl echoUrl()
 {
     static const HttpServer server;
     return server.url(QStringLiteral("/echo"));
 }
 
-// The work of the calling thread alone, whatever the thread that it starts takes from it meanwhile.
+// Measures the CPU time of the calling thread only, not that of the thread that it starts.
 template <typename Call> void measure(benchmark::State &state, Call call)
 {
-    const auto seconds = [] {
+    const auto cpuSeconds = [] {
         timespec time {};
         clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
         return double(time.tv_sec) + double(time.tv_nsec) / 1e9;
     };
-    const double start = seconds();
+    const double startSeconds = cpuSeconds();
     call();
-    state.SetIterationTime(seconds() - start);
+    state.SetIterationTime(cpuSeconds() - startSeconds);
 }
 
-void sendByTheLibrary(benchmark::State &state)
+void sendByLibrary(benchmark::State &state)
 {
     CXdReport reporter;
-    reporter.InitData(echo().toString(), QStringLiteral("device"), QStringLiteral("reader"),
+    reporter.InitData(echoUrl().toString(), QStringLiteral("device"), QStringLiteral("reader"),
                       QStringLiteral("1.2.3"), QStringLiteral("store"));
     for (auto _ : state) {
         measure(state, [&] { reporter.ReportXdData(QStringLiteral("install"), QStringLiteral("end")); });
@@ -157,8 +157,8 @@ void sendByTheLibrary(benchmark::State &state)
     }
 }
 
-// What a record takes of Qt on the caller's thread: two readings of the clock, its text, the digest and the
-// address.
+// The Qt calls that a record needs on the caller's thread: two clock readings, the JSON, the digest and the
+// URL.
 QUrl prepareByQt()
 {
     const QString day = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss"));
@@ -173,7 +173,7 @@ QUrl prepareByQt()
                               {QStringLiteral("version"), QStringLiteral("1.2.3")}};
     const QByteArray json = QJsonDocument(record).toJson(QJsonDocument::Compact);
     const QByteArray digest = QCryptographicHash::hash(json, QCryptographicHash::Md5).toHex();
-    return QUrl(echo().toString() + QStringLiteral("?sign=") + QString::fromLatin1(digest)
+    return QUrl(echoUrl().toString() + QStringLiteral("?sign=") + QString::fromLatin1(digest)
                 + QStringLiteral("&timestamp=") + seconds);
 }
 
@@ -188,46 +188,46 @@ void postByQt(const QUrl &url)
     loop.exec();
 }
 
-template <typename Prepare> void startThread(benchmark::State &state, Prepare prepare)
+template <typename Prepare> void measureStart(benchmark::State &state, Prepare prepare)
 {
-    QSemaphore isOver;
+    QSemaphore requestsEnded;
     for (auto _ : state) {
         measure(state, [&] {
-            std::thread([&isOver, url = prepare()] {
+            std::thread([&requestsEnded, url = prepare()] {
                 postByQt(url);
-                isOver.release();
+                requestsEnded.release();
             }).detach();
         });
-        isOver.acquire();
+        requestsEnded.acquire();
     }
 }
 
-void sendByAThread(benchmark::State &state)
+void startThreadOnly(benchmark::State &state)
 {
-    startThread(state, echo);
+    measureStart(state, echoUrl);
 }
 
-void sendByAThreadAndQt(benchmark::State &state)
+void startThreadWithRecord(benchmark::State &state)
 {
-    startThread(state, prepareByQt);
+    measureStart(state, prepareByQt);
 }
 
-BENCHMARK(initByTheLibrary)->Name("init/InitGaData")->Unit(benchmark::kMillisecond);
+BENCHMARK(initByLibrary)->Name("init/InitGaData")->Unit(benchmark::kMillisecond);
 BENCHMARK(initByQt)->Name("init/QMap")->Unit(benchmark::kMillisecond);
-BENCHMARK(lookUpByTheLibrary)->Name("lookup/GetGaData")->Unit(benchmark::kMillisecond);
+BENCHMARK(lookUpByLibrary)->Name("lookup/GetGaData")->Unit(benchmark::kMillisecond);
 BENCHMARK(lookUpByQt)->Name("lookup/QMap")->Unit(benchmark::kMillisecond);
-BENCHMARK(sendByTheLibrary)
+BENCHMARK(sendByLibrary)
     ->Name("send/ReportXdData")
     ->UseManualTime()
     ->Iterations(200)
     ->Unit(benchmark::kMicrosecond);
-BENCHMARK(sendByAThread)
+BENCHMARK(startThreadOnly)
     ->Name("send/thread")
     ->UseManualTime()
     ->Iterations(200)
     ->Unit(benchmark::kMicrosecond);
-BENCHMARK(sendByAThreadAndQt)
-    ->Name("send/thread+Qt")
+BENCHMARK(startThreadWithRecord)
+    ->Name("send/thread and record")
     ->UseManualTime()
     ->Iterations(200)
     ->Unit(benchmark::kMicrosecond);
@@ -239,9 +239,9 @@ int main(int argc, char **argv)
     const QCoreApplication application(argc, argv);
     return runWithRatios(
         argc, argv,
-        {{"load a catalogue of 100,000 events, to plain QMap", "init/InitGaData", "init/QMap", 0},
-         {"1,000,000 lookups in it, to plain QMap", "lookup/GetGaData", "lookup/QMap", 1.0},
-         {"start a record, to one thread start", "send/ReportXdData", "send/thread", 0},
-         {"start a record, to one thread start and its text by Qt", "send/ReportXdData", "send/thread+Qt",
-          0}});
+        {{"load a catalogue of 100,000 events, compared with QMap", "init/InitGaData", "init/QMap", 0},
+         {"1,000,000 lookups, compared with QMap", "lookup/GetGaData", "lookup/QMap", 1.0},
+         {"start a record, compared with a thread", "send/ReportXdData", "send/thread", 0},
+         {"start a record, compared with a thread and a record by Qt", "send/ReportXdData",
+          "send/thread and record", 0}});
 }

@@ -31,7 +31,7 @@ QTemporaryDir &directory()
     return instance;
 }
 
-// The same appender as the library's, made by hand.
+// Returns an appender with the settings of the library's.
 AppenderSharedPtr createAppender()
 {
     auto *const layout = new TTCCLayout;
@@ -99,6 +99,6 @@ int main(int argc, char **argv)
 {
     return runWithRatios(
         argc, argv,
-        {{"a log line, to the same on log4qt directly", "line/LoggerObject", "line/log4qt", 0},
-         {"a log line, to one of spdlog flushed at each line", "line/LoggerObject", "line/spdlog", 1.5}});
+        {{"a log line, compared with log4qt directly", "line/LoggerObject", "line/log4qt", 0},
+         {"a log line, compared with spdlog flushed at each line", "line/LoggerObject", "line/spdlog", 1.5}});
 }

@@ -24,8 +24,8 @@ using ZyBase::DownloadManager;
 
 namespace {
 
-constexpr qint64 mebi = 1024 * 1024;
-constexpr qint64 size = 1024 * mebi;
+constexpr qint64 bytesPerMiB = 1024 * 1024;
+constexpr qint64 fileSizeBytes = 1024 * bytesPerMiB;
 
 Nginx &server()
 {
@@ -38,11 +38,11 @@ QUrl url()
     return server().url(QStringLiteral("/large"));
 }
 
-// In memory where there is such a folder: the network is measured, not the disk.
+// Uses a directory in memory if there is one, to measure the network and not the disk.
 const QTemporaryDir &directory()
 {
-    static const QString memory = QStringLiteral("/dev/shm");
-    static const QTemporaryDir instance((QFileInfo(memory).isWritable() ? memory : QDir::tempPath())
+    static const QString inMemory = QStringLiteral("/dev/shm");
+    static const QTemporaryDir instance((QFileInfo(inMemory).isWritable() ? inMemory : QDir::tempPath())
                                         + QStringLiteral("/bench_download-XXXXXX"));
     return instance;
 }
@@ -60,43 +60,43 @@ qint64 statusBytes(const QByteArray &key)
     return 0;
 }
 
-// How much the peak of memory grew since it was made, in MiB.
-class Growth
+// Measures by how many MiB the peak memory use has grown since the object was created.
+class PeakMemoryGrowth
 {
 public:
-    Growth()
+    PeakMemoryGrowth()
     {
-        QFile peak(QStringLiteral("/proc/self/clear_refs"));
-        if (peak.open(QIODevice::WriteOnly))
-            peak.write("5");
+        QFile resetPeak(QStringLiteral("/proc/self/clear_refs"));
+        if (resetPeak.open(QIODevice::WriteOnly))
+            resetPeak.write("5");
     }
-    double mebibytes() const { return double(statusBytes("VmHWM:") - m_before) / double(mebi); }
+    double inMiB() const { return double(statusBytes("VmHWM:") - m_sizeAtStartBytes) / double(bytesPerMiB); }
 
 private:
-    qint64 m_before = statusBytes("VmRSS:");
+    qint64 m_sizeAtStartBytes = statusBytes("VmRSS:");
 };
 
-void byTheLibrary(benchmark::State &state)
+void downloadByLibrary(benchmark::State &state)
 {
     DownloadManager manager;
     QEventLoop loop;
     QObject::connect(&manager, &DownloadManager::signalDownloadFinished, &loop, &QEventLoop::quit);
-    double growth = 0;
+    double growthMiB = 0;
     for (auto _ : state) {
-        const Growth peak;
+        const PeakMemoryGrowth peak;
         manager.StartDownload(url(), directory().path());
         loop.exec();
-        growth = std::max(growth, peak.mebibytes());
+        growthMiB = std::max(growthMiB, peak.inMiB());
     }
-    state.counters["growth_MiB"] = growth;
+    state.counters["growth_MiB"] = growthMiB;
 }
 
-void byQtWithoutABound(benchmark::State &state)
+void downloadByQtWithoutLimit(benchmark::State &state)
 {
     QNetworkAccessManager manager;
-    double growth = 0;
+    double growthMiB = 0;
     for (auto _ : state) {
-        const Growth peak;
+        const PeakMemoryGrowth peak;
         QFile file(directory().filePath(QStringLiteral("large")));
         file.open(QIODevice::WriteOnly);
         QEventLoop loop;
@@ -105,25 +105,28 @@ void byQtWithoutABound(benchmark::State &state)
         QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
         loop.exec();
         delete reply;
-        growth = std::max(growth, peak.mebibytes());
+        growthMiB = std::max(growthMiB, peak.inMiB());
     }
-    state.counters["growth_MiB"] = growth;
+    state.counters["growth_MiB"] = growthMiB;
 }
 
-void byCurl(benchmark::State &state)
+void downloadByCurl(benchmark::State &state)
 {
     const QString target = directory().filePath(QStringLiteral("large"));
     for (auto _ : state) {
         if (QProcess::execute(QStringLiteral("curl"),
                               {QStringLiteral("-s"), QStringLiteral("-o"), target, url().toString()})
             != 0)
-            state.SkipWithError("curl failed or is not installed");
+            state.SkipWithError("curl is not installed, or the download failed");
     }
 }
 
-BENCHMARK(byTheLibrary)->Name("1 GiB/DownloadManager")->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(byQtWithoutABound)->Name("1 GiB/Qt, no bound")->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(byCurl)->Name("1 GiB/curl")->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(downloadByLibrary)->Name("1 GiB/DownloadManager")->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(downloadByQtWithoutLimit)
+    ->Name("1 GiB/Qt, no read limit")
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK(downloadByCurl)->Name("1 GiB/curl")->Unit(benchmark::kMillisecond)->UseRealTime();
 
 } // namespace
 
@@ -131,14 +134,15 @@ int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
     if (!Nginx::isAvailable()) {
-        std::puts("nginx is not installed: nothing to measure with");
+        std::puts("The benchmark is skipped: nginx is not installed.");
         return 0;
     }
-    QFile hole(server().filePath(QStringLiteral("large")));
-    if (!hole.open(QIODevice::WriteOnly) || !hole.resize(size))
+    QFile sparseFile(server().filePath(QStringLiteral("large")));
+    if (!sparseFile.open(QIODevice::WriteOnly) || !sparseFile.resize(fileSizeBytes))
         return 1;
-    return runWithRatios(argc, argv,
-                         {{"download 1 GiB, to curl", "1 GiB/DownloadManager", "1 GiB/curl", 1.0},
-                          {"download 1 GiB, to Qt that reads ahead without a bound", "1 GiB/DownloadManager",
-                           "1 GiB/Qt, no bound", 0}});
+    return runWithRatios(
+        argc, argv,
+        {{"download of 1 GiB, compared with curl", "1 GiB/DownloadManager", "1 GiB/curl", 1.0},
+         {"download of 1 GiB, compared with Qt without a read limit", "1 GiB/DownloadManager",
+          "1 GiB/Qt, no read limit", 0}});
 }

@@ -24,7 +24,8 @@ using ZyBase::CHttpPostRequest;
 
 namespace {
 
-constexpr int mebi = 1024 * 1024;
+constexpr int bytesPerMiB = 1024 * 1024;
+constexpr int timeoutMs = 10000;
 
 HttpServer &server()
 {
@@ -32,12 +33,12 @@ HttpServer &server()
     return instance;
 }
 
-QUrl urlOf(int size)
+QUrl urlOf(int sizeBytes)
 {
-    return server().url(QStringLiteral("/bytes/%1").arg(size));
+    return server().url(QStringLiteral("/bytes/%1").arg(sizeBytes));
 }
 
-QNetworkRequest sameRequest(const QUrl &url)
+QNetworkRequest createRequest(const QUrl &url)
 {
     QNetworkRequest request(url);
     QSslConfiguration configuration = request.sslConfiguration();
@@ -49,21 +50,21 @@ QNetworkRequest sameRequest(const QUrl &url)
     return request;
 }
 
-// The shortest way by Qt alone to the whole answer to the same request, with a limit of time.
+// Sends the same request with the same time limit by Qt alone, with as little code as possible.
 QByteArray getByQt(const QUrl &url)
 {
     QNetworkAccessManager manager;
     QEventLoop loop;
     QTimer timer;
-    QNetworkReply *const reply = manager.get(sameRequest(url));
+    QNetworkReply *const reply = manager.get(createRequest(url));
     QObject::connect(&timer, &QTimer::timeout, reply, &QNetworkReply::abort);
     QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
-    timer.start(10000);
+    timer.start(timeoutMs);
     loop.exec();
     return reply->readAll();
 }
 
-void getSyncByTheLibrary(benchmark::State &state)
+void getAndWaitByLibrary(benchmark::State &state)
 {
     const QUrl url = urlOf(int(state.range(0)));
     for (auto _ : state) {
@@ -73,14 +74,14 @@ void getSyncByTheLibrary(benchmark::State &state)
     }
 }
 
-void getSyncByQt(benchmark::State &state)
+void getAndWaitByQt(benchmark::State &state)
 {
     const QUrl url = urlOf(int(state.range(0)));
     for (auto _ : state)
         benchmark::DoNotOptimize(getByQt(url));
 }
 
-void getAsyncByTheLibrary(benchmark::State &state)
+void getInThreadByLibrary(benchmark::State &state)
 {
     const QUrl url = urlOf(int(state.range(0)));
     CHttpPostRequest request;
@@ -92,7 +93,7 @@ void getAsyncByTheLibrary(benchmark::State &state)
     }
 }
 
-void getAsyncByQt(benchmark::State &state)
+void getInThreadByQt(benchmark::State &state)
 {
     const QUrl url = urlOf(int(state.range(0)));
     QEventLoop loop;
@@ -105,10 +106,10 @@ void getAsyncByQt(benchmark::State &state)
     }
 }
 
-QJsonObject objectOf(int64_t members)
+QJsonObject objectOf(int64_t memberCount)
 {
     QJsonObject object;
-    for (int i = 0; i < members; ++i)
+    for (int i = 0; i < memberCount; ++i)
         object.insert(QStringLiteral("key%1").arg(i), QStringLiteral("value %1").arg(i));
     return object;
 }
@@ -120,39 +121,44 @@ void sign(benchmark::State &state)
         benchmark::DoNotOptimize(CHttpPostRequest::SignObject(object, QStringLiteral("secret")));
 }
 
-// One member's share: in ratio to that of a small object it shows whether the work grows in line.
+// Signs 100,000 members in objects of a given size. The ratio to small objects shows whether the time grows
+// linearly.
 void signPerMember(benchmark::State &state)
 {
-    constexpr int total = 100000;
-    const int members = int(state.range(0));
-    const QJsonObject object = objectOf(members);
+    constexpr int totalMemberCount = 100000;
+    const int memberCount = int(state.range(0));
+    const QJsonObject object = objectOf(memberCount);
     for (auto _ : state) {
-        for (int signedMembers = 0; signedMembers < total; signedMembers += members)
+        for (int signedCount = 0; signedCount < totalMemberCount; signedCount += memberCount)
             benchmark::DoNotOptimize(CHttpPostRequest::SignObject(object, QStringLiteral("secret")));
     }
 }
 
-void hashTheTextOnly(benchmark::State &state)
+void hashOnly(benchmark::State &state)
 {
-    const QByteArray text = QJsonDocument(objectOf(state.range(0))).toJson(QJsonDocument::Compact);
+    const QByteArray json = QJsonDocument(objectOf(state.range(0))).toJson(QJsonDocument::Compact);
     for (auto _ : state)
-        benchmark::DoNotOptimize(QCryptographicHash::hash(text, QCryptographicHash::Md5).toHex());
+        benchmark::DoNotOptimize(QCryptographicHash::hash(json, QCryptographicHash::Md5).toHex());
 }
 
 constexpr auto ms = benchmark::kMillisecond;
-BENCHMARK(getSyncByTheLibrary)->Name("get/small/CHttpPostRequest")->Arg(100)->Unit(ms)->UseRealTime();
-BENCHMARK(getSyncByQt)->Name("get/small/Qt")->Arg(100)->Unit(ms)->UseRealTime();
-BENCHMARK(getSyncByTheLibrary)->Name("get/1 MiB/CHttpPostRequest")->Arg(mebi)->Unit(ms)->UseRealTime();
-BENCHMARK(getSyncByQt)->Name("get/1 MiB/Qt")->Arg(mebi)->Unit(ms)->UseRealTime();
-BENCHMARK(getAsyncByTheLibrary)->Name("thread/small/CHttpPostRequest")->Arg(100)->Unit(ms)->UseRealTime();
-BENCHMARK(getAsyncByQt)->Name("thread/small/Qt")->Arg(100)->Unit(ms)->UseRealTime();
-BENCHMARK(getAsyncByTheLibrary)->Name("thread/1 MiB/CHttpPostRequest")->Arg(mebi)->Unit(ms)->UseRealTime();
-BENCHMARK(getAsyncByQt)->Name("thread/1 MiB/Qt")->Arg(mebi)->Unit(ms)->UseRealTime();
+BENCHMARK(getAndWaitByLibrary)->Name("get/small/CHttpPostRequest")->Arg(100)->Unit(ms)->UseRealTime();
+BENCHMARK(getAndWaitByQt)->Name("get/small/Qt")->Arg(100)->Unit(ms)->UseRealTime();
+BENCHMARK(getAndWaitByLibrary)->Name("get/1 MiB/CHttpPostRequest")->Arg(bytesPerMiB)->Unit(ms)->UseRealTime();
+BENCHMARK(getAndWaitByQt)->Name("get/1 MiB/Qt")->Arg(bytesPerMiB)->Unit(ms)->UseRealTime();
+BENCHMARK(getInThreadByLibrary)->Name("thread/small/CHttpPostRequest")->Arg(100)->Unit(ms)->UseRealTime();
+BENCHMARK(getInThreadByQt)->Name("thread/small/Qt")->Arg(100)->Unit(ms)->UseRealTime();
+BENCHMARK(getInThreadByLibrary)
+    ->Name("thread/1 MiB/CHttpPostRequest")
+    ->Arg(bytesPerMiB)
+    ->Unit(ms)
+    ->UseRealTime();
+BENCHMARK(getInThreadByQt)->Name("thread/1 MiB/Qt")->Arg(bytesPerMiB)->Unit(ms)->UseRealTime();
 BENCHMARK(sign)->Name("sign/20 members")->Arg(20)->Unit(benchmark::kMicrosecond);
-BENCHMARK(hashTheTextOnly)->Name("sign/digest of 20 members")->Arg(20)->Unit(benchmark::kMicrosecond);
-BENCHMARK(signPerMember)->Name("sign/100,000 by 100")->Arg(100)->Unit(ms);
-BENCHMARK(signPerMember)->Name("sign/100,000 by 10,000")->Arg(10000)->Unit(ms);
-BENCHMARK(signPerMember)->Name("sign/100,000 at once")->Arg(100000)->Unit(ms);
+BENCHMARK(hashOnly)->Name("sign/digest of 20 members")->Arg(20)->Unit(benchmark::kMicrosecond);
+BENCHMARK(signPerMember)->Name("sign/100,000 members, 100 at a time")->Arg(100)->Unit(ms);
+BENCHMARK(signPerMember)->Name("sign/100,000 members, 10,000 at a time")->Arg(10000)->Unit(ms);
+BENCHMARK(signPerMember)->Name("sign/100,000 members, all at once")->Arg(100000)->Unit(ms);
 
 } // namespace
 
@@ -161,14 +167,14 @@ int main(int argc, char **argv)
     const QCoreApplication application(argc, argv);
     return runWithRatios(
         argc, argv,
-        {{"a small GET that waits, to plain Qt", "get/small/CHttpPostRequest", "get/small/Qt", 1.05},
-         {"a GET of 1 MiB that waits, to plain Qt", "get/1 MiB/CHttpPostRequest", "get/1 MiB/Qt", 1.05},
-         {"a small GET in a thread, to plain Qt in one", "thread/small/CHttpPostRequest", "thread/small/Qt",
-          1.05},
-         {"a GET of 1 MiB in a thread, to plain Qt in one", "thread/1 MiB/CHttpPostRequest",
+        {{"small GET that waits, compared with Qt", "get/small/CHttpPostRequest", "get/small/Qt", 1.05},
+         {"GET of 1 MiB that waits, compared with Qt", "get/1 MiB/CHttpPostRequest", "get/1 MiB/Qt", 1.05},
+         {"small GET in a thread, compared with Qt in a thread", "thread/small/CHttpPostRequest",
+          "thread/small/Qt", 1.05},
+         {"GET of 1 MiB in a thread, compared with Qt in a thread", "thread/1 MiB/CHttpPostRequest",
           "thread/1 MiB/Qt", 1.05},
-         {"sign objects of 10,000 members, to 100 times those of 100", "sign/100,000 by 10,000",
-          "sign/100,000 by 100", 0},
-         {"sign one object of 100,000 members, to 1,000 of 100", "sign/100,000 at once",
-          "sign/100,000 by 100", 0}});
+         {"sign 10,000 members at a time, compared with 100", "sign/100,000 members, 10,000 at a time",
+          "sign/100,000 members, 100 at a time", 0},
+         {"sign 100,000 members at once, compared with 100 at a time", "sign/100,000 members, all at once",
+          "sign/100,000 members, 100 at a time", 0}});
 }

@@ -4,61 +4,61 @@
 
 #include "ArrivalFeed.h"
 
+#include <localservices/Http.h>
+#include <localservices/Listener.h>
+
 #include <QUrl>
 
 #include <atomic>
-#include <memory>
-#include <thread>
-
-namespace httplib {
-class Server;
-struct Request;
-struct Response;
-} // namespace httplib
 
 /**
- * Serves the page on 127.0.0.1 that shows what arrives:
+ * The web server on 127.0.0.1 for the page that shows what arrives:
  *
- * | Request                   | Answer                                                               |
+ * | Request                   | Response                                                             |
  * |---------------------------|----------------------------------------------------------------------|
- * | GET /                     | the page, whose style and script are parts of it                     |
- * | GET /feed                 | server-sent events without end, behind the header "Last-Event-ID" or |
- * |                           | "?after=ID"                                                          |
- * | GET /arrivals?after=ID    | a JSON array of the newest arrivals behind the id                    |
- * | DELETE /arrivals          | removes all                                                          |
+ * | GET /                     | the page, with its style and script                                  |
+ * | GET /feed                 | server-sent events without end: the arrivals after the id in the     |
+ * |                           | header "Last-Event-ID" or in "?after=ID"                             |
+ * | GET /arrivals?after=ID    | the newest arrivals after the id, as a JSON array                    |
+ * | DELETE /arrivals          | removes all arrivals                                                 |
  *
- * Other sites can't reach it through a browser: they can't read an answer, a DELETE isn't theirs to send,
- * and under a name of their own that leads to 127.0.0.1 they are refused by the "Host" header.
+ * Other sites cannot use the server through a browser. The browser does not let them read a response or
+ * send DELETE. A site whose own name resolves to 127.0.0.1 is rejected because of its "Host" header.
  */
 class PageServer
 {
 public:
-    /** More readers of the feed than this are refused by status 503. */
+    /** The maximum number of open feeds; further ones are rejected with status 503. */
     static constexpr int maximumReaders = 16;
 
-    /** Takes any free port for @p port 0. @p services is the file that the page tells hosts to use. */
+    /**
+     * Starts the server.
+     *
+     * @param port a port number; 0 uses any free port
+     * @param services the path of services.json, which the page shows
+     */
     PageServer(ArrivalFeed &feed, quint16 port, const QString &services);
 
-    /** Stops the feed; ends within two seconds whatever clients do. */
+    /** Stops the feed and ends all connections at once. */
     ~PageServer();
 
-    /** False when the port can't be had. */
-    bool isListening() const { return m_thread.joinable(); }
+    /** Returns false if the port is in use. */
+    bool isListening() const { return m_listener.isListening(); }
 
     QUrl url() const;
 
 private:
     Q_DISABLE_COPY(PageServer)
 
-    void answer(const httplib::Request &request, httplib::Response &response);
-    bool isOurs(const httplib::Request &request) const;
-    void addAnswers(const QString &services);
-    void start();
-    void sendFeed(const httplib::Request &request, httplib::Response &response);
+    void serve(LocalServices::Connection &connection);
+    LocalServices::HttpResponse respond(const LocalServices::HttpRequest &request);
+    void sendFeed(LocalServices::Connection &connection, const LocalServices::HttpRequest &request);
+    bool isOwnHost(const QByteArray &host) const;
 
     ArrivalFeed &m_feed;
-    std::unique_ptr<httplib::Server> m_server;
-    quint16 m_port = 0;
+    const QByteArray m_page;
+    const LocalServices::HttpHeaders m_headers; ///< of every response
     std::atomic<int> m_readers {0};
-    std::thread m_thread;
+    LocalServices::Listener
+        m_listener; ///< last, so that its threads end before the other members are destroyed
 };

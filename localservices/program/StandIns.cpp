@@ -14,23 +14,23 @@ using LocalServices::StatisticsBackend;
 namespace {
 
 constexpr const char *collectorHost = "www.google-analytics.com";
-constexpr int ok = 200;
 constexpr int settlingMs = 2000;
 constexpr int pauseMs = 50;
 
 HttpServer::Answer file(const QByteArray &contentType, const QByteArray &content)
 {
-    return [=](const HttpServer::Request &) { return HttpServer::Response {ok, content, contentType}; };
+    return [=](const HttpServer::Request &) {
+        return HttpServer::Response {LocalServices::HttpStatus::Ok, content, contentType};
+    };
 }
 
-// Paths are regular expressions.
 QMap<QString, HttpServer::Answer> files()
 {
-    return {{QStringLiteral("/files/notes\\.txt"),
+    return {{QStringLiteral("/files/notes.txt"),
              file("text/plain; charset=utf-8", "A file of the local services.\nIt has two lines.\n")},
-            {QStringLiteral("/files/version\\.json"),
+            {QStringLiteral("/files/version.json"),
              file("application/json", "{\"version\":\"1.1.0\",\"file\":\"bytes/5000000/setup.bin\"}\n")},
-            {QStringLiteral("/files/picture\\.svg"),
+            {QStringLiteral("/files/picture.svg"),
              file("image/svg+xml", "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"64\" height=\"64\">"
                                    "<circle cx=\"32\" cy=\"32\" r=\"28\" fill=\"#3b6fd4\"/></svg>\n")}};
 }

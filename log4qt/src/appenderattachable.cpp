@@ -39,7 +39,7 @@ bool AppenderAttachable::isAttached(const AppenderSharedPtr &appender) const
 
 void AppenderAttachable::removeAllAppenders()
 {
-    // Dropped outside the lock: a host's own deleter may log.
+    // The pointers are released after the lock, because a custom deleter can log.
     QList<AppenderSharedPtr> dropped;
     const std::lock_guard<std::mutex> lock(m_appendersMutex);
     m_appenders.swap(dropped);

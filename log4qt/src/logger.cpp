@@ -118,7 +118,7 @@ void Logger::log(Level level, const QString &message) const
 
 void Logger::callAppenders(const LoggingEvent &event) const
 {
-    // A copy of the list: an appender may log, attach or remove while it is called.
+    // This is a copy of the list, because an appender can change the list while it is called.
     const QList<AppenderSharedPtr> own = appenders();
     for (const AppenderSharedPtr &appender : own)
         appender->doAppend(event);

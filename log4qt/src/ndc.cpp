@@ -10,7 +10,7 @@ inline namespace zy {
 
 namespace {
 
-// Never deleted: threads may still log while the process is torn down.
+// Never deleted, because threads can log until the process ends.
 QThreadStorage<QStack<QString>> &storage()
 {
     static auto *const instance = new QThreadStorage<QStack<QString>>;

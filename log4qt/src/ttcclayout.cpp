@@ -12,7 +12,7 @@ inline namespace zy {
 namespace {
 
 constexpr int levelWidth = 5;
-// Time, level, blanks and the line end, so that a line is put together in one allocation.
+// Time, level, spaces and line feed. Reserving them makes one allocation per line.
 constexpr int usualFrameSize = 48;
 
 void appendField(QString *line, const QString &text)

@@ -161,7 +161,9 @@ private Q_SLOTS:
         for (int i = 0; i < lines.size(); ++i)
             QVERIFY(lines.at(i).endsWith(QStringLiteral(" INFO   - ") + QString::number(i) + text));
 
-        // With free space the log continues, and the cut line is not joined with the next one.
+        // With free space our log4qt continues, and the cut line is not joined with the next one.
+        if (!OWN_LOG4QT)
+            QSKIP("an installed log4qt does not continue after a full disk");
         QVERIFY(host.call(QStringLiteral("process.resizeFile"), {log, full.size() - 2000}).toBool());
         QVERIFY(host.call(QStringLiteral("log.info"), {QStringLiteral("space again")}).toBool());
         const QStringList after =

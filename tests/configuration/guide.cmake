@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: LGPL-2.1-or-later
 #
-# What the guide shows is what is compiled and tested, and nothing of it is missing.
+# Verifies that each page of the guide shows code of its recipe, and names the files to build.
 
 include(${CMAKE_CURRENT_LIST_DIR}/support.cmake)
 
@@ -12,7 +12,7 @@ endif()
 
 set(script ${CMAKE_CURRENT_LIST_DIR}/guide.py)
 
-# check(<tree>): leaves RESULT and OUTPUT.
+# check(<tree>): runs guide.py; sets RESULT and OUTPUT.
 function(check tree)
     execute_process(COMMAND ${PYTHON} ${script} ${tree}
         RESULT_VARIABLE RESULT OUTPUT_VARIABLE OUTPUT ERROR_VARIABLE OUTPUT)
@@ -20,66 +20,51 @@ function(check tree)
     set(OUTPUT "${OUTPUT}" PARENT_SCOPE)
 endfunction()
 
-# fresh_copy(): the guide with its recipes in a tree of its own.
+# make_copy(): copies the guide and its recipes.
 set(copy ${WORK_DIR}/tree)
-function(fresh_copy)
+function(make_copy)
     file(REMOVE_RECURSE ${copy})
     file(COPY ${SOURCE_DIR}/docs/guide DESTINATION ${copy}/docs)
     file(COPY ${SOURCE_DIR}/examples/recipes DESTINATION ${copy}/examples)
 endfunction()
 
-# replace(<file> <text> <other text>): in the copy.
-function(replace file text other)
+# expect_problem(<file> <string> <replacement> <problem>): verifies that a copy with the replacement has
+# this problem.
+function(expect_problem file string replacement problem)
+    make_copy()
     file(READ ${copy}/${file} content)
-    string(REPLACE "${text}" "${other}" changed "${content}")
+    string(REPLACE "${string}" "${replacement}" changed "${content}")
     if(changed STREQUAL content)
-        message(FATAL_ERROR "${file} holds no ${text}")
+        message(FATAL_ERROR "${file} does not contain ${string}")
     endif()
     file(WRITE ${copy}/${file} "${changed}")
+    check(${copy})
+    expect_failure_with("${problem}")
 endfunction()
 
 check(${SOURCE_DIR})
 expect_success()
 
-# And it sees a difference.
-set(page docs/guide/saving-json-atomically.md)
+set(name saving-json-atomically)
+set(page docs/guide/${name}.md)
+set(source examples/recipes/${name}/AtomicJson.cpp)
+expect_problem(${page} "file.flush()" "true" "${name}.md: shows code that is not in ${name}")
+expect_problem(${source} "file.flush()" "true" "${name}.md: shows code that is not in ${name}")
+expect_problem(${page} "```cpp" "```text" "${name}.md: shows no C++")
+expect_problem(${page} "(../../examples/recipes/${name})" "()" "${name}.md: does not link its recipe")
+expect_problem(${page} "# Saving" "Saving" "${name}.md: has no title")
+expect_problem(${page} "```cmake" "```text" "${name}.md: names no files for CMake")
+expect_problem(${page} "HEADERS +=" "# " "${name}.md: names other files for qmake")
+expect_problem(${page} "AtomicJson.h" "Json.h" "${name}.md: names a file for CMake that the recipe does not have")
+expect_problem(docs/guide/watching-the-theme.md "AUTOMOC ON" "AUTOMOC OFF" "watching-the-theme.md: sets AUTOMOC")
+expect_problem(docs/guide/README.md "(${name}.md)" "()" "${name}: is not linked in README.md")
 
-fresh_copy()
-replace(${page} "file.flush()" "true")
-check(${copy})
-expect_failure_with("saving-json-atomically.md: shows what stands in no source")
-
-fresh_copy()
-replace(examples/recipes/saving-json-atomically/AtomicJson.cpp "file.flush()" "true")
-check(${copy})
-expect_failure_with("saving-json-atomically.md: shows what stands in no source")
-
-fresh_copy()
-replace(${page} "```cpp" "```text")
-check(${copy})
-expect_failure_with("saving-json-atomically.md: shows no C++")
-
-fresh_copy()
-replace(${page} "(../../examples/recipes/saving-json-atomically)" "()")
-check(${copy})
-expect_failure_with("saving-json-atomically.md: does not link its recipe")
-
-fresh_copy()
-replace(${page} "# Saving" "Saving")
-check(${copy})
-expect_failure_with("saving-json-atomically.md: has no title")
-
-fresh_copy()
+make_copy()
 file(REMOVE ${copy}/${page})
 check(${copy})
-expect_failure_with("saving-json-atomically: has no page")
+expect_failure_with("${name}: has no page")
 
-fresh_copy()
-file(REMOVE_RECURSE ${copy}/examples/recipes/saving-json-atomically)
+make_copy()
+file(REMOVE_RECURSE ${copy}/examples/recipes/${name})
 check(${copy})
-expect_failure_with("saving-json-atomically: has no recipe")
-
-fresh_copy()
-replace(docs/guide/README.md "(saving-json-atomically.md)" "()")
-check(${copy})
-expect_failure_with("saving-json-atomically: is not linked in README.md")
+expect_failure_with("${name}: has no recipe")

@@ -1,14 +1,14 @@
 # SPDX-License-Identifier: LGPL-2.1-or-later
 #
-# The host that README shows is built as it stands there and does what README says of it.
+# Builds the application that README shows and runs it twice.
 
 include(${CMAKE_CURRENT_LIST_DIR}/support.cmake)
 
-# code_block(<language> <first line> <variable>): the code block that begins so.
+# code_block(<language> <first line> <variable>): sets the variable to the code block with that first line.
 function(code_block language first_line variable)
     string(FIND "${readme}" "```${language}\n${first_line}" begin)
     if(begin EQUAL -1)
-        message(FATAL_ERROR "README shows no ${language} that begins with ${first_line}")
+        message(FATAL_ERROR "README has no ${language} block that starts with ${first_line}")
     endif()
     string(SUBSTRING "${readme}" ${begin} -1 rest)
     string(FIND "${rest}" "\n```\n" end)
@@ -28,14 +28,14 @@ configure(${WORK_DIR}/host ${WORK_DIR}/build)
 expect_success()
 run(${CMAKE_COMMAND} --build ${WORK_DIR}/build)
 foreach(expected 1 2)
-    run(${CMAKE_COMMAND} -E env HOME=${WORK_DIR}/home XDG_CONFIG_HOME=${WORK_DIR}/home/.config ${WORK_DIR}/build/host)
-    file(READ ${WORK_DIR}/home/.config/host/settings.json settings)
+    run(${CMAKE_COMMAND} -E env HOME=${WORK_DIR}/home XDG_DATA_HOME=${WORK_DIR}/home/.local/share ${WORK_DIR}/build/host)
+    file(READ ${WORK_DIR}/home/.local/share/host/settings.json settings)
     if(NOT settings MATCHES "\"runs\": ${expected}\n")
         message(FATAL_ERROR "After run ${expected} the settings are: ${settings}")
     endif()
 endforeach()
-file(STRINGS ${WORK_DIR}/home/.config/host/log/host.log lines)
+file(STRINGS ${WORK_DIR}/home/.local/share/host/log/host.log lines)
 list(LENGTH lines count)
 if(NOT count EQUAL 2 OR NOT lines MATCHES " INFO   - settings saved")
-    message(FATAL_ERROR "After two runs the log holds: ${lines}")
+    message(FATAL_ERROR "After two runs the log is: ${lines}")
 endif()

@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: LGPL-2.1-or-later
 #
-# What installs the dependencies says why it can't, and is silent where there is nothing to do. What builds
-# and starts something ends as that does.
+# scripts/install-dependencies reports why it cannot install, and prints nothing if nothing is missing. The
+# scripts that build and start a program return its exit code. Each script has --help.
 
 include(${CMAKE_CURRENT_LIST_DIR}/support.cmake)
 
@@ -9,7 +9,7 @@ set(script ${SOURCE_DIR}/scripts/install-dependencies)
 find_program(BASH bash)
 find_program(ENV_COMMAND env)
 
-# A machine with the basic commands and no apt.
+# A machine with basic commands and without apt.
 file(MAKE_DIRECTORY ${WORK_DIR}/bin)
 foreach(command dirname grep id)
     find_program(program_${command} ${command})
@@ -17,14 +17,14 @@ foreach(command dirname grep id)
 endforeach()
 execute_process(COMMAND ${ENV_COMMAND} PATH=${WORK_DIR}/bin ${BASH} ${script} build
     RESULT_VARIABLE RESULT OUTPUT_VARIABLE OUTPUT ERROR_VARIABLE OUTPUT)
-expect_failure_with("install-dependencies: this machine has no dpkg-query")
+expect_failure_with("install-dependencies: dpkg-query is not installed.")
 
 execute_process(COMMAND ${BASH} ${script} nonsense
     RESULT_VARIABLE RESULT OUTPUT_VARIABLE OUTPUT ERROR_VARIABLE OUTPUT)
-expect_failure_with("no such group of packages: nonsense")
+expect_failure_with("unknown group of packages: nonsense")
 
-# With every package there, nothing is called that could change the machine. Where one is missing, the
-# stand-ins are what an ordinary user without sudo and a machine without a network have.
+# Fake tools for three machines: "all" has every package, "none" has no network, "user" has an ordinary user
+# without sudo, "old" has only the older package of each line with alternatives.
 file(WRITE ${WORK_DIR}/all/dpkg-query "#!/bin/sh\necho installed\n")
 file(WRITE ${WORK_DIR}/all/apt-get "#!/bin/sh\necho called\nexit 1\n")
 file(WRITE ${WORK_DIR}/none/dpkg-query "#!/bin/sh\nexit 1\n")
@@ -34,35 +34,54 @@ file(WRITE ${WORK_DIR}/user/dpkg-query "#!/bin/sh\nexit 1\n")
 file(WRITE ${WORK_DIR}/user/apt-get "#!/bin/sh\nexit 100\n")
 file(WRITE ${WORK_DIR}/user/id "#!/bin/sh\necho 1000\n")
 file(WRITE ${WORK_DIR}/user/sudo "#!/bin/sh\nexit 1\n")
-file(GLOB fakes ${WORK_DIR}/all/* ${WORK_DIR}/none/* ${WORK_DIR}/user/*)
+file(WRITE ${WORK_DIR}/old/dpkg-query "#!/bin/sh\nexit 1\n")
+file(WRITE ${WORK_DIR}/old/apt-get "#!/bin/sh\necho \"$*\" >>${WORK_DIR}/old.log\n")
+file(WRITE ${WORK_DIR}/old/apt-cache "#!/bin/sh\n[ \"$2\" = libquazip1-qt5-dev ] || echo Package: $2\n")
+file(WRITE ${WORK_DIR}/old/id "#!/bin/sh\necho 0\n")
+file(GLOB fakes ${WORK_DIR}/all/* ${WORK_DIR}/none/* ${WORK_DIR}/user/* ${WORK_DIR}/old/*)
 run(chmod +x ${fakes})
 
 execute_process(COMMAND ${ENV_COMMAND} PATH=${WORK_DIR}/all:$ENV{PATH} ${BASH} ${script} build test check
     RESULT_VARIABLE RESULT OUTPUT_VARIABLE OUTPUT ERROR_VARIABLE OUTPUT)
 expect_success()
 if(NOT OUTPUT STREQUAL "")
-    message(FATAL_ERROR "Nothing to do, nothing to say; it said: ${OUTPUT}")
+    message(FATAL_ERROR "Should print nothing; printed: ${OUTPUT}")
 endif()
 
 execute_process(COMMAND ${ENV_COMMAND} PATH=${WORK_DIR}/none:$ENV{PATH} ${BASH} ${script} build
     RESULT_VARIABLE RESULT OUTPUT_VARIABLE OUTPUT ERROR_VARIABLE OUTPUT)
-expect_failure_with("the package lists can't be had; is there a network?")
+expect_failure_with("the package lists could not be loaded. Check the network.")
 
 execute_process(COMMAND ${ENV_COMMAND} PATH=${WORK_DIR}/user:$ENV{PATH} ${BASH} ${script} build
     RESULT_VARIABLE RESULT OUTPUT_VARIABLE OUTPUT ERROR_VARIABLE OUTPUT)
-expect_failure_with("sudo refused; run as root or install by hand: apt-get update")
+expect_failure_with("installing packages needs root. Run:\n    sudo apt-get install --no-install-recommends cmake g++ ")
 
-# The scripts that build and start something, in a tree where cmake makes a program that prints its
-# arguments and ends as the test wants.
-file(COPY ${SOURCE_DIR}/scripts DESTINATION ${WORK_DIR}/tree)
+# Of alternatives the first one is installed that the distribution has.
+file(REMOVE ${WORK_DIR}/old.log)
+execute_process(COMMAND ${ENV_COMMAND} PATH=${WORK_DIR}/old:$ENV{PATH} ${BASH} ${script} build
+    RESULT_VARIABLE RESULT OUTPUT_VARIABLE OUTPUT ERROR_VARIABLE OUTPUT)
+expect_success()
+file(READ ${WORK_DIR}/old.log calls)
+if(NOT calls MATCHES "install .* libquazip5-dev " OR calls MATCHES "libquazip1-qt5-dev")
+    message(FATAL_ERROR "The older package should be installed; the calls were: ${calls}")
+endif()
+
+# The scripts that build and start a program, in a tree where a fake cmake makes a program that prints its
+# arguments and returns 7.
+file(COPY ${SOURCE_DIR}/scripts ${SOURCE_DIR}/CMakePresets.json DESTINATION ${WORK_DIR}/tree)
 file(WRITE ${WORK_DIR}/program "#!/bin/sh\necho \"started: $*\"\nexit 7\n")
 file(WRITE ${WORK_DIR}/good/cmake "#!/bin/sh
+[ \"$1\" != --version ] || { echo 'cmake version 3.25.1'; exit; }
 echo \"cmake $*\"
 mkdir -p ${WORK_DIR}/tree/build/demo/localservices/program
 cp ${WORK_DIR}/program ${WORK_DIR}/tree/build/demo/localservices/program/local-services
 ")
 file(WRITE ${WORK_DIR}/bad/cmake "#!/bin/sh\necho 'no compiler'\nexit 1\n")
-run(chmod +x ${WORK_DIR}/program ${WORK_DIR}/good/cmake ${WORK_DIR}/bad/cmake)
+file(WRITE ${WORK_DIR}/older/cmake "#!/bin/sh
+[ \"$1\" != --version ] || { echo 'cmake version 3.18.4'; exit; }
+echo \"cmake $*\"
+")
+run(chmod +x ${WORK_DIR}/program ${WORK_DIR}/good/cmake ${WORK_DIR}/bad/cmake ${WORK_DIR}/older/cmake)
 set(demo ${WORK_DIR}/tree/build/demo)
 
 # run_script(<folder of cmake> <script> [ARGUMENT...]): leaves RESULT, OUTPUT and ERRORS.
@@ -78,7 +97,7 @@ endfunction()
 
 run_script(bad local-services true)
 set(OUTPUT "${ERRORS}")
-expect_failure_with("build-demo: the build failed; all of it stands in ${demo}/build.log")
+expect_failure_with("build-demo: the build failed; see ${demo}/build.log")
 expect_failure_with("no compiler")
 run_script(bad demo)
 set(OUTPUT "${ERRORS}")
@@ -86,24 +105,55 @@ expect_failure_with("build-demo: the build failed")
 
 run_script(good local-services --port 0 host --its own)
 if(NOT RESULT EQUAL 7)
-    message(FATAL_ERROR "The exit code is to be the program's; it is: ${RESULT} ${ERRORS}")
+    message(FATAL_ERROR "Should return the program's exit code; returned: ${RESULT} ${ERRORS}")
 endif()
 if(NOT OUTPUT STREQUAL "started: --folder ${demo}/local-services --port 0 host --its own\n")
-    message(FATAL_ERROR "The standard output stream is the program's alone; it holds: ${OUTPUT}")
+    message(FATAL_ERROR "The standard output should be the program's alone; it is: ${OUTPUT}")
 endif()
 file(READ ${demo}/build.log log)
 if(NOT log MATCHES "--target local-services\n")
-    message(FATAL_ERROR "Only the program should be built: ${log}")
+    message(FATAL_ERROR "Should build the program alone: ${log}")
 endif()
 
 run_script(good demo)
 if(NOT RESULT EQUAL 7)
-    message(FATAL_ERROR "The exit code is to be the tour's; it is: ${RESULT} ${ERRORS}")
+    message(FATAL_ERROR "Should return the tour's exit code; returned: ${RESULT} ${ERRORS}")
 endif()
 foreach(text "started: --folder ${demo}/local-services ${demo}/examples/tour/tour ${demo}/tour\n"
-        "== Where to look next" "scripts/local-services")
+        "== What to try next" "scripts/local-services")
     string(FIND "${OUTPUT}" "${text}" position)
     if(position EQUAL -1)
-        message(FATAL_ERROR "The demo should say \"${text}\"; it said: ${OUTPUT}")
+        message(FATAL_ERROR "The demo should print \"${text}\"; it printed: ${OUTPUT}")
     endif()
 endforeach()
+
+# CMake before 3.20 gets the preset's variables as options, with those of the presets that it inherits.
+run_script(older configure ci -DEXTRA=1)
+if(NOT OUTPUT MATCHES "^cmake -S . -B build/ci -G Ninja .*-DZYBASE_WARNINGS_AS_ERRORS=ON .*-DEXTRA=1\n$"
+        OR NOT OUTPUT MATCHES "-DCMAKE_BUILD_TYPE=RelWithDebInfo" OR NOT OUTPUT MATCHES "-DBUILD_TESTING=ON")
+    message(FATAL_ERROR "The options of an older cmake are: ${OUTPUT} ${ERRORS}")
+endif()
+run_script(older configure nonsense)
+set(OUTPUT "${ERRORS}")
+expect_failure_with("CMakePresets.json has no preset nonsense")
+run_script(good configure ci -DEXTRA=1)
+if(NOT OUTPUT STREQUAL "cmake --preset ci -DEXTRA=1\n")
+    message(FATAL_ERROR "The options of a recent cmake are: ${OUTPUT} ${ERRORS}")
+endif()
+
+# Help starts nothing, and unknown options are refused.
+file(REMOVE ${demo}/build.log)
+foreach(script install test demo build-demo configure install-dependencies coverage)
+    run_script(good ${script} --help)
+    if(NOT RESULT EQUAL 0 OR NOT OUTPUT MATCHES "scripts/${script}" OR OUTPUT MATCHES "cmake -")
+        message(FATAL_ERROR "scripts/${script} --help printed: ${OUTPUT} ${ERRORS}")
+    endif()
+endforeach()
+foreach(script install demo build-demo)
+    run_script(good ${script} --nonsense)
+    set(OUTPUT "${ERRORS}")
+    expect_failure_with("--nonsense; see scripts/${script} --help")
+endforeach()
+if(EXISTS ${demo}/build.log)
+    message(FATAL_ERROR "A call for help started a build")
+endif()

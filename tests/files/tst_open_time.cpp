@@ -2,20 +2,24 @@
 
 #include <ZyBase/files/CFileUtils.h>
 
+#include "EightThreads.h"
 #include "FakeClock.h"
 #include "HostProcess.h"
 
+#include <QProcess>
 #include <QTest>
 
-#include <atomic>
 #include <limits>
-#include <thread>
+#include <memory>
 
 using ZyBase::CFileUtils;
 
 namespace {
 
-constexpr qint64 day = 86400;
+constexpr qint64 secondsOfDay = 86400;
+constexpr const char *firstCallsArgument = "--first-calls";
+constexpr int attempts = ZYBASE_SANITIZED ? 5 : 40;
+constexpr int timeoutMs = 60000;
 const QString utc = QStringLiteral("UTC");
 
 QDateTime moment(const char *isoUtc)
@@ -23,14 +27,26 @@ QDateTime moment(const char *isoUtc)
     return QDateTime::fromString(QString::fromUtf8(isoUtc) + QLatin1Char('Z'), Qt::ISODate);
 }
 
-QString shown(HostProcess *host, qint64 seconds)
+QString formatted(HostProcess *host, qint64 seconds)
 {
     return host->call(QStringLiteral("files.formatOpenTime"), {QString::number(seconds)}).toString();
 }
 
-QString shown(HostProcess *host, const char *isoUtc)
+QString formatted(HostProcess *host, const char *isoUtc)
 {
-    return shown(host, moment(isoUtc).toSecsSinceEpoch());
+    return formatted(host, moment(isoUtc).toSecsSinceEpoch());
+}
+
+// Makes the first calls of this process in eight threads.
+bool areFirstCallsCorrect()
+{
+    const qint64 seconds = moment("2001-02-03T12:00:00").toSecsSinceEpoch();
+    const int correctCalls = sumOfEightThreads([seconds](int) {
+        return int(CFileUtils::FormatOpenTime(seconds) == QLatin1String("02/03/2001"))
+               + int(CFileUtils::CheckFileNameValid(QStringLiteral("a")))
+               + int(CFileUtils::CheckFilePathValid(QStringLiteral("C:\\a")));
+    });
+    return correctCalls == 24;
 }
 
 } // namespace
@@ -64,7 +80,7 @@ private Q_SLOTS:
         m_clock.reset();
     }
 
-    void momentOfTodayIsAClockTime_data()
+    void returnsTimeForTodayAndDateOtherwise_data()
     {
         QTest::addColumn<QString>("moment");
         QTest::addColumn<QString>("expected");
@@ -76,38 +92,38 @@ private Q_SLOTS:
                                       << "00:00:00";
         QTest::newRow("last second") << "2026-11-20T23:59:59"
                                      << "23:59:59";
-        QTest::newRow("later today") << "2026-11-20T18:30:00"
-                                     << "18:30:00";
+        QTest::newRow("later on the same day") << "2026-11-20T18:30:00"
+                                               << "18:30:00";
         QTest::newRow("yesterday") << "2026-11-19T15:04:05"
                                    << "11/19/2026";
-        QTest::newRow("a second before today") << "2026-11-19T23:59:59"
-                                               << "11/19/2026";
+        QTest::newRow("last second of yesterday") << "2026-11-19T23:59:59"
+                                                  << "11/19/2026";
         QTest::newRow("tomorrow") << "2026-11-21T00:00:00"
                                   << "11/21/2026";
         QTest::newRow("same day last year") << "2025-11-20T15:04:05"
                                             << "11/20/2025";
         QTest::newRow("one digit each") << "2026-03-04T05:06:07"
                                         << "03/04/2026";
-        QTest::newRow("far ahead") << "9999-12-31T23:59:59"
-                                   << "12/31/9999";
+        QTest::newRow("far in the future") << "9999-12-31T23:59:59"
+                                           << "12/31/9999";
         QTest::newRow("before the epoch") << "1969-12-31T23:59:59"
                                           << "12/31/1969";
     }
-    void momentOfTodayIsAClockTime()
+    void returnsTimeForTodayAndDateOtherwise()
     {
         QFETCH(QString, moment);
         QFETCH(QString, expected);
         QVERIFY(startAt("2026-11-20T15:04:05", utc));
-        QCOMPARE(shown(m_host.get(), moment.toUtf8().constData()), expected);
+        QCOMPARE(formatted(m_host.get(), moment.toUtf8().constData()), expected);
     }
 
-    void todayIsTheLocalDay_data()
+    void usesLocalDay_data()
     {
         QTest::addColumn<QString>("zone");
         QTest::addColumn<QString>("now");
         QTest::addColumn<QString>("epoch");
         QTest::addColumn<QString>("before");
-        // At 20:00 UTC it is the next day in Shanghai already.
+        // At 20:00 UTC it is already the next day in Shanghai.
         QTest::newRow("UTC") << "UTC"
                              << "20:00:00"
                              << "01/01/1970"
@@ -129,54 +145,54 @@ private Q_SLOTS:
                                     << "12/31/1969"
                                     << "11/20/2026";
     }
-    void todayIsTheLocalDay()
+    void usesLocalDay()
     {
         QFETCH(QString, zone);
         QFETCH(QString, now);
         QFETCH(QString, epoch);
         QFETCH(QString, before);
         QVERIFY(startAt("2026-11-20T20:00:00", zone));
-        QCOMPARE(shown(m_host.get(), "2026-11-20T20:00:00"), now);
-        QCOMPARE(shown(m_host.get(), qint64(0)), epoch);
-        QCOMPARE(shown(m_host.get(), "2026-11-20T04:00:00"), before);
+        QCOMPARE(formatted(m_host.get(), "2026-11-20T20:00:00"), now);
+        QCOMPARE(formatted(m_host.get(), qint64(0)), epoch);
+        QCOMPARE(formatted(m_host.get(), "2026-11-20T04:00:00"), before);
     }
 
-    void dayOfTheFirstCallStaysTodayOverMidnight()
+    void keepsDayOfFirstCallAfterMidnight()
     {
         QVERIFY(startAt("2026-11-20T23:59:58", utc));
-        QCOMPARE(shown(m_host.get(), "2026-11-20T23:59:58"), QStringLiteral("23:59:58"));
+        QCOMPARE(formatted(m_host.get(), "2026-11-20T23:59:58"), QStringLiteral("23:59:58"));
         m_clock->advance(4);
-        QCOMPARE(shown(m_host.get(), "2026-11-21T00:00:02"), QStringLiteral("11/21/2026"));
-        QCOMPARE(shown(m_host.get(), "2026-11-20T23:59:58"), QStringLiteral("23:59:58"));
-        m_clock->advance(300 * day);
-        QCOMPARE(shown(m_host.get(), "2026-11-20T08:00:00"), QStringLiteral("08:00:00"));
+        QCOMPARE(formatted(m_host.get(), "2026-11-21T00:00:02"), QStringLiteral("11/21/2026"));
+        QCOMPARE(formatted(m_host.get(), "2026-11-20T23:59:58"), QStringLiteral("23:59:58"));
+        m_clock->advance(300 * secondsOfDay);
+        QCOMPARE(formatted(m_host.get(), "2026-11-20T08:00:00"), QStringLiteral("08:00:00"));
     }
 
-    void todayIsTakenAtTheFirstCallAndNotAtTheStart()
+    void usesDayOfFirstCallNotOfProcessStart()
     {
         QVERIFY(startAt("2026-11-20T23:59:58", utc));
         QCOMPARE(m_host->call(QStringLiteral("process.readFile"), {QString()}), QJsonValue());
         m_clock->advance(4);
-        QCOMPARE(shown(m_host.get(), "2026-11-21T00:00:02"), QStringLiteral("00:00:02"));
-        QCOMPARE(shown(m_host.get(), "2026-11-20T23:59:58"), QStringLiteral("11/20/2026"));
+        QCOMPARE(formatted(m_host.get(), "2026-11-21T00:00:02"), QStringLiteral("00:00:02"));
+        QCOMPARE(formatted(m_host.get(), "2026-11-20T23:59:58"), QStringLiteral("11/20/2026"));
     }
 
-    void firstCallWithAMomentOfAnotherDayKeepsTodayAllTheSame()
+    void keepsTodayIfFirstCallIsForAnotherDay()
     {
         QVERIFY(startAt("2026-11-20T12:00:00", utc));
-        QCOMPARE(shown(m_host.get(), "2020-02-29T12:00:00"), QStringLiteral("02/29/2020"));
-        QCOMPARE(shown(m_host.get(), "2026-11-20T11:00:00"), QStringLiteral("11:00:00"));
-        QCOMPARE(shown(m_host.get(), "2020-02-29T12:00:00"), QStringLiteral("02/29/2020"));
+        QCOMPARE(formatted(m_host.get(), "2020-02-29T12:00:00"), QStringLiteral("02/29/2020"));
+        QCOMPARE(formatted(m_host.get(), "2026-11-20T11:00:00"), QStringLiteral("11:00:00"));
+        QCOMPARE(formatted(m_host.get(), "2020-02-29T12:00:00"), QStringLiteral("02/29/2020"));
     }
 
-    void daylightSavingTimeIsThatOfTheMoment()
+    void usesDaylightSavingTimeOfGivenTime()
     {
         QVERIFY(startAt("2026-03-29T12:00:00", QStringLiteral("Europe/Berlin")));
-        QCOMPARE(shown(m_host.get(), "2026-03-29T00:59:59"), QStringLiteral("01:59:59"));
-        QCOMPARE(shown(m_host.get(), "2026-03-29T01:00:00"), QStringLiteral("03:00:00"));
+        QCOMPARE(formatted(m_host.get(), "2026-03-29T00:59:59"), QStringLiteral("01:59:59"));
+        QCOMPARE(formatted(m_host.get(), "2026-03-29T01:00:00"), QStringLiteral("03:00:00"));
     }
 
-    void orderAndMarksAreTheSameInEveryLocale_data()
+    void keepsFormatInEveryLocale_data()
     {
         QTest::addColumn<QString>("locale");
         QTest::addColumn<QString>("time");
@@ -190,12 +206,12 @@ private Q_SLOTS:
         QTest::newRow("German") << "de_DE.UTF-8"
                                 << "15:04:05"
                                 << "01/02/2026";
-        // The digits are Qt's choice, from the system's locale.
+        // Qt uses the digits of the system's locale.
         QTest::newRow("Egyptian") << "ar_EG.UTF-8"
                                   << "١٥:٠٤:٠٥"
                                   << "٠١/٠٢/٢٠٢٦";
     }
-    void orderAndMarksAreTheSameInEveryLocale()
+    void keepsFormatInEveryLocale()
     {
         QFETCH(QString, locale);
         QFETCH(QString, time);
@@ -206,39 +222,41 @@ private Q_SLOTS:
         m_host->setEnvironment(QStringLiteral("TZ"), utc);
         m_host->setEnvironment(QStringLiteral("LC_ALL"), locale);
         QVERIFY(m_host->start());
-        QCOMPARE(shown(m_host.get(), "2026-11-20T15:04:05"), time);
-        QCOMPARE(shown(m_host.get(), "2026-01-02T15:04:05"), date);
+        QCOMPARE(formatted(m_host.get(), "2026-11-20T15:04:05"), time);
+        QCOMPARE(formatted(m_host.get(), "2026-01-02T15:04:05"), date);
     }
 
-    void momentBeyondQtsRangeComesRoundToAnother()
+    void returnsAnotherDateOutsideRangeOfQt()
     {
-        // Qt counts milliseconds in 64 bits and wraps: there is always some text.
+        // Qt counts milliseconds in 64 bits, which overflow. The result is never empty.
         QVERIFY(startAt("2026-11-20T15:04:05", utc));
-        QCOMPARE(shown(m_host.get(), std::numeric_limits<qint64>::max()), QStringLiteral("12/31/1969"));
-        QCOMPARE(shown(m_host.get(), std::numeric_limits<qint64>::min()), QStringLiteral("01/01/1970"));
-        QCOMPARE(shown(m_host.get(), 9223372036854776LL), QStringLiteral("05/16/-292275056"));
+        QCOMPARE(formatted(m_host.get(), std::numeric_limits<qint64>::max()), QStringLiteral("12/31/1969"));
+        QCOMPARE(formatted(m_host.get(), std::numeric_limits<qint64>::min()), QStringLiteral("01/01/1970"));
+        QCOMPARE(formatted(m_host.get(), 9223372036854776LL), QStringLiteral("05/16/-292275056"));
     }
 
-    void concurrentFirstCallsAgree()
+    void isThreadSafeFromFirstCall()
     {
-        // Qt's own first use of the locale is for one thread.
-        QVERIFY(!QDateTime::currentDateTime().toString(QStringLiteral("MM/dd/yyyy")).isEmpty());
-        std::vector<std::thread> threads;
-        std::atomic<int> good {0};
-        const qint64 longAgo = moment("2001-02-03T12:00:00").toSecsSinceEpoch();
-        for (int i = 0; i < 8; ++i) {
-            threads.emplace_back([&] {
-                good += CFileUtils::FormatOpenTime(longAgo) == QLatin1String("02/03/2001");
-                good += CFileUtils::CheckFileNameValid(QStringLiteral("a"));
-                good += CFileUtils::CheckFilePathValid(QStringLiteral("C:\\a"));
-            });
+        // The first calls are made once in a process, so each attempt is a new process.
+        for (int i = 0; i < attempts; ++i) {
+            QProcess process;
+            process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+            process.start(QCoreApplication::applicationFilePath(), {QLatin1String(firstCallsArgument)});
+            QVERIFY(process.waitForFinished(timeoutMs));
+            QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+            QCOMPARE(process.exitCode(), 0);
         }
-        for (std::thread &thread : threads)
-            thread.join();
-        QCOMPARE(good.load(), 24);
     }
 };
 
-QTEST_GUILESS_MAIN(TestOpenTime)
+int main(int argc, char **argv)
+{
+    // There is no application object here, because it may load Qt's locale data before the first call.
+    if (argc == 2 && qstrcmp(argv[1], firstCallsArgument) == 0)
+        return areFirstCallsCorrect() ? EXIT_SUCCESS : EXIT_FAILURE;
+    const QCoreApplication application(argc, argv);
+    TestOpenTime test;
+    return QTest::qExec(&test, argc, argv);
+}
 
 #include "tst_open_time.moc"

@@ -2,15 +2,11 @@
 
 #include "LocalWorld.h"
 
-#include "Files.h"
-
-#include <ZyBase/analytics/SigningSecret.h>
 #include <ZyBase/netinfo/Services.h>
 
-#include <QJsonDocument>
-
+using LocalServices::Connection;
+using LocalServices::FakeNetwork;
 using LocalServices::HttpServer;
-using LocalServices::RawServer;
 
 namespace {
 
@@ -29,16 +25,14 @@ HttpServer::Answer answerWith(const QByteArray &body)
 } // namespace
 
 LocalWorld::LocalWorld()
-    : m_backend(ZyBase::pszSigningSecret)
-    , m_server({}, {{QStringLiteral("/json"), answerWith(location)},
+    : m_server({}, {{QStringLiteral("/json"), answerWith(location)},
                     {QStringLiteral("/orders/4711"), answerWith(order)}})
-    , m_proxy(m_authority)
 {
-    m_proxy.routeAll(m_server.url(QStringLiteral("/")));
-    m_proxy.route(QStringLiteral("www.google-analytics.com"), m_collector.url());
-    const QString path = m_directory.filePath(QStringLiteral("services.json"));
-    describe(path);
-    qputenv("LOCAL_SERVICES", path.toUtf8());
+    m_network.routeAll(m_server.url(QStringLiteral("/")));
+    FakeNetwork::Addresses addresses;
+    addresses.downloads = QUrl(QStringLiteral("http://downloads.example.org/"));
+    addresses.page = QUrl(QStringLiteral("http://127.0.0.1:8080/"));
+    qputenv("LOCAL_SERVICES", QFile::encodeName(m_network.writeDescription(m_directory.path(), addresses)));
 }
 
 LocalWorld::~LocalWorld()
@@ -48,25 +42,11 @@ LocalWorld::~LocalWorld()
 
 void LocalWorld::setSilent(bool isSilent)
 {
-    if (isSilent)
-        m_silence =
-            std::make_unique<RawServer>([](LocalServices::Connection &client) { client.waitForClose(); });
-    const QUrl target = isSilent ? m_silence->url() : m_server.url(QStringLiteral("/"));
-    for (const char *host : {ZyBase::pszGeolocationHost, ZyBase::pszGeolocationPageHost})
-        m_proxy.route(QLatin1String(host), target);
-    if (!isSilent)
-        m_silence.reset();
-}
-
-void LocalWorld::describe(const QString &path)
-{
-    const QString authority = m_directory.filePath(QStringLiteral("authority.pem"));
-    writeFile(authority, m_authority.certificate());
-    const QJsonObject services {
-        {QStringLiteral("proxy"), QStringLiteral("http://127.0.0.1:%1").arg(m_proxy.port())},
-        {QStringLiteral("authority"), authority},
-        {QStringLiteral("statistics"), m_backend.url().toString()},
-        {QStringLiteral("downloads"), QStringLiteral("http://downloads.example.org/")},
-        {QStringLiteral("page"), QStringLiteral("http://127.0.0.1:8080/")}};
-    writeFile(path, QJsonDocument(services).toJson());
+    for (const char *host :
+         {ZyBase::pszGeolocationHost, ZyBase::pszGeolocationPageHost}) {
+        if (isSilent)
+            m_network.route(host, [](Connection &client) { client.waitForClose(); });
+        else
+            m_network.route(host, m_server.url(QStringLiteral("/")));
+    }
 }

@@ -2,17 +2,11 @@
 
 #pragma once
 
-#include <localservices/GaCollector.h>
-#include <localservices/HttpServer.h>
-#include <localservices/Proxy.h>
-#include <localservices/RawServer.h>
-#include <localservices/StatisticsBackend.h>
+#include <localservices/FakeNetwork.h>
 
 #include <QTemporaryDir>
 
-/**
- * The running local services as a host meets them: LOCAL_SERVICES names their file. All names that the
- * gallery asks for lead here.
+/** The network of the gallery. LOCAL_SERVICES contains the path of its description while the object exists.
  */
 class LocalWorld
 {
@@ -20,25 +14,23 @@ public:
     LocalWorld();
     ~LocalWorld();
 
-    /** From now on the services for the location take requests and don't answer; or they are as before. */
+    /** Makes the geolocation services never answer, or answer again. */
     void setSilent(bool isSilent);
 
-    /** Leads @p host elsewhere than to server(). */
-    void route(const char *host, const QUrl &url) { m_proxy.route(QLatin1String(host), url); }
+    /** Routes @p host to another server than server(). */
+    void route(const char *host, const QUrl &url) { m_network.route(host, url); }
 
     LocalServices::HttpServer &server() { return m_server; }
-    QList<LocalServices::GaCollector::Event> events() const { return m_collector.events(); }
-    QList<LocalServices::StatisticsBackend::Record> records() const { return m_backend.records(); }
+    QList<LocalServices::GaCollector::Event> events() const { return m_network.collector().events(); }
+    QList<LocalServices::StatisticsBackend::Record> records() const
+    {
+        return m_network.statistics().records();
+    }
 
 private:
     Q_DISABLE_COPY(LocalWorld)
-    void describe(const QString &path);
 
-    QTemporaryDir m_directory;
-    LocalServices::Authority m_authority;
-    LocalServices::GaCollector m_collector;
-    LocalServices::StatisticsBackend m_backend;
+    const QTemporaryDir m_directory;
     LocalServices::HttpServer m_server;
-    LocalServices::Proxy m_proxy;
-    std::unique_ptr<LocalServices::RawServer> m_silence;
+    LocalServices::FakeNetwork m_network;
 };

@@ -15,7 +15,7 @@ using LocalServices::RawServer;
 
 namespace {
 
-constexpr int patience = 20000;
+constexpr int timeoutMs = 20000;
 
 // What the server sends until it closes.
 QByteArray exchange(const QUrl &url, const QByteArray &request)
@@ -23,7 +23,7 @@ QByteArray exchange(const QUrl &url, const QByteArray &request)
     QTcpSocket socket;
     socket.connectToHost(url.host(), quint16(url.port()));
     socket.write(request);
-    while (socket.state() != QAbstractSocket::UnconnectedState && socket.waitForReadyRead(patience)) {}
+    while (socket.state() != QAbstractSocket::UnconnectedState && socket.waitForReadyRead(timeoutMs)) {}
     return socket.readAll();
 }
 
@@ -102,7 +102,7 @@ private Q_SLOTS:
                 const QUrl url = server->url(QStringLiteral("/"));
                 clients.back()->connectToHost(url.host(), quint16(url.port()));
                 clients.back()->write(request);
-                QVERIFY(clients.back()->waitForConnected(patience));
+                QVERIFY(clients.back()->waitForConnected(timeoutMs));
                 clients.back()->flush();
             }
             QTRY_COMPARE(server->requests().size(), 2);
@@ -125,6 +125,37 @@ private Q_SLOTS:
         socket.write("GET /drip HTTP/1.1\r\nHost: h\r\n\r\n");
         QTRY_VERIFY(socket.peek(10000).count("1\r\n.\r\n") > 5);
         QCOMPARE(socket.state(), QAbstractSocket::ConnectedState);
+    }
+
+    void closesConnectionThatIsNotHttp_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        // A long TLS handshake arrives in parts, the first one without the end of a line.
+        QTest::newRow("start of a TLS handshake") << QByteArray("\x16\x03\x01\x06\xa1\x01", 6);
+        QTest::newRow("zeros") << QByteArray(1, '\0');
+        QTest::newRow("header without a colon") << QByteArray("GET / HTTP/1.1\r\nHost\r\n\r\n");
+    }
+    void closesConnectionThatIsNotHttp()
+    {
+        QFETCH(QByteArray, bytes);
+        const HttpServer server;
+        const QUrl url = server.url(QStringLiteral("/"));
+        QTcpSocket socket;
+        socket.connectToHost(url.host(), quint16(url.port()));
+        socket.write(bytes);
+        QVERIFY(socket.waitForConnected(timeoutMs));
+        QTRY_COMPARE_WITH_TIMEOUT(socket.state(), QAbstractSocket::UnconnectedState, timeoutMs);
+        QCOMPARE(server.requests().size(), 0);
+    }
+
+    void keepsChunkedBodyWhole()
+    {
+        const HttpServer server;
+        const QByteArray answer = exchange(
+            server.url(QStringLiteral("/")),
+            "POST /echo HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n2\r\nbo\r\n2\r\ndy\r\n0\r\n\r\n");
+        QVERIFY(answer.endsWith("\r\n\r\nbody"));
+        QCOMPARE(server.requests().first().body, QByteArray("body"));
     }
 
     void compressedAnswerIsCompressed()

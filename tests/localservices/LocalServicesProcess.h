@@ -2,61 +2,58 @@
 
 #pragma once
 
+#include "ChildProcess.h"
+
 #include <QJsonArray>
 #include <QJsonObject>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QUrl>
 
 #include <csignal>
+#include <memory>
 
-/** The program local-services as a process, in a private folder that stays for the next run. */
+/** The program local-services as a process. Its folder is kept for the next run. */
 class LocalServicesProcess
 {
 public:
-    LocalServicesProcess();
-    ~LocalServicesProcess();
-
-    /** A folder that isn't there yet. */
+    /** The program's folder, which does not exist before the first run. */
     QString folder() const { return m_directory.filePath(QStringLiteral("kept")); }
     QString filePath(const QString &name) const { return folder() + QLatin1Char('/') + name; }
 
-    /** Starts it without a command; true once services.json is there. */
+    /** Starts the program without a command; returns true when services.json exists. */
     bool start(const QStringList &options = {QStringLiteral("--port"), QStringLiteral("0")});
 
-    /** Starts it with these arguments behind "--folder" and "--port 0"; @return its exit code. */
+    /** Runs the program with "--folder", "--port 0" and these arguments, and returns its exit code. */
     int run(const QStringList &command, const QByteArray &input = QByteArray());
 
-    /** The two halves of run(). */
+    /** Together these do the same as run(). */
     bool startCommand(const QStringList &command);
-    int waitForExitCode();
+    int waitForExitCode() { return m_process->finish(); }
 
-    /** Ends it by the signal; @return its exit code. */
+    /** Ends the program with the signal and returns its exit code. */
     int end(int signal = SIGTERM);
     void kill() { end(SIGKILL); }
 
-    qint64 processId() const { return m_process.processId(); }
-    QByteArray standardOutput() { return m_process.readAllStandardOutput(); }
+    qint64 processId() const { return m_process->processId(); }
+    QByteArray standardOutput() { return m_process->standardOutput(); }
 
-    /** All of it so far. */
-    QByteArray standardError() { return m_standardError += m_process.readAllStandardError(); }
+    QByteArray standardError() { return m_process->standardError(); }
     bool waitForStandardError(const QByteArray &text);
 
     /** A value of services.json. */
     QString value(const char *key) const;
     QUrl url(const char *key) const { return QUrl(value(key)); }
 
-    /** A path of the page's server. */
+    /** The URL of a path on the page's server. */
     QUrl page(const QString &path = QString()) const { return QUrl(value("page") + path); }
 
-    /** What the page's server says has arrived. */
+    /** The arrivals that the page's server lists. */
     QJsonArray arrivals() const;
 
 private:
-    Q_DISABLE_COPY(LocalServicesProcess)
+    bool startProcess(const QStringList &arguments);
 
     QTemporaryDir m_directory;
-    QProcess m_process;
-    QByteArray m_standardError;
+    std::unique_ptr<ChildProcess> m_process; ///< of the last run
     QJsonObject m_services;
 };

@@ -11,7 +11,7 @@ namespace {
 const QString command = QStringLiteral("system.bundleIdentifier");
 constexpr bool isInstrumented = ZYBASE_INSTRUMENTED != 0;
 
-// Both classes give the same.
+// Both classes return the same name.
 QJsonValue inBoth(const QString &name)
 {
     return QJsonArray {name, name};
@@ -19,13 +19,13 @@ QJsonValue inBoth(const QString &name)
 
 } // namespace
 
-// The name that hosts in various places get for themselves.
+// The name that applications in various directories get for themselves.
 class TestBundleIdentifier : public QObject
 {
     Q_OBJECT
 
 private:
-    // Makes the directory below the test's own and puts a host into it.
+    // Creates the directory in the test's own and copies a host into it.
     QString install(const QString &directory)
     {
         const QDir target(m_directory->filePath(directory));
@@ -39,34 +39,34 @@ private:
 private Q_SLOTS:
     void init() { m_directory = std::make_unique<QTemporaryDir>(); }
 
-    void nameIsThatOfThePackageDirectory_data()
+    void returnsNameOfPackageDirectory_data()
     {
         QTest::addColumn<QString>("directory");
         QTest::addColumn<QString>("name");
-        QTest::newRow("own directory") << "org.example.reader"
-                                       << "org.example.reader";
-        QTest::newRow("below a package") << "org.example.reader/bin"
-                                         << "bin";
-        QTest::newRow("in files") << "org.example.reader/files"
-                                  << "org.example.reader";
-        QTest::newRow("below files") << "org.example.reader/files/bin"
-                                     << "bin";
+        QTest::newRow("directory of its own") << "org.example.reader"
+                                              << "org.example.reader";
+        QTest::newRow("subdirectory of a package") << "org.example.reader/bin"
+                                                   << "bin";
+        QTest::newRow("directory files") << "org.example.reader/files"
+                                         << "org.example.reader";
+        QTest::newRow("subdirectory of files") << "org.example.reader/files/bin"
+                                               << "bin";
         QTest::newRow("files in capitals") << "org.example.reader/FILES"
                                            << "org.example.reader";
         QTest::newRow("files in mixed case") << "org.example.reader/Files"
                                              << "org.example.reader";
         QTest::newRow("files within a word") << "user/myProfiles2"
                                              << "user";
-        QTest::newRow("files in files: one step") << "reader/files/files"
-                                                  << "files";
+        QTest::newRow("files in files: only one step up") << "reader/files/files"
+                                                          << "files";
         QTest::newRow("file is not files") << "reader/file"
                                            << "file";
-        QTest::newRow("blanks and dots") << " a. b ./files"
+        QTest::newRow("spaces and dots") << " a. b ./files"
                                          << " a. b .";
         QTest::newRow("not ASCII") << "Größe 文件 😀/files"
                                    << "Größe 文件 😀";
     }
-    void nameIsThatOfThePackageDirectory()
+    void returnsNameOfPackageDirectory()
     {
         QFETCH(QString, directory);
         QFETCH(QString, name);
@@ -76,7 +76,7 @@ private Q_SLOTS:
         QCOMPARE(host.call(command), inBoth(name));
     }
 
-    void linkToTheExecutableIsFollowed()
+    void followsLinkToExecutable()
     {
         const QString program = install(QStringLiteral("reader/files"));
         const QString link = m_directory->filePath(QStringLiteral("link"));
@@ -87,7 +87,7 @@ private Q_SLOTS:
         QCOMPARE(host.call(command), inBoth(QStringLiteral("reader")));
     }
 
-    void filesStaysTheNameWhenTheDirectoryAboveIsGone()
+    void keepsNameFilesIfParentDirectoryIsGone()
     {
         HostProcess host;
         host.setCommand({install(QStringLiteral("reader/files"))});
@@ -97,7 +97,7 @@ private Q_SLOTS:
         QCOMPARE(host.call(command), inBoth(QStringLiteral("files")));
     }
 
-    void executableAtTheTopOfTheFileSystemGivesADot()
+    void returnsDotForExecutableInRootDirectory()
     {
         if (!Sandbox::isAvailable())
             QSKIP("bubblewrap is not installed or not allowed here");
@@ -110,10 +110,10 @@ private Q_SLOTS:
         QCOMPARE(host.call(command), inBoth(QStringLiteral(".")));
     }
 
-    void linkThatCannotBeReadGivesADot()
+    void returnsDotAndLogsNothingIfLinkCannotBeRead()
     {
         if (isInstrumented)
-            QSKIP("instruments read /proc");
+            QSKIP("instrumented programs need /proc");
         if (!Sandbox::isAvailable())
             QSKIP("bubblewrap is not installed or not allowed here");
         const QTemporaryDir empty;
@@ -123,6 +123,8 @@ private Q_SLOTS:
         host.setCommand({install(QStringLiteral("reader/bin"))});
         QVERIFY(host.start(sandbox));
         QCOMPARE(host.call(command), inBoth(QStringLiteral(".")));
+        host.quit();
+        QCOMPARE(host.standardError(), QString());
     }
 };
 

@@ -22,7 +22,7 @@ const QString queryPdf = QStringLiteral("xdg-mime [query] [default] [application
 
 } // namespace
 
-// The calls of xdg-mime and what its answers come to.
+// The calls of xdg-mime, and the results for its output.
 class TestDefaultApplication : public QObject
 {
     Q_OBJECT
@@ -47,52 +47,52 @@ private Q_SLOTS:
         QCOMPARE(messages.size(), 0);
     }
 
-    void answerThatContainsTheNameIsTrue_data()
+    void returnsTrueIfOutputContainsName_data()
     {
-        QTest::addColumn<QByteArray>("answer");
+        QTest::addColumn<QByteArray>("output");
         QTest::addColumn<QString>("application");
         QTest::addColumn<bool>("isDefault");
         const QByteArray entry("org.example.reader.desktop\n");
-        QTest::newRow("its entry") << entry << "org.example.reader" << true;
-        QTest::newRow("with the suffix") << entry << "org.example.reader.desktop" << true;
+        QTest::newRow("name of the entry") << entry << "org.example.reader" << true;
+        QTest::newRow("name with the suffix") << entry << "org.example.reader.desktop" << true;
         QTest::newRow("first part") << entry << "org.exam" << true;
         QTest::newRow("middle part") << entry << "reader" << true;
         QTest::newRow("last part") << entry << ".desktop" << true;
-        QTest::newRow("longer") << entry << "org.example.reader2" << false;
-        QTest::newRow("another") << entry << "okular" << false;
-        QTest::newRow("capitals") << entry << "org.example.Reader" << false;
-        QTest::newRow("capitals in the answer") << QByteArray("Reader.desktop\n") << "reader" << false;
-        QTest::newRow("the line end is not part of the answer") << entry << "org.example.reader.desktop\n"
-                                                                << false;
-        QTest::newRow("nor blanks before it") << QByteArray(" \t\na\n") << " " << false;
-        QTest::newRow("lines within are") << QByteArray("a.desktop\nb.desktop\n") << "p\nb" << true;
-        QTest::newRow("behind a NUL byte") << QByteArray("a\0org.example.reader", 20) << "reader" << false;
+        QTest::newRow("longer name") << entry << "org.example.reader2" << false;
+        QTest::newRow("another name") << entry << "okular" << false;
+        QTest::newRow("upper-case letter") << entry << "org.example.Reader" << false;
+        QTest::newRow("upper-case letter in the output")
+            << QByteArray("Reader.desktop\n") << "reader" << false;
+        QTest::newRow("line end is removed") << entry << "org.example.reader.desktop\n" << false;
+        QTest::newRow("white space before it is removed") << QByteArray(" \t\na\n") << " " << false;
+        QTest::newRow("line ends inside are kept") << QByteArray("a.desktop\nb.desktop\n") << "p\nb" << true;
+        QTest::newRow("after a NUL byte") << QByteArray("a\0org.example.reader", 20) << "reader" << false;
         QTest::newRow("before a NUL byte") << QByteArray("reader\0b", 8) << "reader" << true;
         QTest::newRow("Chinese") << QByteArray("阅读器.desktop\n") << "阅读器" << true;
         QTest::newRow("empty name") << entry << "" << true;
         QTest::newRow("null name") << entry << QString() << true;
-        QTest::newRow("empty name and no answer") << QByteArray("") << "" << true;
-        QTest::newRow("no answer") << QByteArray("") << "reader" << false;
+        QTest::newRow("empty name and no output") << QByteArray("") << "" << true;
+        QTest::newRow("no output") << QByteArray("") << "reader" << false;
     }
-    void answerThatContainsTheNameIsTrue()
+    void returnsTrueIfOutputContainsName()
     {
-        QFETCH(QByteArray, answer);
+        QFETCH(QByteArray, output);
         QFETCH(QString, application);
         QFETCH(bool, isDefault);
-        provideTool(FakeTools::print(answer));
+        provideTool(FakeTools::print(output));
         QCOMPARE(CAssocUtils::IsPdfLauncher(application), isDefault);
         QCOMPARE(COperateSystem::IsDefaultLauncher(application, textType), isDefault);
         QCOMPARE(m_tools->calls(),
                  QStringList({queryPdf, QStringLiteral("xdg-mime [query] [default] [text/plain]")}));
     }
 
-    void exitCodeOfAQueryIsNotRead_data()
+    void ignoresExitCodeOfQuery_data()
     {
         QTest::addColumn<QByteArray>("end");
         QTest::newRow("exit code 4") << QByteArray("exit 4");
         QTest::newRow("crash") << QByteArray("kill -9 $$");
     }
-    void exitCodeOfAQueryIsNotRead()
+    void ignoresExitCodeOfQuery()
     {
         QFETCH(QByteArray, end);
         provideTool("echo reader.desktop\n" + end);
@@ -101,13 +101,13 @@ private Q_SLOTS:
         QVERIFY(CAssocUtils::SetPdfLauncher(reader, QString(), false));
     }
 
-    void standardErrorIsNotRead()
+    void ignoresStandardError()
     {
         provideTool("echo reader >&2");
         QVERIFY(!CAssocUtils::IsPdfLauncher(QStringLiteral("reader")));
     }
 
-    void settingPassesTheEntryAndTheType_data()
+    void passesEntryAndType_data()
     {
         QTest::addColumn<QString>("application");
         QTest::addColumn<QString>("entry");
@@ -117,12 +117,12 @@ private Q_SLOTS:
         QTest::newRow("empty") << ""
                                << ".desktop";
         QTest::newRow("null") << QString() << ".desktop";
-        QTest::newRow("blanks and quotes") << "my \"own\" 'reader'"
+        QTest::newRow("spaces and quotes") << "my \"own\" 'reader'"
                                            << "my \"own\" 'reader'.desktop";
         QTest::newRow("Chinese") << "阅读器"
                                  << "阅读器.desktop";
     }
-    void settingPassesTheEntryAndTheType()
+    void passesEntryAndType()
     {
         QFETCH(QString, application);
         QFETCH(QString, entry);
@@ -134,7 +134,7 @@ private Q_SLOTS:
                               QStringLiteral("xdg-mime [default] [%1] [text/plain]").arg(entry)}));
     }
 
-    void furtherArgumentsHaveNoEffect()
+    void ignoresOtherArguments()
     {
         provideTool("exit 0");
         for (const QString &unread : {QString(), QStringLiteral(""), QStringLiteral("other")}) {
@@ -151,14 +151,14 @@ private Q_SLOTS:
                             "xdg-mime [default] [org.example.reader.desktop] [application/pdf]")});
     }
 
-    void settingIsTrueWhateverTheToolDoes_data()
+    void returnsTrueForEveryOutcomeOfSetting_data()
     {
         QTest::addColumn<QByteArray>("script");
         QTest::newRow("exit code 1") << QByteArray("exit 1");
-        QTest::newRow("exit code 4 and a complaint") << QByteArray("echo no such entry >&2; exit 4");
+        QTest::newRow("exit code 4 and an error message") << QByteArray("echo no such entry >&2; exit 4");
         QTest::newRow("crash") << QByteArray("kill -9 $$");
     }
-    void settingIsTrueWhateverTheToolDoes()
+    void returnsTrueForEveryOutcomeOfSetting()
     {
         QFETCH(QByteArray, script);
         provideTool(script);
@@ -166,7 +166,7 @@ private Q_SLOTS:
         QCOMPARE(m_tools->calls().size(), 1);
     }
 
-    void machineWithoutTheTool()
+    void returnsFixedResultsWithoutTool()
     {
         QVERIFY(!CAssocUtils::IsPdfLauncher(reader));
         QVERIFY(CAssocUtils::IsPdfLauncher(QString()));
@@ -174,7 +174,7 @@ private Q_SLOTS:
         QVERIFY(CAssocUtils::ResetPdfLauncher(reader));
     }
 
-    void resettingDoesNothing()
+    void changesNothingOnReset()
     {
         provideTool("exit 0");
         QVERIFY(CAssocUtils::ResetPdfLauncher(reader));
@@ -183,7 +183,7 @@ private Q_SLOTS:
         QCOMPARE(m_tools->calls(), QStringList());
     }
 
-    void answerIsAskedForAtEachCall()
+    void runsToolAtEachCall()
     {
         provideTool("echo reader.desktop");
         QVERIFY(CAssocUtils::IsPdfLauncher(QStringLiteral("reader")));
@@ -191,7 +191,7 @@ private Q_SLOTS:
         QVERIFY(!CAssocUtils::IsPdfLauncher(QStringLiteral("reader")));
     }
 
-    void classHoldsNoData()
+    void hasNoData()
     {
         QVERIFY(std::is_empty<CAssocUtils>::value && !std::is_polymorphic<CAssocUtils>::value);
     }

@@ -22,18 +22,20 @@ const QString viewer = QStringLiteral("org.example.viewer");
 
 } // namespace
 
-// The user's real default application, in a home of the test's own.
+// The default application of the real xdg-mime, in a home of its own.
 class TestDefaultApplicationDesktop : public QObject
 {
     Q_OBJECT
 
 private:
+    // xdg-mime skips an entry whose program does not exist. Its version 1.2 does not find a name that is also
+    // a builtin of the shell, such as "true", so the entry has a full path.
     void install(const QString &application)
     {
-        const QString folder = m_home->filePath(QStringLiteral(".local/share/applications"));
-        QVERIFY(QDir().mkpath(folder));
-        QVERIFY(writeFile(folder + QLatin1Char('/') + application + QStringLiteral(".desktop"),
-                          "[Desktop Entry]\nType=Application\nName=Test\nExec=true %f\n"
+        const QString directory = m_home->filePath(QStringLiteral(".local/share/applications"));
+        QVERIFY(QDir().mkpath(directory));
+        QVERIFY(writeFile(directory + QLatin1Char('/') + application + QStringLiteral(".desktop"),
+                          "[Desktop Entry]\nType=Application\nName=Test\nExec=/bin/sh %f\n"
                           "MimeType=application/pdf;text/plain;\n"));
     }
 
@@ -47,7 +49,7 @@ private Q_SLOTS:
     }
     void init()
     {
-        // No desktop, whose own tools xdg-mime would ask, and no applications of the machine.
+        // No desktop, whose own tools xdg-mime would use, and no applications of this machine.
         for (const char *variable : {"XDG_CURRENT_DESKTOP", "DESKTOP_SESSION", "KDE_FULL_SESSION",
                                      "GNOME_DESKTOP_SESSION_ID", "DISPLAY", "XDG_CONFIG_DIRS"})
             qunsetenv(variable);
@@ -59,7 +61,7 @@ private Q_SLOTS:
     }
     void cleanup() { m_home.reset(); }
 
-    void whatIsSetIsTheDefault()
+    void returnsTrueForApplicationThatWasSet()
     {
         for (const QString &chosen : {reader, viewer, reader}) {
             const QString other = chosen == reader ? viewer : reader;
@@ -71,7 +73,7 @@ private Q_SLOTS:
         }
     }
 
-    void typesHaveDefaultsOfTheirOwn()
+    void keepsDefaultsOfOtherTypes()
     {
         const QString text = QStringLiteral("text/plain");
         QVERIFY(CAssocUtils::SetPdfLauncher(reader, QString(), false));
@@ -81,14 +83,14 @@ private Q_SLOTS:
         QVERIFY(!COperateSystem::IsDefaultLauncher(reader, text));
     }
 
-    void nameWithTheSuffixSetsNoEntryThatExists()
+    void setsNoExistingEntryForNameWithSuffix()
     {
         QVERIFY(CAssocUtils::SetPdfLauncher(reader, QString(), false));
         QVERIFY(CAssocUtils::SetPdfLauncher(viewer + QStringLiteral(".desktop"), QString(), false));
         QVERIFY(!CAssocUtils::IsPdfLauncher(viewer));
     }
 
-    void resetLeavesTheDefault()
+    void keepsDefaultAfterReset()
     {
         QVERIFY(CAssocUtils::SetPdfLauncher(reader, QString(), false));
         QVERIFY(CAssocUtils::ResetPdfLauncher(reader));

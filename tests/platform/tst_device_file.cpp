@@ -56,7 +56,7 @@ QStringList filesBelow(const QString &directory)
     return files;
 }
 
-// Changes whenever the file is written or replaced, by the same bytes too.
+// Changes whenever the file is written or replaced, also with the same bytes.
 QPair<quint64, QByteArray> stateOf(const QString &path)
 {
     struct stat status = {};
@@ -68,7 +68,7 @@ QPair<quint64, QByteArray> stateOf(const QString &path)
 
 } // namespace
 
-// What the two functions leave in device.conf and make of what they find there.
+// How GetPCID() and IsNewUser() read and write device.conf.
 class TestDeviceFile : public QObject
 {
     Q_OBJECT
@@ -88,18 +88,18 @@ private Q_SLOTS:
     void init() { m_home = std::make_unique<TemporaryHome>(); }
     void cleanup() { m_home.reset(); }
 
-    void pathIsTheConfigurationDirectoryAndBothArguments_data()
+    void joinsConfigurationDirectoryAndBothArguments_data()
     {
         QTest::addColumn<QString>("first");
         QTest::addColumn<QString>("second");
         QTest::addColumn<QString>("expected");
-        QTest::newRow("they touch") << "a"
-                                    << "b"
-                                    << "ab/device.conf";
-        QTest::newRow("slash of the first") << "a/"
+        QTest::newRow("no separator between them") << "a"
+                                                   << "b"
+                                                   << "ab/device.conf";
+        QTest::newRow("slash in the first") << "a/"
                                             << "b"
                                             << "a/b/device.conf";
-        QTest::newRow("slash of the second") << "a"
+        QTest::newRow("slash in the second") << "a"
                                              << "/b"
                                              << "a/b/device.conf";
         QTest::newRow("three levels") << "a/b/"
@@ -111,22 +111,22 @@ private Q_SLOTS:
         QTest::newRow("second only") << QString() << "b"
                                      << "b/device.conf";
         QTest::newRow("neither") << QString() << QString() << "device.conf";
-        QTest::newRow("place markers are text") << "%2"
+        QTest::newRow("place markers are kept") << "%2"
                                                 << "%1"
                                                 << "%2%1/device.conf";
-        QTest::newRow("blanks and letters") << " Größe "
-                                            << "文件.d"
-                                            << " Größe 文件.d/device.conf";
-        QTest::newRow("a step up") << "a/.."
-                                   << "/b"
-                                   << "b/device.conf";
+        QTest::newRow("spaces and non-ASCII characters") << " Größe "
+                                                         << "文件.d"
+                                                         << " Größe 文件.d/device.conf";
+        QTest::newRow("parent directory") << "a/.."
+                                          << "/b"
+                                          << "b/device.conf";
     }
-    void pathIsTheConfigurationDirectoryAndBothArguments()
+    void joinsConfigurationDirectoryAndBothArguments()
     {
         QFETCH(QString, first);
         QFETCH(QString, second);
         QFETCH(QString, expected);
-        QDir().mkpath(config() + QStringLiteral("/a")); // for the step up from it
+        QDir().mkpath(config() + QStringLiteral("/a")); // its parent must be reachable
         const QString identifier = CSystemUtils::GetPCID(first, second);
         QCOMPARE(filesBelow(m_home->path()), QStringList {QStringLiteral(".config/") + expected});
         QVERIFY(CSystemUtils::IsNewUser(first, second));
@@ -135,17 +135,17 @@ private Q_SLOTS:
         QCOMPARE(filesBelow(m_home->path()), QStringList {QStringLiteral(".config/") + expected});
     }
 
-    void placeMarkersInTheConfigurationDirectoryAreText()
+    void keepsPlaceMarkersInConfigurationDirectory()
     {
-        const QString place = m_home->filePath(QStringLiteral("%1 %2 config"));
-        QDir().mkpath(place);
-        qputenv("XDG_CONFIG_HOME", QFile::encodeName(place));
+        const QString directory = m_home->filePath(QStringLiteral("%1 %2 config"));
+        QDir().mkpath(directory);
+        qputenv("XDG_CONFIG_HOME", QFile::encodeName(directory));
         pcid();
         QCOMPARE(filesBelow(m_home->path()),
                  QStringList {QStringLiteral("%1 %2 config/maker/reader/device.conf")});
     }
 
-    void configurationDirectoryIsLookedUpByEachCall()
+    void readsConfigurationDirectoryAtEachCall()
     {
         write("[General]\nPCID=first\nNewUser=true\n");
         QCOMPARE(pcid(), QStringLiteral("first"));
@@ -159,25 +159,25 @@ private Q_SLOTS:
         QVERIFY(!isNewUser());
     }
 
-    void configurationDirectoryIsQtsGeneralOne()
+    void usesGenericConfigurationDirectoryOfQt()
     {
         QStandardPaths::setTestModeEnabled(true);
-        const QString place = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+        const QString directory = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
         pcid();
         QStandardPaths::setTestModeEnabled(false);
-        QVERIFY(place.startsWith(m_home->path()) && place != config());
-        QVERIFY(QFile::exists(place + QStringLiteral("/maker/reader/device.conf")));
+        QVERIFY(directory.startsWith(m_home->path()) && directory != config());
+        QVERIFY(QFile::exists(directory + QStringLiteral("/maker/reader/device.conf")));
         QVERIFY(!QFile::exists(path()));
     }
 
-    void identifierIsStoredInTheGeneralSection()
+    void writesIdentifierToGeneralSection()
     {
         const QString identifier = pcid();
         QVERIFY2(isDigest(identifier), qPrintable(identifier));
         QCOMPARE(readFile(path()), "[General]\nPCID=" + identifier.toLatin1() + '\n');
     }
 
-    void markOfTheFirstRunIsTheTextTrue()
+    void writesTrueAsMarkOfFirstRun()
     {
         QVERIFY(isNewUser());
         QCOMPARE(readFile(path()), QByteArray("[General]\nNewUser=true\n"));
@@ -185,7 +185,7 @@ private Q_SLOTS:
         QVERIFY(!isNewUser());
     }
 
-    void eachTouchesItsOwnKeyOnly()
+    void changesOnlyItsOwnKey()
     {
         write("[General]\nNewUser=false\nOther=x\n\n[PCID]\nPCID=y\n");
         const QString identifier = pcid();
@@ -202,7 +202,7 @@ private Q_SLOTS:
         QCOMPARE(readFile(path()), QByteArray("[General]\nNewUser=true\nPCID=z\n"));
     }
 
-    void firstRunAndIdentifierDoNotDependOnEachOther()
+    void keepsFirstRunAndIdentifierIndependent()
     {
         QVERIFY(isNewUser());
         const QString identifier = pcid();
@@ -213,7 +213,7 @@ private Q_SLOTS:
         QVERIFY(isNewUser());
     }
 
-    void otherArgumentsAreAnotherInstallation()
+    void usesAnotherFileForOtherArguments()
     {
         write("[General]\nPCID=stored\nNewUser=true\n");
         const QString another = QStringLiteral("writer");
@@ -222,26 +222,26 @@ private Q_SLOTS:
         QCOMPARE(pcid(), QStringLiteral("stored"));
     }
 
-    void storedTextIsReturnedAsItStands_data()
+    void returnsStoredString_data()
     {
         QTest::addColumn<QByteArray>("content");
         QTest::addColumn<QString>("expected");
         QTest::newRow("digest") << QByteArray("[General]\nPCID=0123456789abcdef0123456789abcdef\n")
                                 << "0123456789abcdef0123456789abcdef";
         QTest::newRow("short word") << QByteArray("[General]\nPCID=abc\n") << "abc";
-        QTest::newRow("capitals") << QByteArray("[General]\nPCID=ABC\n") << "ABC";
+        QTest::newRow("upper-case letters") << QByteArray("[General]\nPCID=ABC\n") << "ABC";
         QTest::newRow("number") << QByteArray("[General]\nPCID=0012\n") << "0012";
         QTest::newRow("true") << QByteArray("[General]\nPCID=true\n") << "true";
-        QTest::newRow("outside of any section") << QByteArray("PCID=abc\n") << "abc";
+        QTest::newRow("no section") << QByteArray("PCID=abc\n") << "abc";
         QTest::newRow("no line end") << QByteArray("[General]\nPCID=abc") << "abc";
-        QTest::newRow("line ends of Windows") << QByteArray("[General]\r\nPCID=abc\r\n") << "abc";
-        QTest::newRow("blanks in quotes") << QByteArray("[General]\nPCID=\"  \"\n") << "  ";
-        QTest::newRow("blanks around") << QByteArray("[General]\nPCID =  a b  \n") << "a b";
+        QTest::newRow("Windows line ends") << QByteArray("[General]\r\nPCID=abc\r\n") << "abc";
+        QTest::newRow("spaces in quotes") << QByteArray("[General]\nPCID=\"  \"\n") << "  ";
+        QTest::newRow("spaces around it") << QByteArray("[General]\nPCID =  a b  \n") << "a b";
         QTest::newRow("escapes") << QByteArray("[General]\nPCID=\\x6587\\n\\\"\n") << "文\n\"";
         QTest::newRow("bytes") << QByteArray("[General]\nPCID=@ByteArray(abc)\n") << "abc";
-        QTest::newRow("twice: the last") << QByteArray("[General]\nPCID=a\nPCID=b\n") << "b";
+        QTest::newRow("two values: the last") << QByteArray("[General]\nPCID=a\nPCID=b\n") << "b";
     }
-    void storedTextIsReturnedAsItStands()
+    void returnsStoredString()
     {
         QFETCH(QByteArray, content);
         write(content);
@@ -252,7 +252,7 @@ private Q_SLOTS:
         QCOMPARE(filesBelow(m_home->path()).size(), 1);
     }
 
-    void identifierIsMadeAnewWhereTheStoredOneIsNoText_data()
+    void createsIdentifierIfNoStringIsStored_data()
     {
         QTest::addColumn<QByteArray>("content");
         QTest::newRow("empty file") << QByteArray();
@@ -265,7 +265,7 @@ private Q_SLOTS:
         QTest::newRow("commented out") << QByteArray("[General]\n;PCID=abc\n");
         QTest::newRow("no ini file") << QByteArray("{\"PCID\": \"abc\"}\n");
     }
-    void identifierIsMadeAnewWhereTheStoredOneIsNoText()
+    void createsIdentifierIfNoStringIsStored()
     {
         QFETCH(QByteArray, content);
         write(content);
@@ -277,13 +277,13 @@ private Q_SLOTS:
         QCOMPARE(stateOf(path()), before);
     }
 
-    void markThatExistsIsNoNewUserWhateverItsValue_data()
+    void returnsNoNewUserForAnyStoredValue_data()
     {
         QTest::addColumn<QByteArray>("value");
         for (const char *value : {"true", "false", "0", "1", "no", "a, b", "@ByteArray()", "\"\"", ""})
             QTest::newRow(value) << QByteArray(value);
     }
-    void markThatExistsIsNoNewUserWhateverItsValue()
+    void returnsNoNewUserForAnyStoredValue()
     {
         QFETCH(QByteArray, value);
         write("[General]\nNewUser=" + value + '\n');
@@ -292,16 +292,16 @@ private Q_SLOTS:
         QCOMPARE(stateOf(path()), before);
     }
 
-    void markThatIsNullOrElsewhereIsANewUser_data()
+    void returnsNewUserForNullOrMissingMark_data()
     {
         QTest::addColumn<QByteArray>("content");
         QTest::newRow("invalid") << QByteArray("[General]\nNewUser=@Invalid()\n");
-        QTest::newRow("null text") << QByteArray(
+        QTest::newRow("null string") << QByteArray(
             "[General]\nNewUser=@Variant(\\0\\0\\0\\n\\xff\\xff\\xff\\xff)\n");
         QTest::newRow("in another section") << QByteArray("[Device]\nNewUser=true\n");
         QTest::newRow("in another case") << QByteArray("[General]\nnewuser=true\n");
     }
-    void markThatIsNullOrElsewhereIsANewUser()
+    void returnsNewUserForNullOrMissingMark()
     {
         QFETCH(QByteArray, content);
         write(content);
@@ -310,7 +310,7 @@ private Q_SLOTS:
         QVERIFY(readFile(path()).contains("\nNewUser=true\n"));
     }
 
-    void fileThatCannotBeReadReadsAsEmpty()
+    void treatsUnreadableFileAsEmpty()
     {
         m_home.reset();
         const OrdinaryUser user;
@@ -329,9 +329,9 @@ private Q_SLOTS:
         m_home.reset();
     }
 
-    void fileThatCannotBeWrittenCostsOnlyTheMemory()
+    void returnsResultsIfFileCannotBeWritten()
     {
-        // A file stands where the directory would be.
+        // A file has the name of the directory.
         QDir().mkpath(config());
         QVERIFY(writeFile(config() + QStringLiteral("/maker"), "x"));
         const MessageCapture messages;
@@ -342,7 +342,7 @@ private Q_SLOTS:
         QCOMPARE(messages.messages().size(), 0);
     }
 
-    void directoryInThePlaceOfTheFileIsLeftAlone()
+    void keepsDirectoryInPlaceOfFile()
     {
         QDir().mkpath(path());
         QVERIFY(isDigest(pcid()));
@@ -352,7 +352,7 @@ private Q_SLOTS:
         QCOMPARE(filesBelow(m_home->path()), QStringList());
     }
 
-    void threadsMayCallAtTheSameTime()
+    void storesOneResultForConcurrentThreads()
     {
         std::vector<std::thread> threads;
         std::vector<QString> identifiers(12);
@@ -372,7 +372,7 @@ private Q_SLOTS:
         QCOMPARE(readFile(path()), "[General]\nNewUser=true\nPCID=" + stored.toLatin1() + '\n');
     }
 
-    void processesMayCallAtTheSameTime()
+    void storesOneResultForConcurrentProcesses()
     {
         std::vector<std::unique_ptr<HostProcess>> hosts;
         for (int i = 0; i < 6; ++i) {
@@ -396,13 +396,13 @@ private Q_SLOTS:
         QVERIFY(!isNewUser());
     }
 
-    void valueIsReadAsItIsStored_data()
+    void returnsStoredValue_data()
     {
         QTest::addColumn<QString>("key");
         QTest::addColumn<QVariant>("expected");
         QTest::newRow("text") << "text" << QVariant(QStringLiteral("a b"));
-        QTest::newRow("number is text") << "number" << QVariant(QStringLiteral("12"));
-        QTest::newRow("truth is text") << "truth" << QVariant(QStringLiteral("true"));
+        QTest::newRow("number is a string") << "number" << QVariant(QStringLiteral("12"));
+        QTest::newRow("true is a string") << "truth" << QVariant(QStringLiteral("true"));
         QTest::newRow("empty") << "empty" << QVariant(QStringLiteral(""));
         QTest::newRow("list") << "list" << QVariant(QStringList {QStringLiteral("a"), QStringLiteral("b")});
         QTest::newRow("bytes") << "bytes" << QVariant(QByteArray("ab"));
@@ -412,7 +412,7 @@ private Q_SLOTS:
         QTest::newRow("in another case") << "Text" << QVariant();
         QTest::newRow("a section is no key") << "window" << QVariant();
     }
-    void valueIsReadAsItIsStored()
+    void returnsStoredValue()
     {
         QFETCH(QString, key);
         QFETCH(QVariant, expected);
@@ -426,7 +426,7 @@ private Q_SLOTS:
         QCOMPARE(stateOf(path()), before);
     }
 
-    void missingFileGivesAnInvalidValueAndStaysMissing()
+    void returnsInvalidValueAndCreatesNoMissingFile()
     {
         const QVariant value = ReadRegeditValue(path(), QStringLiteral("PCID"));
         QVERIFY(!value.isValid());
@@ -434,7 +434,7 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(QFileInfo(path()).path()));
     }
 
-    void pathOfTheFileMayBeRelative()
+    void acceptsRelativePath()
     {
         write("[General]\na=b\n");
         QVERIFY(QDir::setCurrent(QFileInfo(path()).path()));

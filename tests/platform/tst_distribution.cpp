@@ -8,9 +8,13 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <sys/inotify.h>
+
+#include <unistd.h>
+
 namespace {
 
-// As the distributions ship the file.
+// The file as shipped by the distributions.
 const QByteArray debian =
     "PRETTY_NAME=\"Debian GNU/Linux 12 (bookworm)\"\nNAME=\"Debian GNU/Linux\"\n"
     "VERSION_ID=\"12\"\nVERSION=\"12 (bookworm)\"\nVERSION_CODENAME=bookworm\nID=debian\n"
@@ -43,18 +47,44 @@ const QByteArray openEuler = "NAME=\"openEuler\"\nVERSION=\"22.03 (LTS-SP2)\"\nI
                              "VERSION_ID=\"22.03\"\nPRETTY_NAME=\"openEuler 22.03 (LTS-SP2)\"\n"
                              "ANSI_COLOR=\"0;31\"\n";
 
+// Counts how often a file is opened, by any process.
+class OpenCounter
+{
+public:
+    explicit OpenCounter(const QString &path)
+        : m_descriptor(inotify_init1(IN_NONBLOCK | IN_CLOEXEC))
+    {
+        // Equal events in a row are reported once; the close events separate those of opening.
+        inotify_add_watch(m_descriptor, QFile::encodeName(path).constData(), IN_OPEN | IN_CLOSE);
+    }
+    ~OpenCounter() { close(m_descriptor); }
+
+    int count() const
+    {
+        int opened = 0;
+        inotify_event event = {};
+        while (read(m_descriptor, &event, sizeof(event)) == ssize_t(sizeof(event)))
+            opened += (event.mask & IN_OPEN) != 0 ? 1 : 0;
+        return opened;
+    }
+
+private:
+    Q_DISABLE_COPY(OpenCounter)
+    int m_descriptor;
+};
+
 enum { IsNeither = 0, IsKylin = 1, IsUos = 2 };
 
 } // namespace
 
-// The distribution's name, on machines whose /etc is the test's.
+// The name of the distribution, on a machine whose /etc is the test's.
 class TestDistribution : public QObject
 {
     Q_OBJECT
 
 private:
     QString osRelease() const { return m_etc.filePath(QStringLiteral("os-release")); }
-    QJsonObject ask() { return m_host.call(QStringLiteral("system.distribution")).toObject(); }
+    QJsonObject distribution() { return m_host.call(QStringLiteral("system.distribution")).toObject(); }
     static QJsonObject unknown()
     {
         return {{QStringLiteral("name"), QStringLiteral("Unknown")},
@@ -83,7 +113,7 @@ private Q_SLOTS:
     }
     void cleanupTestCase() { QCOMPARE(m_host.standardError(), QString()); }
 
-    void nameIsThatOfTheFirstLineThatBeginsWithTheKey_data()
+    void returnsValueOfFirstLineWithKey_data()
     {
         QTest::addColumn<QByteArray>("content");
         QTest::addColumn<QString>("name");
@@ -102,91 +132,99 @@ private Q_SLOTS:
 
         QTest::newRow("no quotes") << QByteArray("NAME=Fedora Linux\n") << "Fedora Linux" << int(IsNeither);
         QTest::newRow("quotes anywhere") << QByteArray("NAME=A \"B\" C\"D\n") << "A B CD" << int(IsNeither);
-        QTest::newRow("single quotes stay") << QByteArray("NAME='Kylin'\n") << "'Kylin'" << int(IsKylin);
-        QTest::newRow("blanks stay") << QByteArray("NAME=  \" a \"\t \n") << "   a \t " << int(IsNeither);
-        QTest::newRow("further equals signs")
-            << QByteArray("NAME=\"a=b==c=\"\n") << "a=b==c=" << int(IsNeither);
+        QTest::newRow("single quotes are kept") << QByteArray("NAME='Kylin'\n") << "'Kylin'" << int(IsKylin);
+        QTest::newRow("spaces are kept") << QByteArray("NAME=  \" a \"\t \n") << "   a \t " << int(IsNeither);
+        QTest::newRow("more equals signs") << QByteArray("NAME=\"a=b==c=\"\n") << "a=b==c=" << int(IsNeither);
         QTest::newRow("two names: the first")
             << QByteArray("NAME=first\nNAME=Kylin\n") << "first" << int(IsNeither);
         QTest::newRow("empty") << QByteArray("NAME=\nNAME=Kylin\n") << "" << int(IsNeither);
         QTest::newRow("empty in quotes") << QByteArray("NAME=\"\"\n") << "" << int(IsNeither);
         QTest::newRow("empty and no line end") << QByteArray("NAME=") << "" << int(IsNeither);
         QTest::newRow("last line without its end") << QByteArray("ID=x\nNAME=y") << "y" << int(IsNeither);
-        QTest::newRow("behind an empty line") << QByteArray("\n\nNAME=y\n") << "y" << int(IsNeither);
-        QTest::newRow("line ends of Windows")
+        QTest::newRow("after an empty line") << QByteArray("\n\nNAME=y\n") << "y" << int(IsNeither);
+        QTest::newRow("Windows line ends")
             << QByteArray("ID=x\r\nNAME=\"y\"\r\nA=b\r\n") << "y" << int(IsNeither);
-        QTest::newRow("carriage returns within go")
+        QTest::newRow("carriage returns inside are removed")
             << QByteArray("NAME=\"a\rb\"\n") << "ab" << int(IsNeither);
-        QTest::newRow("escapes stay") << QByteArray("NAME=\"a\\$b\"\n") << "a\\$b" << int(IsNeither);
+        QTest::newRow("escapes are kept") << QByteArray("NAME=\"a\\$b\"\n") << "a\\$b" << int(IsNeither);
         QTest::newRow("Chinese") << QByteArray("NAME=\"银河麒麟\"\n") << "银河麒麟" << int(IsNeither);
         QTest::newRow("UTF-16") << QByteArray::fromRawData("\xff\xfeN\0A\0M\0E\0=\0y\0\n\0", 16) << "y"
                                 << int(IsNeither);
 
-        QTest::newRow("Kylin in capitals") << QByteArray("NAME=NEOKYLIN\n") << "NEOKYLIN" << int(IsKylin);
-        QTest::newRow("Kylin in small letters") << QByteArray("NAME=kylin\n") << "kylin" << int(IsKylin);
-        QTest::newRow("UnionTech in small letters")
+        QTest::newRow("Kylin in upper case") << QByteArray("NAME=NEOKYLIN\n") << "NEOKYLIN" << int(IsKylin);
+        QTest::newRow("Kylin in lower case") << QByteArray("NAME=kylin\n") << "kylin" << int(IsKylin);
+        QTest::newRow("UnionTech in lower case")
             << QByteArray("NAME=my uniontech\n") << "my uniontech" << int(IsUos);
-        QTest::newRow("UnionTech cut") << QByteArray("NAME=Union Tech\n") << "Union Tech" << int(IsNeither);
+        QTest::newRow("UnionTech with a space")
+            << QByteArray("NAME=Union Tech\n") << "Union Tech" << int(IsNeither);
         QTest::newRow("UOS in a longer word")
             << QByteArray("NAME=Virtuoso Linux\n") << "Virtuoso Linux" << int(IsUos);
         QTest::newRow("both") << QByteArray("NAME=Kylin on UOS\n") << "Kylin on UOS" << int(IsKylin | IsUos);
-        QTest::newRow("Unknown by name") << QByteArray("NAME=Unknown\n") << "Unknown" << int(IsNeither);
+        QTest::newRow("Unknown as the name") << QByteArray("NAME=Unknown\n") << "Unknown" << int(IsNeither);
     }
-    void nameIsThatOfTheFirstLineThatBeginsWithTheKey()
+    void returnsValueOfFirstLineWithKey()
     {
         QFETCH(QByteArray, content);
         QFETCH(QString, name);
         QFETCH(int, family);
         QVERIFY(writeFile(osRelease(), content));
-        const QJsonObject answer = ask();
+        const QJsonObject answer = distribution();
         QCOMPARE(answer.value(QStringLiteral("name")).toString(), name);
         QCOMPARE(answer.value(QStringLiteral("isNull")), QJsonValue(false));
         QCOMPARE(answer.value(QStringLiteral("isKylin")).toBool(), (family & IsKylin) != 0);
         QCOMPARE(answer.value(QStringLiteral("isUos")).toBool(), (family & IsUos) != 0);
     }
 
-    void fileWithoutSuchALineIsUnknown_data()
+    void returnsUnknownWithoutSuchLine_data()
     {
         QTest::addColumn<QByteArray>("content");
         QTest::newRow("empty file") << QByteArray("");
         QTest::newRow("other keys") << QByteArray("PRETTY_NAME=\"Kylin\"\nID=uos\nCODENAME=Kylin\n");
-        QTest::newRow("blank before the key") << QByteArray(" NAME=Kylin\n");
+        QTest::newRow("space before the key") << QByteArray(" NAME=Kylin\n");
         QTest::newRow("tab before the key") << QByteArray("\tNAME=Kylin\n");
-        QTest::newRow("blank behind the key") << QByteArray("NAME =Kylin\n");
-        QTest::newRow("small letters") << QByteArray("name=Kylin\nName=UOS\n");
+        QTest::newRow("space after the key") << QByteArray("NAME =Kylin\n");
+        QTest::newRow("lower case") << QByteArray("name=Kylin\nName=UOS\n");
         QTest::newRow("comment") << QByteArray("#NAME=Kylin\n");
-        QTest::newRow("no value sign") << QByteArray("NAME\nNAMES=Kylin\n");
+        QTest::newRow("no equals sign") << QByteArray("NAME\nNAMES=Kylin\n");
     }
-    void fileWithoutSuchALineIsUnknown()
+    void returnsUnknownWithoutSuchLine()
     {
         QFETCH(QByteArray, content);
         QVERIFY(writeFile(osRelease(), content));
-        QCOMPARE(ask(), unknown());
+        QCOMPARE(distribution(), unknown());
     }
 
-    void fileThatCannotBeOpenedIsUnknown()
+    void returnsUnknownIfFileCannotBeOpened()
     {
-        QCOMPARE(ask(), unknown());
+        QCOMPARE(distribution(), unknown());
         QVERIFY(QDir().mkdir(osRelease()));
-        QCOMPARE(ask(), unknown());
+        QCOMPARE(distribution(), unknown());
     }
 
-    void linkIsFollowed()
+    void followsLink()
     {
         QVERIFY(writeFile(m_etc.filePath(QStringLiteral("elsewhere")), kylin));
         QVERIFY(QFile::link(QStringLiteral("elsewhere"), osRelease()));
-        QCOMPARE(ask().value(QStringLiteral("name")).toString(), QStringLiteral("Kylin"));
+        QCOMPARE(distribution().value(QStringLiteral("name")).toString(), QStringLiteral("Kylin"));
     }
 
-    void fileIsReadAnewByEachCall()
+    void readsFileOncePerFunction()
+    {
+        QVERIFY(writeFile(osRelease(), debian)); // neither of the two words of UOS
+        const OpenCounter counter(osRelease());
+        QCOMPARE(distribution().value(QStringLiteral("isUos")), QJsonValue(false));
+        QCOMPARE(counter.count(), 3); // name, Kylin, UOS
+    }
+
+    void readsFileAtEachCall()
     {
         for (int i = 0; i < 3; ++i) {
             QVERIFY(writeFile(osRelease(), uos));
-            QCOMPARE(ask().value(QStringLiteral("isUos")), QJsonValue(true));
+            QCOMPARE(distribution().value(QStringLiteral("isUos")), QJsonValue(true));
             QVERIFY(writeFile(osRelease(), kylin));
-            QCOMPARE(ask().value(QStringLiteral("isKylin")), QJsonValue(true));
+            QCOMPARE(distribution().value(QStringLiteral("isKylin")), QJsonValue(true));
             QVERIFY(QFile::remove(osRelease()));
-            QCOMPARE(ask(), unknown());
+            QCOMPARE(distribution(), unknown());
         }
     }
 };

@@ -16,30 +16,30 @@
 
 namespace {
 
-constexpr int patienceOfTheLibrary = 30000; // ms
-constexpr int longestStart = 3000; // ms, from the first case to the last
-constexpr int pollingInterval = 20; // ms
-constexpr int longestWait = 60000; // ms, for the last answer
-constexpr int longestDelay = 15000; // ms, on a machine that is busy with other things
+constexpr int toolTimeoutMs = 30000; // of the library
+constexpr int longestStartMs = 3000; // from the first case to the last
+constexpr int pollingIntervalMs = 20;
+constexpr int longestWaitMs = 60000; // for the last answer
+constexpr int longestDelayMs = 15000; // on a busy machine
 
-// A host of its own with tools of its own: all wait at the same time.
+// Each case has a host and tools of its own, so that all wait at the same time.
 struct Case
 {
     FakeTools tools;
     QTemporaryDir home;
     HostProcess host;
     QJsonValue answer;
-    qint64 answeredAfter = 0; // ms
+    qint64 answeredAfterMs = 0;
 
     QString file(const char *name) const { return home.filePath(QString::fromLatin1(name)); }
 
-    // A script's part that never ends, and tells which process it is.
+    // Part of a script: writes the process identifier and never ends.
     QByteArray hang() const
     {
         return "echo $$ >'" + QFile::encodeName(file("pid")) + "'\nexec /bin/sleep 1000\n";
     }
 
-    bool hungToolIsGone() const
+    bool hungToolHasEnded() const
     {
         const qint64 pid = readFile(file("pid")).trimmed().toLongLong();
         return pid > 0 && kill(pid_t(pid), 0) == -1;
@@ -54,12 +54,13 @@ QByteArray get(const char *setting, const QByteArray &script)
 constexpr const char *gnomeTheme = "org.gnome.desktop.interface gtk-theme";
 constexpr const char *gnomeScheme = "org.gnome.desktop.interface color-scheme";
 constexpr const char *ukuiStyle = "org.ukui.style style-name";
+constexpr const char *ukuiMode = "org.ukui.style theme-mode";
 constexpr const char *mateTheme = "org.mate.interface gtk-theme";
 
 } // namespace
 
-// Tools that outlast the half minute that the library waits for them. The cases run side by side and
-// are judged one by one.
+// Tools that run longer than the library's timeout. The cases run at the same time; each test function
+// verifies one of them.
 class TestHangingTools : public QObject
 {
     Q_OBJECT
@@ -101,21 +102,21 @@ private:
         std::list<Case *> waiting;
         for (const auto &entry : m_cases)
             waiting.push_back(entry.second.get());
-        while (!waiting.empty() && timer.elapsed() < longestWait) {
+        while (!waiting.empty() && timer.elapsed() < longestWaitMs) {
             for (Case *testCase : waiting) {
-                if (testCase->host.hasAnswer(pollingInterval)) {
+                if (testCase->host.hasAnswer(pollingIntervalMs)) {
                     testCase->answer = testCase->host.answer();
-                    testCase->answeredAfter = timer.elapsed();
+                    testCase->answeredAfterMs = timer.elapsed();
                 }
             }
-            waiting.remove_if([](const Case *testCase) { return testCase->answeredAfter > 0; });
+            waiting.remove_if([](const Case *testCase) { return testCase->answeredAfterMs > 0; });
         }
     }
 
-    static bool tookHalfAMinute(const Case &testCase)
+    static bool tookOneTimeout(const Case &testCase)
     {
-        return testCase.answeredAfter >= patienceOfTheLibrary - longestStart
-               && testCase.answeredAfter < patienceOfTheLibrary + longestDelay;
+        return testCase.answeredAfterMs >= toolTimeoutMs - longestStartMs
+               && testCase.answeredAfterMs < toolTimeoutMs + longestDelayMs;
     }
 
     std::map<QString, std::unique_ptr<Case>> m_cases;
@@ -129,7 +130,7 @@ private Q_SLOTS:
             return get(gnomeTheme, "echo \"'Adwaita-dark'\"\n" + testCase.hang())
                    + get(gnomeScheme, "echo \"'prefer-light'\"\n");
         });
-        startTheme(QStringLiteral("ends in the time of the next"), gnome, "exit 0", [](const Case &) {
+        startTheme(QStringLiteral("ends while the next waits"), gnome, "exit 0", [](const Case &) {
             return get(gnomeTheme, "echo \"'Adwaita'\"; /bin/sleep 33; echo \"'prefer-dark'\"\n")
                    + get(gnomeScheme, "echo \"'prefer-light'\"\n");
         });
@@ -138,6 +139,10 @@ private Q_SLOTS:
         });
         startTheme(QStringLiteral("UKUI hangs"), chain, "exit 0", [](const Case &testCase) {
             return get(ukuiStyle, "echo \"'ukui-dark'\"\n" + testCase.hang());
+        });
+        startTheme(QStringLiteral("UKUI ends while the next waits"), chain, "exit 0", [](const Case &) {
+            return get(ukuiStyle, "echo \"'ukui'\"; /bin/sleep 33; echo \"'dark'\"\n")
+                   + get(ukuiMode, "echo \"'light'\"\n");
         });
         startTheme(QStringLiteral("MATE hangs"), chain, "exit 0",
                    [](const Case &testCase) { return get(mateTheme, testCase.hang()); });
@@ -148,70 +153,81 @@ private Q_SLOTS:
     }
     void cleanupTestCase() { m_cases.clear(); }
 
-    void outputSoFarDecidesAndTheToolIsEnded()
+    void usesOutputSoFarAndEndsTool()
     {
         const Case &testCase = add(QStringLiteral("dark and hangs"));
         QCOMPARE(testCase.answer, QJsonValue(1));
-        QVERIFY(tookHalfAMinute(testCase));
+        QVERIFY(tookOneTimeout(testCase));
         QCOMPARE(testCase.tools.calls().size(), 2);
-        QVERIFY(testCase.hungToolIsGone());
+        QVERIFY(testCase.hungToolHasEnded());
     }
 
-    void toolThatIsStillRunningIsWaitedForInPlaceOfTheNext()
+    void waitsForRunningToolInsteadOfStartingNext()
     {
-        // One process object does a detector's reads: the second is not started beside the first.
-        Case &testCase = add(QStringLiteral("ends in the time of the next"));
+        // One process object runs all tools of a detector, so the second read is not started.
+        Case &testCase = add(QStringLiteral("ends while the next waits"));
         QCOMPARE(testCase.answer, QJsonValue(1));
-        QVERIFY(tookHalfAMinute(testCase));
+        QVERIFY(tookOneTimeout(testCase));
         QCOMPARE(testCase.tools.calls().size(), 2);
     }
 
-    void guardThatHangsPasses()
+    void continuesAfterHangingGuard()
     {
-        // The theme's read falls into the time of "which"; the colour scheme's is the first of its own.
+        // The read of the theme is not started while "which" runs. The read of the color scheme is.
         Case &testCase = add(QStringLiteral("which hangs"));
         QCOMPARE(testCase.answer, QJsonValue(0));
-        QVERIFY(tookHalfAMinute(testCase));
+        QVERIFY(tookOneTimeout(testCase));
         QCOMPARE(testCase.tools.calls().size(), 2);
         QVERIFY(testCase.tools.calls().last().contains(QStringLiteral("color-scheme")));
     }
 
-    void detectorOfUkuiGoesOnWithTheOutputSoFar()
+    void usesOutputSoFarForUkui()
     {
         Case &testCase = add(QStringLiteral("UKUI hangs"));
         QCOMPARE(testCase.answer, QJsonValue(true));
-        QVERIFY(tookHalfAMinute(testCase));
-        QVERIFY(testCase.hungToolIsGone());
+        QVERIFY(tookOneTimeout(testCase));
+        QVERIFY(testCase.hungToolHasEnded());
         const QString log = testCase.host.standardError();
         QVERIFY2(log.contains(QStringLiteral("UKUI style-name: \"ukui-dark\"")), qPrintable(log));
         QVERIFY2(log.contains(QStringLiteral("Detected via UKUI GSettings")), qPrintable(log));
     }
 
-    void detectorOfMateGoesOnWithoutOutput()
+    void waitsForRunningToolOfUkuiInsteadOfStartingNext()
+    {
+        // The output of the first read counts as that of the second.
+        Case &testCase = add(QStringLiteral("UKUI ends while the next waits"));
+        QCOMPARE(testCase.answer, QJsonValue(true));
+        QVERIFY(tookOneTimeout(testCase));
+        const QString log = testCase.host.standardError();
+        QVERIFY2(log.contains(QStringLiteral("UKUI theme-mode: \"dark\"")), qPrintable(log));
+        QVERIFY(testCase.tools.calls().last().contains(QStringLiteral("style-name")));
+    }
+
+    void continuesWithoutOutputForMate()
     {
         Case &testCase = add(QStringLiteral("MATE hangs"));
         QCOMPARE(testCase.answer, QJsonValue(false));
-        QVERIFY(tookHalfAMinute(testCase));
-        QVERIFY(testCase.hungToolIsGone());
+        QVERIFY(tookOneTimeout(testCase));
+        QVERIFY(testCase.hungToolHasEnded());
         const QString log = testCase.host.standardError();
         QVERIFY2(log.contains(QStringLiteral("MATE gtk-theme: \"\"")), qPrintable(log));
         QVERIFY2(!log.contains(QStringLiteral("Detected via")), qPrintable(log));
     }
 
-    void queryGoesByTheOutputSoFar()
+    void usesOutputSoFarForQuery()
     {
         const Case &testCase = add(QStringLiteral("query hangs"));
         QCOMPARE(testCase.answer, QJsonValue(true));
-        QVERIFY(tookHalfAMinute(testCase));
-        QVERIFY(testCase.hungToolIsGone());
+        QVERIFY(tookOneTimeout(testCase));
+        QVERIFY(testCase.hungToolHasEnded());
     }
 
-    void settingIsTrueAllTheSame()
+    void returnsTrueForHangingSetting()
     {
         const Case &testCase = add(QStringLiteral("setting hangs"));
         QCOMPARE(testCase.answer, QJsonValue(true));
-        QVERIFY(tookHalfAMinute(testCase));
-        QVERIFY(testCase.hungToolIsGone());
+        QVERIFY(tookOneTimeout(testCase));
+        QVERIFY(testCase.hungToolHasEnded());
     }
 };
 

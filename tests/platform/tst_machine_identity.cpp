@@ -42,14 +42,14 @@ QStringList toStrings(const QJsonValue &array)
 
 } // namespace
 
-// What the identifier is made from, on machines whose files and network are the test's.
+// The sources of the identifier, on a machine whose files and network are the test's.
 class TestMachineIdentity : public QObject
 {
     Q_OBJECT
 
 private:
-    // The two places where a machine's identifier is kept; null for no file there.
-    void keep(const QByteArray &inEtc, const QByteArray &inDbus)
+    // Writes the two files of the machine's identifier; a null array for no file.
+    void writeIdentifiers(const QByteArray &inEtc, const QByteArray &inDbus)
     {
         if (!inEtc.isNull())
             QVERIFY(writeFile(m_etc->filePath(QStringLiteral("machine-id")), inEtc));
@@ -74,21 +74,21 @@ private:
         m_host->setEnvironment(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
         QVERIFY(m_host->start(sandbox));
     }
-    // On a busy machine, Qt shows one process of twenty no interface at all in a fresh network. So another
-    // is asked then, a few times at most.
-    QString ask(const std::function<QString()> &question, const QString &expected)
+    // On a busy machine, Qt sometimes returns no interface at all in a new network. The query is then
+    // repeated in another process, up to ten times.
+    QString retry(const std::function<QString()> &query, const QString &expected)
     {
-        QString answer = question();
+        QString answer = query();
         for (int attempt = 0; attempt < 10 && answer != expected; ++attempt) {
             m_host = std::make_unique<HostProcess>();
             start(m_sandbox);
-            answer = question();
+            answer = query();
         }
         return answer;
     }
     QString address(const QString &expected)
     {
-        return ask([this] { return sources().value(QStringLiteral("address")).toString(); }, expected);
+        return retry([this] { return sources().value(QStringLiteral("address")).toString(); }, expected);
     }
     QString newPcid(const QString &expected)
     {
@@ -96,7 +96,7 @@ private:
             QFile::remove(deviceFile());
             return pcid();
         };
-        return ask(make, expected);
+        return retry(make, expected);
     }
     QJsonObject sources() { return m_host->call(QStringLiteral("identity.sources")).toObject(); }
     QString pcid(const QString &name = QStringLiteral("reader"))
@@ -137,9 +137,9 @@ private Q_SLOTS:
         m_home.reset();
     }
 
-    // Qt looks into the place of D-Bus alone, at no more than 32 bytes of it and without trimming; the
-    // file in /etc is the library's own second look.
-    void identifierIsThatOfQtElseTheFileInEtc_data()
+    // Qt reads only the file of D-Bus, up to 32 bytes and without trimming. The library then reads the file
+    // in /etc.
+    void returnsIdentifierOfQtOrOfFileInEtc_data()
     {
         QTest::addColumn<QByteArray>("etc");
         QTest::addColumn<QByteArray>("dbus");
@@ -158,7 +158,7 @@ private Q_SLOTS:
         QTest::newRow("short word in /etc") << QByteArray("abc\n") << none << "abc" << QByteArray("abc");
         QTest::newRow("no line end in /etc") << QByteArray("abc") << none << "abc" << QByteArray("abc");
         QTest::newRow("two lines in /etc") << QByteArray("a\r\nb\n") << none << "a\nb" << QByteArray("a\nb");
-        QTest::newRow("letters in /etc")
+        QTest::newRow("non-ASCII characters in /etc")
             << QByteArray("Größe 文件\n") << none << "Größe 文件" << QByteArray("Größe 文件");
         QTest::newRow("NUL byte in /etc")
             << QByteArray("a\0b\n", 4) << none << QStringLiteral("a\0b") << QByteArray("a\0b", 3);
@@ -168,45 +168,46 @@ private Q_SLOTS:
             << line << otherIdentifier + "0123" << QString::fromLatin1(otherIdentifier) << otherIdentifier;
         QTest::newRow("white space around of D-Bus") << line << QByteArray(" ab \n") << " ab \n"
                                                      << QByteArray("ab");
-        QTest::newRow("letters of D-Bus") << line << QByteArray("Größe") << "Größe" << QByteArray("Größe");
+        QTest::newRow("non-ASCII characters of D-Bus")
+            << line << QByteArray("Größe") << "Größe" << QByteArray("Größe");
         QTest::newRow("NUL byte of D-Bus") << line << QByteArray("ab\0cd", 5) << "ab" << QByteArray("ab");
-        QTest::newRow("NUL byte first of D-Bus")
+        QTest::newRow("leading NUL byte of D-Bus")
             << line << QByteArray("\0ab", 3) << QString::fromLatin1(identifier) << identifier;
         QTest::newRow("empty of D-Bus")
             << line << QByteArray("") << QString::fromLatin1(identifier) << identifier;
     }
-    void identifierIsThatOfQtElseTheFileInEtc()
+    void returnsIdentifierOfQtOrOfFileInEtc()
     {
         QFETCH(QByteArray, etc);
         QFETCH(QByteArray, dbus);
         QFETCH(QByteArray, hashed);
-        keep(etc, dbus);
+        writeIdentifiers(etc, dbus);
         start(machine());
         QTEST(sources().value(QStringLiteral("system")).toString(), "system");
         QCOMPARE(pcid(), digest(hashed));
         QCOMPARE(readFile(deviceFile()), "[General]\nPCID=" + digest(hashed).toLatin1() + '\n');
     }
 
-    void fileInEtcIsGivenTrimmed_data()
+    void returnsTrimmedFileInEtc_data()
     {
         QTest::addColumn<QByteArray>("content");
         QTest::addColumn<QString>("expected");
-        QTest::newRow("a line") << identifier + '\n' << QString::fromLatin1(identifier);
+        QTest::newRow("one line") << identifier + '\n' << QString::fromLatin1(identifier);
         QTest::newRow("white space around") << QByteArray("\n\t a b \r\n") << "a b";
         QTest::newRow("white space only") << QByteArray(" \n") << "";
         QTest::newRow("empty") << QByteArray("") << "";
-        QTest::newRow("line ends of Windows inside") << QByteArray("a\r\nb") << "a\nb";
+        QTest::newRow("Windows line ends inside") << QByteArray("a\r\nb") << "a\nb";
         QTest::newRow("UTF-16") << QByteArray("\xff\xfe\x87\x65\n\0", 6) << "文";
     }
-    void fileInEtcIsGivenTrimmed()
+    void returnsTrimmedFileInEtc()
     {
         QFETCH(QByteArray, content);
-        keep(content, otherIdentifier);
+        writeIdentifiers(content, otherIdentifier);
         start(machine());
         QTEST(sources().value(QStringLiteral("file")).toString(), "expected");
     }
 
-    void fileInEtcThatCannotBeOpenedIsNull()
+    void returnsNullIfFileInEtcCannotBeOpened()
     {
         start(machine());
         QVERIFY(sources().value(QStringLiteral("file")).isNull());
@@ -215,9 +216,9 @@ private Q_SLOTS:
         QVERIFY(sources().value(QStringLiteral("file")).isNull());
     }
 
-    void identifierIsTheSameForAllHostsAndAfterTheFileIsGone()
+    void returnsSameIdentifierForAllApplications()
     {
-        keep(identifier, QByteArray());
+        writeIdentifiers(identifier, QByteArray());
         start(machine());
         QCOMPARE(pcid(), digest(identifier));
         QCOMPARE(pcid(QStringLiteral("writer")), digest(identifier));
@@ -225,20 +226,20 @@ private Q_SLOTS:
         QCOMPARE(pcid(), digest(identifier));
     }
 
-    void storedIdentifierOutlivesAChangeOfTheMachine()
+    void keepsStoredIdentifierAfterChangeOfMachine()
     {
-        keep(identifier, QByteArray());
+        writeIdentifiers(identifier, QByteArray());
         start(machine());
         QCOMPARE(pcid(), digest(identifier));
-        keep(otherIdentifier, QByteArray());
+        writeIdentifiers(otherIdentifier, QByteArray());
         QCOMPARE(pcid(), digest(identifier));
         QVERIFY(QFile::remove(deviceFile()));
         QCOMPARE(pcid(), digest(otherIdentifier));
     }
 
-    void homeThatCannotBeWrittenCostsOnlyTheMemory()
+    void returnsResultsIfHomeCannotBeWritten()
     {
-        keep(identifier, QByteArray());
+        writeIdentifiers(identifier, QByteArray());
         Sandbox sandbox = machine();
         sandbox.readOnly(m_home->path());
         start(sandbox);
@@ -249,26 +250,26 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(deviceFile()));
     }
 
-    void addressOfTheNetworkIsTheSecondSource_data()
+    void usesHardwareAddressAsSecondSource_data()
     {
         QTest::addColumn<QByteArray>("dbus");
         QTest::newRow("no identifier") << QByteArray();
-        QTest::newRow("an empty one") << QByteArray("");
+        QTest::newRow("empty identifier") << QByteArray("");
         QTest::newRow("white space") << QByteArray(" \n");
     }
-    void addressOfTheNetworkIsTheSecondSource()
+    void usesHardwareAddressAsSecondSource()
     {
         QFETCH(QByteArray, dbus);
         if (!Sandbox::hasNetwork(addCard))
             QSKIP("network interfaces can't be made here");
-        keep(QByteArray(" \n"), dbus);
+        writeIdentifiers(QByteArray(" \n"), dbus);
         start(machine(addCard));
         QCOMPARE(address(cardAddress), cardAddress);
         const QString expected = digest(cardAddress.toLatin1());
         QCOMPARE(newPcid(expected), expected);
     }
 
-    void addressIsThatOfTheFirstInterfaceThatQualifies_data()
+    void returnsAddressOfFirstInterfaceThatQualifies_data()
     {
         QTest::addColumn<QString>("network");
         QTest::addColumn<QString>("expected");
@@ -276,21 +277,21 @@ private Q_SLOTS:
                                                  "ip link set later address 02:00:00:00:00:01 up\n");
         QTest::newRow("loopback only") << loopbackOnly << QString();
         QTest::newRow("two") << addCard + laterCard << cardAddress;
-        QTest::newRow("two, the other way round") << laterCard + addCard << "02:00:00:00:00:01";
-        QTest::newRow("the first is down")
+        QTest::newRow("two in the other order") << laterCard + addCard << "02:00:00:00:00:01";
+        QTest::newRow("first is down")
             << addCard + laterCard + QStringLiteral("ip link set card down") << "02:00:00:00:00:01";
         QTest::newRow("all are down") << addCard + QStringLiteral("ip link set card down") << QString();
-        QTest::newRow("tunnel from point to point")
+        QTest::newRow("point-to-point tunnel")
             << QStringLiteral("ip tuntap add dev tunnel mode tun\nip link set tunnel up\n") << QString();
-        QTest::newRow("card behind a tunnel from point to point")
+        QTest::newRow("card after a point-to-point tunnel")
             << QStringLiteral("ip tuntap add dev tunnel mode tun\nip link set tunnel up\n") + addCard
             << cardAddress;
-        QTest::newRow("card behind a tunnel without an address")
+        QTest::newRow("card after a tunnel without an address")
             << QStringLiteral("ip link add tunnel type xfrm dev lo if_id 1\nip link set tunnel up\n")
                    + addCard
             << cardAddress;
     }
-    void addressIsThatOfTheFirstInterfaceThatQualifies()
+    void returnsAddressOfFirstInterfaceThatQualifies()
     {
         QFETCH(QString, network);
         QFETCH(QString, expected);
@@ -302,10 +303,10 @@ private Q_SLOTS:
             QVERIFY(sources().value(QStringLiteral("address")).isNull());
     }
 
-    void machineWithoutAnySourceHasAMomentAndANumber()
+    void usesTimeAndRandomNumberAsThirdSource()
     {
         if (!Sandbox::hasNetwork(loopbackOnly))
-            QSKIP("a network of its own is not allowed here");
+            QSKIP("network namespaces are not allowed here");
         if (!FakeClock::isAvailable())
             QSKIP("faketime is not installed");
         // Local time, two hours before noon in UTC.
@@ -321,18 +322,18 @@ private Q_SLOTS:
         start(sandbox);
         const QStringList made = toStrings(
             m_host->call(QStringLiteral("identity.pcid"), {QString(), QStringLiteral("reader"), 5000}));
-        m_host->quit(); // before the clock goes, which clears up behind it
+        m_host->quit(); // before the clock, which removes its shared memory
         QCOMPARE(made.size(), 5000);
         for (const QString &one : made)
             QVERIFY2(possible.contains(one), qPrintable(one));
-        // Nearly all of the numbers were drawn.
+        // Nearly all numbers were drawn.
         QVERIFY(QSet<QString>(made.begin(), made.end()).size() > 900);
     }
 
-    void momentIsStableThroughTheFileOnly()
+    void keepsTimeBasedIdentifierOnlyInFile()
     {
         if (!Sandbox::hasNetwork(loopbackOnly))
-            QSKIP("a network of its own is not allowed here");
+            QSKIP("network namespaces are not allowed here");
         start(machine(loopbackOnly));
         const QString first = pcid();
         QCOMPARE(first.size(), 32);

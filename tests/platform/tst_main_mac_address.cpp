@@ -20,7 +20,7 @@ struct Interface
     const char *address;
 };
 
-// What a QNetworkInterface points to here, in the place of Qt's own.
+// The data of a QNetworkInterface here, instead of Qt's own.
 struct Payload : QSharedData
 {
     Interface interface;
@@ -38,7 +38,7 @@ const Payload *payloadOf(const QNetworkInterface *interface)
 
 QNetworkInterface createInterface(const Interface &interface)
 {
-    // Never released: its count of users doesn't come down to zero.
+    // Never released: the reference count does not reach zero.
     static std::vector<std::unique_ptr<Payload>> payloads;
     payloads.push_back(std::make_unique<Payload>());
     Payload *const payload = payloads.back().get();
@@ -52,11 +52,11 @@ QNetworkInterface createInterface(const Interface &interface)
 
 } // namespace
 
-// These stand before Qt's own, as this program's functions come first: the machine has the interfaces
-// that the test gives it.
-#define STANDS_BEFORE_QTS __attribute__((visibility("default")))
+// Called instead of Qt's functions, because symbols of the program come first. The machine has the interfaces
+// that the test sets.
+#define REPLACES_QTS __attribute__((visibility("default")))
 
-STANDS_BEFORE_QTS QList<QNetworkInterface> QNetworkInterface::allInterfaces()
+REPLACES_QTS QList<QNetworkInterface> QNetworkInterface::allInterfaces()
 {
     QList<QNetworkInterface> interfaces;
     for (const Interface &interface : qAsConst(machine))
@@ -64,12 +64,12 @@ STANDS_BEFORE_QTS QList<QNetworkInterface> QNetworkInterface::allInterfaces()
     return interfaces;
 }
 
-STANDS_BEFORE_QTS QNetworkInterface::InterfaceFlags QNetworkInterface::flags() const
+REPLACES_QTS QNetworkInterface::InterfaceFlags QNetworkInterface::flags() const
 {
     return payloadOf(this)->interface.flags;
 }
 
-STANDS_BEFORE_QTS QString QNetworkInterface::hardwareAddress() const
+REPLACES_QTS QString QNetworkInterface::hardwareAddress() const
 {
     return QString::fromLatin1(payloadOf(this)->interface.address);
 }
@@ -87,7 +87,7 @@ private:
     static constexpr auto pointToPoint = QNetworkInterface::IsPointToPoint;
 
 private Q_SLOTS:
-    void firstInterfaceThatQualifiesWins_data()
+    void returnsFirstInterfaceThatQualifies_data()
     {
         QTest::addColumn<QList<Interface>>("interfaces");
         QTest::addColumn<QString>("expected");
@@ -96,11 +96,11 @@ private Q_SLOTS:
         const char *const b = "02:00:00:00:00:0B";
         const char *const zeros = "00:00:00:00:00:00";
         const Flags all = up | running | QNetworkInterface::CanBroadcast | QNetworkInterface::CanMulticast;
-        QTest::newRow("one") << Interfaces {{all, a}} << a;
-        QTest::newRow("behind the loopback") << Interfaces {{loopback | up | running, zeros}, {all, a}} << a;
+        QTest::newRow("one interface") << Interfaces {{all, a}} << a;
+        QTest::newRow("after the loopback") << Interfaces {{loopback | up | running, zeros}, {all, a}} << a;
         QTest::newRow("two: the first") << Interfaces {{all, a}, {all, b}} << a;
-        QTest::newRow("two: the first, by no order of addresses") << Interfaces {{all, b}, {all, a}} << b;
-        QTest::newRow("running does not count") << Interfaces {{up, a}, {all, b}} << a;
+        QTest::newRow("two: the first, not the lowest address") << Interfaces {{all, b}, {all, a}} << b;
+        QTest::newRow("running is not needed") << Interfaces {{up, a}, {all, b}} << a;
         QTest::newRow("up is enough") << Interfaces {{up, a}} << a;
         QTest::newRow("down") << Interfaces {{running, a}, {all, b}} << b;
         QTest::newRow("no flags") << Interfaces {{Flags(), a}, {all, b}} << b;
@@ -109,13 +109,13 @@ private Q_SLOTS:
             << Interfaces {{pointToPoint | all, a}, {all, b}} << b;
         QTest::newRow("tunnel without an address") << Interfaces {{all, ""}, {all, b}} << b;
         QTest::newRow("zeros are an address") << Interfaces {{all, zeros}, {all, b}} << zeros;
-        QTest::newRow("of another form") << Interfaces {{all, "0A:00:00:01"}} << "0A:00:00:01";
+        QTest::newRow("another format") << Interfaces {{all, "0A:00:00:01"}} << "0A:00:00:01";
         QTest::newRow("no interface") << Interfaces() << QString();
         QTest::newRow("loopback only") << Interfaces {{loopback | up | running, zeros}} << QString();
-        QTest::newRow("none that qualifies")
+        QTest::newRow("no interface qualifies")
             << Interfaces {{loopback | up, a}, {pointToPoint | up, a}, {running, a}, {up, ""}} << QString();
     }
-    void firstInterfaceThatQualifiesWins()
+    void returnsFirstInterfaceThatQualifies()
     {
         QFETCH(QList<Interface>, interfaces);
         QFETCH(QString, expected);

@@ -26,7 +26,7 @@ constexpr QRgb black = 0xff000000;
 constexpr QRgb white = 0xffffffff;
 constexpr int longestText = 1663; // bytes that a symbol of this error correction holds
 
-// What libqrencode makes of the text.
+// The symbol as libqrencode encodes it.
 class Symbol
 {
 public:
@@ -44,7 +44,7 @@ private:
     QRcode *m_record;
 };
 
-// White over all, then each black module by itself, without antialiasing.
+// Draws each black module by itself on white, without antialiasing.
 QImage paintedModuleByModule(const Symbol &symbol, int side)
 {
     QImage image(side, side, QImage::Format_ARGB32);
@@ -69,7 +69,7 @@ QImage generate(const QByteArray &text, int side)
     return CSystemUtils::GenerateQRCode(QString::fromUtf8(text), QSize(side, side));
 }
 
-// Small letters, which no denser mode of the code takes.
+// Lower-case letters, which no denser mode can encode.
 QByteArray letters(int count)
 {
     QByteArray text(count, 'x');
@@ -78,7 +78,7 @@ QByteArray letters(int count)
     return text;
 }
 
-// As a host shows it: on white ground.
+// As an application shows it: on a white background.
 QImage withMargin(const QImage &symbol, int margin)
 {
     QImage page(symbol.width() + 2 * margin, symbol.height() + 2 * margin, QImage::Format_RGB32);
@@ -91,7 +91,7 @@ void addSymbols()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::newRow("25 modules") << QByteArray("a");
-    QTest::newRow("its two pixels a side tell rows from columns") << QByteArray(33, 'c');
+    QTest::newRow("25 modules, rows unlike columns at two pixels") << QByteArray(33, 'c');
     QTest::newRow("49 modules") << letters(100);
     QTest::newRow("81 modules") << letters(300);
     QTest::newRow("141 modules") << letters(1000);
@@ -105,8 +105,8 @@ class TestQrCode : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void everySideUpTo400IsPixelForPixelAsPaintedModuleByModule_data() { addSymbols(); }
-    void everySideUpTo400IsPixelForPixelAsPaintedModuleByModule()
+    void matchesPaintedModulesForSidesUpTo400_data() { addSymbols(); }
+    void matchesPaintedModulesForSidesUpTo400()
     {
         QFETCH(QByteArray, text);
         const Symbol symbol(text);
@@ -115,8 +115,8 @@ private Q_SLOTS:
                      QByteArray::number(side).constData());
     }
 
-    void largeSidesAreAsPaintedModuleByModule_data() { addSymbols(); }
-    void largeSidesAreAsPaintedModuleByModule()
+    void matchesPaintedModulesForLargeSides_data() { addSymbols(); }
+    void matchesPaintedModulesForLargeSides()
     {
         QFETCH(QByteArray, text);
         const Symbol symbol(text);
@@ -125,8 +125,8 @@ private Q_SLOTS:
                      QByteArray::number(side).constData());
     }
 
-    void wholeMultipleShowsEachModuleOfTheSymbol_data() { addSymbols(); }
-    void wholeMultipleShowsEachModuleOfTheSymbol()
+    void showsEachModuleAtWholeMultiples_data() { addSymbols(); }
+    void showsEachModuleAtWholeMultiples()
     {
         QFETCH(QByteArray, text);
         const Symbol symbol(text);
@@ -142,13 +142,13 @@ private Q_SLOTS:
         }
     }
 
-    void imageIsOfOneFormatBlackAndOpaqueWhite_data()
+    void returnsOnlyBlackAndOpaqueWhite_data()
     {
         QTest::addColumn<int>("side");
         for (const int side : {1, 2, 3, 24, 25, 26, 100, 256, 333})
             QTest::addRow("%d", side) << side;
     }
-    void imageIsOfOneFormatBlackAndOpaqueWhite()
+    void returnsOnlyBlackAndOpaqueWhite()
     {
         QFETCH(int, side);
         const QImage image = generate("https://example.org/", side);
@@ -159,13 +159,13 @@ private Q_SLOTS:
         }
     }
 
-    void cornerIsBlackOnceEachModuleHasAPixel()
+    void paintsCornerBlackIfEachModuleHasAPixel()
     {
         for (int side = 25; side < 60; ++side)
             QCOMPARE(generate("https://example.org/", side).pixel(0, 0), black);
     }
 
-    void symbolReachesFromEdgeToEdge()
+    void fillsImageToItsEdges()
     {
         const QImage image = generate("a", 257);
         const int last = image.width() - 1;
@@ -174,16 +174,16 @@ private Q_SLOTS:
         QCOMPARE(image.pixel(0, last), black);
     }
 
-    void smallerSideDecides_data()
+    void usesSmallerSide_data()
     {
         QTest::addColumn<QSize>("size");
         QTest::addColumn<int>("side");
         QTest::newRow("wide") << QSize(300, 200) << 200;
-        QTest::newRow("high") << QSize(150, 4000) << 150;
+        QTest::newRow("tall") << QSize(150, 4000) << 150;
         QTest::newRow("square") << QSize(64, 64) << 64;
         QTest::newRow("one pixel") << QSize(1, 77) << 1;
     }
-    void smallerSideDecides()
+    void usesSmallerSide()
     {
         QFETCH(QSize, size);
         QFETCH(int, side);
@@ -192,7 +192,7 @@ private Q_SLOTS:
         QCOMPARE(image, generate("a", side));
     }
 
-    void sizeWithoutPixelsGivesANullImageInSilence_data()
+    void returnsNullImageForInvalidSize_data()
     {
         QTest::addColumn<QSize>("size");
         QTest::newRow("zero") << QSize(0, 0);
@@ -205,7 +205,7 @@ private Q_SLOTS:
         QTest::newRow("larger than an image can be")
             << QSize(std::numeric_limits<int>::max(), std::numeric_limits<int>::max());
     }
-    void sizeWithoutPixelsGivesANullImageInSilence()
+    void returnsNullImageForInvalidSize()
     {
         QFETCH(QSize, size);
         const MessageCapture messages;
@@ -213,13 +213,13 @@ private Q_SLOTS:
         QCOMPARE(messages.messages().size(), 0);
     }
 
-    void emptyTextGivesANullImageInSilence_data()
+    void returnsNullImageForEmptyString_data()
     {
         QTest::addColumn<QString>("text");
         QTest::newRow("null") << QString();
         QTest::newRow("empty") << "";
     }
-    void emptyTextGivesANullImageInSilence()
+    void returnsNullImageForEmptyString()
     {
         QFETCH(QString, text);
         const MessageCapture messages;
@@ -227,16 +227,16 @@ private Q_SLOTS:
         QCOMPARE(messages.messages().size(), 0);
     }
 
-    void textThatCannotBeEncodedIsToldByANumberOnly_data()
+    void logsErrnoForStringThatCannotBeEncoded_data()
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<int>("error");
         QTest::newRow("a byte too long") << QString::fromLatin1(letters(longestText + 1)) << ERANGE;
         QTest::newRow("much too long") << QString::fromLatin1(letters(100000)) << ERANGE;
         QTest::newRow("too long in UTF-8") << QString(longestText / 3 + 1, QChar(0x6587)) << ERANGE;
-        QTest::newRow("nothing before a NUL") << QString(QChar(0)) + QLatin1Char('a') << EINVAL;
+        QTest::newRow("starts with a NUL character") << QString(QChar(0)) + QLatin1Char('a') << EINVAL;
     }
-    void textThatCannotBeEncodedIsToldByANumberOnly()
+    void logsErrnoForStringThatCannotBeEncoded()
     {
         QFETCH(QString, text);
         QFETCH(int, error);
@@ -250,7 +250,7 @@ private Q_SLOTS:
         }
     }
 
-    void successIsSilent()
+    void logsNothingOnSuccess()
     {
         const MessageCapture messages;
         for (const int side : {1, 2, 3, 100})
@@ -258,16 +258,16 @@ private Q_SLOTS:
         QCOMPARE(messages.messages().size(), 0);
     }
 
-    void sameTextAndSizeGiveTheSameImage()
+    void returnsSameImageForSameArguments()
     {
         const QImage first = generate("again", 200);
         QCOMPARE(generate("again", 200), first);
         QVERIFY(generate("Again", 200) != first);
     }
 
-    void caseIsKept() { QVERIFY(generate("ABC", 100) != generate("abc", 100)); }
+    void keepsCase() { QVERIFY(generate("ABC", 100) != generate("abc", 100)); }
 
-    void threadsWorkSideBySide()
+    void worksInConcurrentThreads()
     {
         const QImage expected = generate("thread", 300);
         std::vector<QImage> images(4);
@@ -284,25 +284,25 @@ private Q_SLOTS:
             QCOMPARE(image, expected);
     }
 
-    void scannerReadsTheText_data()
+    void encodesWhatScannerReads_data()
     {
         QTest::addColumn<QByteArray>("text");
         QTest::addColumn<int>("pixels"); // a module
-        QTest::newRow("one letter") << QByteArray("a") << 4;
+        QTest::newRow("one character") << QByteArray("a") << 4;
         QTest::newRow("digits") << QByteArray("20261120073757") << 4;
-        QTest::newRow("capitals") << QByteArray("HELLO WORLD $%*+-./:") << 4;
+        QTest::newRow("upper case") << QByteArray("HELLO WORLD $%*+-./:") << 4;
         QTest::newRow("mixed case") << QByteArray("Hello, World; 100% {\"a\": 'b'}") << 4;
         QTest::newRow("address") << QByteArray("https://example.org/app?id=17&lang=zh_CN#top") << 4;
         QTest::newRow("Chinese") << QByteArray("扫描二维码下载应用") << 4;
         QTest::newRow("umlauts and emoji") << QByteArray("Größe 😀") << 4;
-        QTest::newRow("lines") << QByteArray("BEGIN:VCARD\r\nN:a;b\r\nEND:VCARD") << 4;
+        QTest::newRow("several lines") << QByteArray("BEGIN:VCARD\r\nN:a;b\r\nEND:VCARD") << 4;
         QTest::newRow("100 bytes") << letters(100) << 4;
         QTest::newRow("1000 bytes") << letters(1000) << 4;
-        QTest::newRow("the longest of bytes") << letters(longestText) << 5;
-        QTest::newRow("the longest of digits") << QByteArray(3993, '7') << 5;
+        QTest::newRow("longest string of bytes") << letters(longestText) << 5;
+        QTest::newRow("longest string of digits") << QByteArray(3993, '7') << 5;
         QTest::newRow("uneven modules") << QByteArray("uneven") << 0;
     }
-    void scannerReadsTheText()
+    void encodesWhatScannerReads()
     {
         QFETCH(QByteArray, text);
         QFETCH(int, pixels);

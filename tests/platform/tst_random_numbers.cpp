@@ -25,8 +25,8 @@ quint32 bits = 0;
 
 } // namespace
 
-// Stands before Qt's own, as this program's functions come first: it records each draw and gives the
-// test's bits.
+// Called instead of Qt's function, because symbols of the program come first. Records each call and returns
+// the bits of the test.
 __attribute__((visibility("default"))) void QRandomGenerator::_fillRange(void *begin, void *end)
 {
     draws.append({this, static_cast<char *>(end) - static_cast<char *>(begin)});
@@ -39,7 +39,7 @@ class TestRandomNumbers : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void spanIsScaledByTheBits_data()
+    void scalesRangeByRandomBits_data()
     {
         QTest::addColumn<int>("minimum");
         QTest::addColumn<int>("maximum");
@@ -51,12 +51,12 @@ private Q_SLOTS:
         QTest::newRow("lowest") << 0 << 10 << none << 0;
         QTest::newRow("highest") << 0 << 10 << all << 9;
         QTest::newRow("middle") << 0 << 10 << half << 5;
-        QTest::newRow("last of the lowest") << 0 << 10 << quint32(0x19999999) << 0;
-        QTest::newRow("first of the next") << 0 << 10 << quint32(0x1999999a) << 1;
-        QTest::newRow("only one, lowest") << 1 << 2 << none << 1;
-        QTest::newRow("only one, highest") << 1 << 2 << all << 1;
-        QTest::newRow("equal, lowest") << 5 << 5 << none << 5;
-        QTest::newRow("equal, highest") << 5 << 5 << all << 5;
+        QTest::newRow("last bits of the lowest") << 0 << 10 << quint32(0x19999999) << 0;
+        QTest::newRow("first bits of the next") << 0 << 10 << quint32(0x1999999a) << 1;
+        QTest::newRow("one possible result, lowest") << 1 << 2 << none << 1;
+        QTest::newRow("one possible result, highest") << 1 << 2 << all << 1;
+        QTest::newRow("equal arguments, lowest") << 5 << 5 << none << 5;
+        QTest::newRow("equal arguments, highest") << 5 << 5 << all << 5;
         QTest::newRow("three digits, lowest") << 1 << 1000 << none << 1;
         QTest::newRow("three digits, highest") << 1 << 1000 << all << 999;
         QTest::newRow("below zero, lowest") << -10 << -5 << none << -10;
@@ -65,13 +65,13 @@ private Q_SLOTS:
         QTest::newRow("all ints, lowest") << smallest << largest << none << smallest;
         QTest::newRow("all ints, highest") << smallest << largest << all << largest - 1;
         QTest::newRow("all ints, middle") << smallest << largest << half << -1;
-        // The span wraps to 2^32 - 5.
+        // The range wraps to 2^32 - 5 numbers.
         QTest::newRow("maximum below the minimum, lowest") << 10 << 5 << none << 10;
         QTest::newRow("maximum below the minimum, middle") << 10 << 5 << half << smallest + 7;
         QTest::newRow("maximum below the minimum, highest") << 10 << 5 << all << 4;
         QTest::newRow("largest and smallest") << largest << smallest << all << largest;
     }
-    void spanIsScaledByTheBits()
+    void scalesRangeByRandomBits()
     {
         QFETCH(int, minimum);
         QFETCH(int, maximum);
@@ -80,7 +80,7 @@ private Q_SLOTS:
         QTEST(CSystemUtils::GetRandomNum(minimum, maximum), "expected");
     }
 
-    void oneDrawOf32BitsIsMadeFromTheProcessWideGenerator()
+    void draws32BitsFromGlobalGenerator()
     {
         const QRandomGenerator *const processWide = QRandomGenerator::global();
         draws.clear();

@@ -35,7 +35,7 @@ QStringList entriesBelow(const QString &path)
     return entries;
 }
 
-QString kernelsName()
+QString kernelArchitecture()
 {
     utsname names {};
     uname(&names);
@@ -44,13 +44,13 @@ QString kernelsName()
 
 } // namespace
 
-// The calls that give a fixed result or what Qt knows of the machine.
+// The functions that return a fixed result or a value of Qt.
 class TestSystemInformation : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void monitorsGiveThreeZeros()
+    void returnsThreeZerosForMonitors()
     {
         const auto words = CSystemUtils::GetDpiFromMonitors();
         static_assert(sizeof(words) == 3 * sizeof(quint64), "three words of 64 bits");
@@ -58,16 +58,16 @@ private Q_SLOTS:
             QCOMPARE(word, quint64(0));
     }
 
-    void highDpiSupportIsSwitchedOnForEitherArgument_data()
+    void enablesHighDpiSupportForEitherArgument_data()
     {
         QTest::addColumn<bool>("argument");
         QTest::newRow("true") << true;
         QTest::newRow("false") << false;
     }
-    void highDpiSupportIsSwitchedOnForEitherArgument()
+    void enablesHighDpiSupportForEitherArgument()
     {
         QFETCH(bool, argument);
-        const MessageCapture warningThatAnApplicationExists;
+        const MessageCapture warnings;
         QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling, false);
         QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, false);
         CSystemUtils::EnableHighDPISupport(argument);
@@ -75,36 +75,36 @@ private Q_SLOTS:
         QVERIFY(QCoreApplication::testAttribute(Qt::AA_UseHighDpiPixmaps));
     }
 
-    void anyMachineIsOf64BitsAndNoOlderThanWindows11()
+    void returnsTrueForFixedSystemChecks()
     {
         QCOMPARE(CSystemUtils::IsOn64BitSystem(), true);
         QCOMPARE(CSystemUtils::IsWindows11OrGreater(), true);
     }
 
-    void systemVersionIsTheProductNameOfQt()
+    void returnsProductNameOfQt()
     {
         QVERIFY(!CSystemUtils::GetSystemVersion().isEmpty());
         QCOMPARE(CSystemUtils::GetSystemVersion(), QSysInfo::prettyProductName());
     }
 
-    void architectureIsThatOfTheRunningProcessor()
+    void returnsArchitectureOfProcessor()
     {
         QCOMPARE(CSystemUtils::GetHardwareCpuArchitecture(), QSysInfo::currentCpuArchitecture());
-        if (kernelsName() == QLatin1String("x86_64"))
+        if (kernelArchitecture() == QLatin1String("x86_64"))
             QCOMPARE(CSystemUtils::GetHardwareCpuArchitecture(), QStringLiteral("x86_64"));
     }
 
-    void cryptographyGivesEmptyTextsForAnyArgument_data()
+    void returnsEmptyStringsForCryptography_data()
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("key");
         QTest::newRow("null") << QString() << QString();
         QTest::newRow("empty") << ""
                                << "";
-        QTest::newRow("text and key") << "secret"
-                                      << "-----BEGIN PUBLIC KEY-----";
+        QTest::newRow("string and key") << "secret"
+                                        << "-----BEGIN PUBLIC KEY-----";
     }
-    void cryptographyGivesEmptyTextsForAnyArgument()
+    void returnsEmptyStringsForCryptography()
     {
         QFETCH(QString, text);
         QFETCH(QString, key);
@@ -112,7 +112,7 @@ private Q_SLOTS:
         QVERIFY(isEmptyAndNotNull(CSystemUtils::RsaPrivateDecrypt(text, key)));
     }
 
-    void powerAndAutoStartDoNothingInSilence()
+    void changesAndLogsNothingForPowerAndAutoStart()
     {
         const TemporaryHome home;
         const QStringList before = entriesBelow(home.path());
@@ -129,7 +129,7 @@ private Q_SLOTS:
         QCOMPARE(messages.messages().size(), 0);
     }
 
-    void classesHoldNoData()
+    void hasNoData()
     {
         QVERIFY(std::is_empty<CSystemUtils>::value && !std::is_polymorphic<CSystemUtils>::value);
         QVERIFY(std::is_empty<COperateSystem>::value && !std::is_polymorphic<COperateSystem>::value);

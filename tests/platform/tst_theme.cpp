@@ -56,7 +56,7 @@ QString getCall(const QString &setting)
         .arg(setting.section(QLatin1Char(' '), 0, 0), setting.section(QLatin1Char(' '), 1));
 }
 
-// The eight child processes of a chain in which nothing tells.
+// The eight tools that run if no setting decides.
 QStringList allCalls()
 {
     return {whichCall(),        getCall(gnomeTheme), getCall(gnomeScheme), whichCall(),
@@ -68,7 +68,7 @@ QStringList allCalls()
 Q_DECLARE_METATYPE(Settings)
 Q_DECLARE_METATYPE(Variables)
 
-// The detectors, on a machine whose programs, files and environment are the test's.
+// The detectors, with programs, files and environment variables of the test.
 class TestTheme : public QObject
 {
     Q_OBJECT
@@ -104,7 +104,7 @@ private:
         return m_home->filePath(QStringLiteral(".config/") + name);
     }
 
-    // How the log shows a key of a file of detector 6.
+    // The log line for a key of a file of detector 6.
     QString configLine(const QString &file, const QString &key, const QString &value) const
     {
         return QStringLiteral("Config \"%1\" \"%2\" : \"%3\"").arg(configPath(file), key, value);
@@ -119,7 +119,7 @@ private:
         return texts;
     }
 
-    // The line that tells which detector decided; null for none.
+    // The line with the detector that decided; a null string if none did.
     QString decision() const
     {
         const QStringList lines = messages().filter(QStringLiteral("Detected via"));
@@ -152,7 +152,7 @@ private Q_SLOTS:
 
     // --- GNOME ---
 
-    void gnomeSettingsGiveAVerdict_data()
+    void readsGnomeSettings_data()
     {
         QTest::addColumn<QByteArray>("theme");
         QTest::addColumn<QByteArray>("scheme");
@@ -162,10 +162,10 @@ private Q_SLOTS:
 
         QTest::newRow("dark theme") << QByteArray("'Adwaita-dark'\n") << noSuchKey << int(Dark) << false;
         QTest::newRow("light theme") << QByteArray("'Yaru-light'\n") << noSuchKey << int(Light) << false;
-        QTest::newRow("dark in capitals") << QByteArray("'DARK'\n") << noSuchKey << int(Dark) << false;
+        QTest::newRow("dark in upper case") << QByteArray("'DARK'\n") << noSuchKey << int(Dark) << false;
         QTest::newRow("light in mixed case") << QByteArray("LiGhT") << noSuchKey << int(Light) << false;
-        QTest::newRow("dark within a word") << QByteArray("'Darkness2'\n") << noSuchKey << int(Dark) << false;
-        QTest::newRow("light within a word")
+        QTest::newRow("dark inside a word") << QByteArray("'Darkness2'\n") << noSuchKey << int(Dark) << false;
+        QTest::newRow("light inside a word")
             << QByteArray("'Highlights'\n") << noSuchKey << int(Light) << false;
         QTest::newRow("both words, light first")
             << QByteArray("'light-and-dark'\n") << noSuchKey << int(Dark) << false;
@@ -173,29 +173,29 @@ private Q_SLOTS:
             << QByteArray("'Yaru-light'\n") << QByteArray("'prefer-dark'\n") << int(Light) << false;
         QTest::newRow("dark theme and light scheme")
             << QByteArray("'Yaru-dark'\n") << QByteArray("'prefer-light'\n") << int(Dark) << false;
-        QTest::newRow("quotes within the word")
+        QTest::newRow("quotes inside the word")
             << QByteArray("'Yaru-d\"a''rk\"'\n") << noSuchKey << int(Dark) << false;
-        QTest::newRow("behind a NUL byte")
+        QTest::newRow("after a NUL byte")
             << QByteArray("'Yaru\0-dark'\n", 13) << noSuchKey << int(Undetermined) << true;
         QTest::newRow("before a NUL byte")
             << QByteArray("'dark\0light'\n", 13) << noSuchKey << int(Dark) << false;
-        QTest::newRow("behind blanks and lines")
+        QTest::newRow("after spaces and lines")
             << QByteArray("\n \t\n 'a'\n'dark'\n\n") << noSuchKey << int(Dark) << false;
 
         QTest::newRow("dark scheme") << plain << QByteArray("'prefer-dark'\n") << int(Dark) << true;
         QTest::newRow("light scheme") << plain << QByteArray("'prefer-light'\n") << int(Light) << true;
         QTest::newRow("default scheme") << plain << QByteArray("'default'\n") << int(Undetermined) << true;
-        QTest::newRow("dark scheme in capitals")
+        QTest::newRow("dark scheme in mixed case")
             << plain << QByteArray("'Prefer-Dark'\n") << int(Undetermined) << true;
-        QTest::newRow("light scheme in capitals")
+        QTest::newRow("light scheme in upper case")
             << plain << QByteArray("'PREFER-LIGHT'\n") << int(Undetermined) << true;
-        QTest::newRow("scheme of the bare word")
+        QTest::newRow("scheme with only the word dark")
             << plain << QByteArray("'dark'\n") << int(Undetermined) << true;
-        QTest::newRow("scheme within a word")
+        QTest::newRow("scheme inside a word")
             << plain << QByteArray("'xprefer-darker'\n") << int(Dark) << true;
         QTest::newRow("scheme with both words")
             << plain << QByteArray("'prefer-light prefer-dark'\n") << int(Dark) << true;
-        QTest::newRow("scheme with quotes within")
+        QTest::newRow("scheme with quotes inside")
             << plain << QByteArray("'prefer'-\"dark\n") << int(Dark) << true;
         QTest::newRow("no theme and dark scheme")
             << noSuchKey << QByteArray("'prefer-dark'\n") << int(Dark) << true;
@@ -204,7 +204,7 @@ private Q_SLOTS:
         QTest::newRow("no scheme") << plain << noSuchKey << int(Undetermined) << true;
         QTest::newRow("neither") << noSuchKey << noSuchKey << int(Undetermined) << true;
     }
-    void gnomeSettingsGiveAVerdict()
+    void readsGnomeSettings()
     {
         QFETCH(QByteArray, theme);
         QFETCH(QByteArray, scheme);
@@ -223,7 +223,7 @@ private Q_SLOTS:
         QCOMPARE(decision(), verdict == Undetermined ? byNone : byGnome);
     }
 
-    void gnomeIsNotAskedWithoutTheTool()
+    void skipsGnomeWithoutTool()
     {
         provideWhich(false);
         provideGSettings({{gnomeTheme, "'Adwaita-dark'"}, {gnomeScheme, "'prefer-dark'"}});
@@ -231,13 +231,13 @@ private Q_SLOTS:
         QCOMPARE(m_tools->calls(), QStringList {whichCall()});
     }
 
-    void anyExitCodeButZeroIsAFailedRead_data()
+    void treatsNonZeroExitCodeAsFailedRead_data()
     {
         QTest::addColumn<QByteArray>("exitCode");
         for (const char *code : {"1", "2", "127", "255"})
             QTest::newRow(code) << QByteArray(code);
     }
-    void anyExitCodeButZeroIsAFailedRead()
+    void treatsNonZeroExitCodeAsFailedRead()
     {
         QFETCH(QByteArray, exitCode);
         m_tools->add(QStringLiteral("gsettings"), "echo \"'prefer-dark'\"\nexit " + exitCode);
@@ -248,7 +248,7 @@ private Q_SLOTS:
         QCOMPARE(m_tools->calls().size(), 4);
     }
 
-    void toolThatVanishesBetweenTwoReadsTellsNothing()
+    void returnsUndeterminedIfToolDisappears()
     {
         m_tools->add(QStringLiteral("gsettings"),
                      "/bin/rm '" + QFile::encodeName(m_tools->path()) + "/gsettings'\necho dark\nexit 1");
@@ -256,7 +256,7 @@ private Q_SLOTS:
         QCOMPARE(m_tools->calls(), QStringList({whichCall(), getCall(gnomeTheme)}));
     }
 
-    void outputOfWhichIsNotRead()
+    void ignoresOutputOfWhich()
     {
         m_tools->add(QStringLiteral("which"), "echo /opt/dark/prefer-dark/gsettings");
         QCOMPARE(ZyBase::getGnomeTheme(), int(Undetermined));
@@ -264,21 +264,21 @@ private Q_SLOTS:
         QCOMPARE(ZyBase::getGnomeTheme(), int(Undetermined));
     }
 
-    void standardErrorIsNotRead()
+    void ignoresStandardError()
     {
         m_tools->add(QStringLiteral("gsettings"), "echo \"'prefer-dark'\" >&2");
         QCOMPARE(ZyBase::getGnomeTheme(), int(Undetermined));
     }
 
-    void crashedToolIsJudgedByItsSignalsNumber()
+    void treatsCrashAsFailedRead()
     {
-        // Qt gives the number of the signal as exit code.
+        // Qt returns the number of the signal as the exit code.
         m_tools->add(QStringLiteral("gsettings"), "echo \"'prefer-dark'\"\nkill -9 $$");
         QCOMPARE(ZyBase::getGnomeTheme(), int(Undetermined));
         QCOMPARE(m_tools->calls().size(), 3);
     }
 
-    void manyMoreBytesThanAPipeHoldsAreRead()
+    void readsMoreBytesThanPipeCanHold()
     {
         m_tools->add(QStringLiteral("gsettings"),
                      "i=0; while [ $i -lt 3000 ]; do\n"
@@ -289,7 +289,7 @@ private Q_SLOTS:
 
     // --- The files of KDE, GTK and Qt ---
 
-    void keyOfAFileDecides_data()
+    void readsKeysOfFiles_data()
     {
         QTest::addColumn<Settings>("files");
         QTest::addColumn<bool>("isDark");
@@ -336,7 +336,7 @@ private Q_SLOTS:
             << false << byNone;
         QTest::newRow("KDE empty") << ConfigFiles {{globals, "[%General]\nColorScheme=\n"}, {plasma, ""}}
                                    << false << byNone;
-        QTest::newRow("list is no text")
+        QTest::newRow("list instead of a string")
             << ConfigFiles {{globals, "[%General]\nColorScheme=dark, dark\n"}} << false << byNone;
 
         QTest::newRow("GTK 3 dark") << ConfigFiles {{gtk3, "[Settings]\ngtk-theme-name=Arc-Dark\n"}} << true
@@ -379,16 +379,14 @@ private Q_SLOTS:
         QTest::newRow("qt5ct other keys")
             << ConfigFiles {{qt5ct, "style=dark\n[Fonts]\nstyle=dark\n"}} << false << byNone;
 
-        QTest::newRow("no ini file") << ConfigFiles {{globals, "\0\1\2dark"},
-                                                     {gtk3, "dark"},
-                                                     {qt5ct, "<dark/>"}}
-                                     << false << byNone;
-        QTest::newRow("not at its place")
+        QTest::newRow("not an ini file")
+            << ConfigFiles {{globals, "\0\1\2dark"}, {gtk3, "dark"}, {qt5ct, "<dark/>"}} << false << byNone;
+        QTest::newRow("in another directory")
             << ConfigFiles {{QStringLiteral("kde/kdeglobals"), "[%General]\nColorScheme=dark\n"},
                             {QStringLiteral("settings.ini"), "[Settings]\ngtk-theme-name=dark\n"}}
             << false << byNone;
     }
-    void keyOfAFileDecides()
+    void readsKeysOfFiles()
     {
         QFETCH(Settings, files);
         QFETCH(bool, isDark);
@@ -398,7 +396,7 @@ private Q_SLOTS:
         QCOMPARE(messages(), decider.isNull() ? QStringList() : QStringList {decider});
     }
 
-    void directoryInPlaceOfAFileReadsEmpty()
+    void treatsDirectoryAsEmptyFile()
     {
         for (const char *name : {"kdeglobals", "gtk-3.0/settings.ini", "QtProject.conf", "kylin/theme.conf"})
             QVERIFY(QDir().mkpath(configPath(QString::fromLatin1(name))));
@@ -406,7 +404,7 @@ private Q_SLOTS:
         QCOMPARE(decision(), byNone);
     }
 
-    void filesBelowTheHomeAreReadWithoutAConfigurationDirectoryOfItsOwn()
+    void readsFilesOfHomeWithoutConfigurationVariable()
     {
         qunsetenv("XDG_CONFIG_HOME");
         provideFiles({{QStringLiteral("plasmarc"), "[Theme]\nname=dark\n"}});
@@ -414,7 +412,7 @@ private Q_SLOTS:
         QCOMPARE(decision(), byKde);
     }
 
-    void filesAreReadAnewByEachCall()
+    void readsFilesAtEachCall()
     {
         for (const char *word : {"dark", "bright light", "night and dark"}) {
             provideFiles({{QStringLiteral("plasmarc"), QByteArray("[Theme]\nname=") + word + '\n'}});
@@ -422,7 +420,7 @@ private Q_SLOTS:
         }
     }
 
-    void filesAreOnlyRead()
+    void createsNoFiles()
     {
         QCOMPARE(COperateSystem::IsDarkTheme(), false);
         QCOMPARE(
@@ -432,7 +430,7 @@ private Q_SLOTS:
 
     // --- The environment ---
 
-    void variableDecides_data()
+    void readsEnvironmentVariables_data()
     {
         QTest::addColumn<Variables>("variables");
         QTest::addColumn<bool>("isDark");
@@ -453,19 +451,19 @@ private Q_SLOTS:
         QTest::newRow("QT_STYLE_OVERRIDE before DESKTOP_SESSION")
             << Variables {{"QT_STYLE_OVERRIDE", "light"}, {"DESKTOP_SESSION", "dark"}} << false
             << byEnvironment;
-        QTest::newRow("the first two tell nothing")
+        QTest::newRow("the first two do not decide")
             << Variables {{"GTK_THEME", "Adwaita"}, {"QT_STYLE_OVERRIDE", ""}, {"DESKTOP_SESSION", "dark"}}
             << true << byEnvironment;
         QTest::newRow("both words") << Variables {{"GTK_THEME", "light:dark"}} << true << byEnvironment;
-        QTest::newRow("none tells") << Variables {{"GTK_THEME", "Adwaita"},
-                                                  {"QT_STYLE_OVERRIDE", "fusion"},
-                                                  {"DESKTOP_SESSION", "ubuntu"}}
-                                    << false << byNone;
+        QTest::newRow("no variable decides") << Variables {{"GTK_THEME", "Adwaita"},
+                                                           {"QT_STYLE_OVERRIDE", "fusion"},
+                                                           {"DESKTOP_SESSION", "ubuntu"}}
+                                             << false << byNone;
         QTest::newRow("other variables")
             << Variables {{"XDG_CURRENT_DESKTOP", "dark"}, {"XDG_SESSION_DESKTOP", "dark"}} << false
             << byNone;
     }
-    void variableDecides()
+    void readsEnvironmentVariables()
     {
         QFETCH(Variables, variables);
         QFETCH(bool, isDark);
@@ -479,7 +477,7 @@ private Q_SLOTS:
 
     // --- UKUI ---
 
-    void ukuiSettingsGiveAVerdict_data()
+    void readsUkuiSettings_data()
     {
         QTest::addColumn<Settings>("settings");
         QTest::addColumn<int>("verdict");
@@ -508,7 +506,7 @@ private Q_SLOTS:
             << int(Dark) << QStringList {style("ukui"), mode("dark")} << 2;
         QTest::newRow("no style, light mode") << Settings {{ukuiMode, "'light'\n"}, {ukuiTheme, "'dark'\n"}}
                                               << int(Light) << QStringList {mode("light")} << 2;
-        QTest::newRow("mode auto ends it")
+        QTest::newRow("mode auto ends the detector")
             << Settings {{ukuiStyle, "''\n"}, {ukuiMode, "'auto'\n"}, {ukuiTheme, "'dark'\n"}}
             << int(Undetermined) << QStringList {style(""), mode("auto")} << 2;
         QTest::newRow("mode Dark is not equal")
@@ -520,7 +518,7 @@ private Q_SLOTS:
         QTest::newRow("mode Auto is not equal")
             << Settings {{ukuiMode, "'Auto'\n"}, {ukuiTheme, "'dark'\n"}} << int(Dark)
             << QStringList {mode("Auto"), theme("dark")} << 3;
-        QTest::newRow("mode that only contains the word")
+        QTest::newRow("mode that only contains dark")
             << Settings {{ukuiMode, "'darker'\n"}, {ukuiTheme, "'custom Light'\n"}} << int(Light)
             << QStringList {mode("darker"), theme("custom Light")} << 3;
         QTest::newRow("mode that only contains light")
@@ -529,23 +527,24 @@ private Q_SLOTS:
         QTest::newRow("mode that only contains auto")
             << Settings {{ukuiMode, "'autos'\n"}, {ukuiTheme, "'dark'\n"}} << int(Dark)
             << QStringList {mode("autos"), theme("dark")} << 3;
-        QTest::newRow("mode within blanks and quotes is equal")
+        QTest::newRow("mode in spaces and quotes is equal")
             << Settings {{ukuiMode, "\n \"'dark'\" \n"}} << int(Dark) << QStringList {mode("dark")} << 2;
-        QTest::newRow("blanks within quotes are not taken off")
+        QTest::newRow("spaces inside quotes are kept")
             << Settings {{ukuiMode, "' dark '\n"}} << int(Undetermined) << QStringList {mode(" dark ")} << 3;
-        QTest::newRow("style auto is nothing") << Settings {{ukuiStyle, "'auto'\n"}, {ukuiMode, "'dark'\n"}}
-                                               << int(Dark) << QStringList {style("auto"), mode("dark")} << 2;
+        QTest::newRow("style auto does not decide")
+            << Settings {{ukuiStyle, "'auto'\n"}, {ukuiMode, "'dark'\n"}} << int(Dark)
+            << QStringList {style("auto"), mode("dark")} << 2;
         QTest::newRow("theme with both words") << Settings {{ukuiTheme, "'light dark'\n"}} << int(Dark)
                                                << QStringList {theme("light dark")} << 3;
         QTest::newRow("theme of other words")
             << Settings {{ukuiStyle, "'a'\n"}, {ukuiMode, "'b'\n"}, {ukuiTheme, "'auto'\n"}}
             << int(Undetermined) << QStringList {style("a"), mode("b"), theme("auto")} << 3;
-        QTest::newRow("escapes of the log")
+        QTest::newRow("escaped characters in the log")
             << Settings {{ukuiStyle, "'a\\b\t文'\n"}} << int(Undetermined)
             << QStringList {QStringLiteral("UKUI style-name: \"a\\\\b\\t文\"")} << 3;
-        QTest::newRow("nothing") << Settings {} << int(Undetermined) << QStringList() << 3;
+        QTest::newRow("no setting") << Settings {} << int(Undetermined) << QStringList() << 3;
     }
-    void ukuiSettingsGiveAVerdict()
+    void readsUkuiSettings()
     {
         QFETCH(Settings, settings);
         QFETCH(int, verdict);
@@ -562,9 +561,9 @@ private Q_SLOTS:
         QCOMPARE(m_tools->calls(), calls);
     }
 
-    void ukuiAsksForTheToolItself()
+    void checksForToolAgainForUkui()
     {
-        // GNOME's guard passes, UKUI's does not.
+        // The check succeeds for GNOME and fails for UKUI.
         m_tools->add(QStringLiteral("which"), "[ -e '" + QFile::encodeName(m_tools->path())
                                                   + "/asked' ] && exit 1\n: >'"
                                                   + QFile::encodeName(m_tools->path()) + "/asked'");
@@ -576,7 +575,7 @@ private Q_SLOTS:
 
     // --- Kylin's files ---
 
-    void kylinFileDecides_data()
+    void readsKylinFiles_data()
     {
         QTest::addColumn<Settings>("files");
         QTest::addColumn<bool>("isDark");
@@ -620,15 +619,15 @@ private Q_SLOTS:
                                            << QStringList {line(kylin, "theme", "dark")};
         QTest::newRow("third file alone") << ConfigFiles {{settings, "theme=dark\n"}} << true << true
                                           << QStringList {line(settings, "theme", "dark")};
-        QTest::newRow("third file behind two")
+        QTest::newRow("third file after two others")
             << ConfigFiles {{ukui, ""}, {kylin, "[a]\ntheme=dark\n"}, {settings, "theme=light\n"}} << false
             << true << (allEmpty(ukui) << allEmpty(kylin) << line(settings, "theme", "light"));
         QTest::newRow("both words") << ConfigFiles {{ukui, "theme=light dark\n"}} << true << true
                                     << QStringList {line(ukui, "theme", "light dark")};
-        QTest::newRow("auto ends it")
+        QTest::newRow("auto ends the detector")
             << ConfigFiles {{ukui, "theme=AutoSwitch\nstyle=dark\n"}, {kylin, "theme=dark\n"}} << false
             << false << QStringList {line(ukui, "theme", "AutoSwitch")};
-        QTest::newRow("auto in a later key ends it")
+        QTest::newRow("auto in a later key ends the detector")
             << ConfigFiles {{ukui, "theme=ukui\nmode=auto\nappearance=dark\n"}, {kylin, "theme=dark\n"}}
             << false << false
             << QStringList {line(ukui, "theme", "ukui"), line(ukui, "style", ""), line(ukui, "mode", "auto")};
@@ -643,7 +642,7 @@ private Q_SLOTS:
             << QStringList {line(ukui, "theme", "dark")};
         QTest::newRow("no file") << ConfigFiles {} << false << false << QStringList();
     }
-    void kylinFileDecides()
+    void readsKylinFiles()
     {
         QFETCH(Settings, files);
         QFETCH(bool, isDark);
@@ -662,7 +661,7 @@ private Q_SLOTS:
 
     // --- MATE ---
 
-    void mateSettingGivesAVerdict_data()
+    void readsMateSetting_data()
     {
         QTest::addColumn<QByteArray>("theme");
         QTest::addColumn<int>("verdict");
@@ -679,7 +678,7 @@ private Q_SLOTS:
                                << QStringList {QStringLiteral("MATE gtk-theme: \"\"")};
         QTest::newRow("no such key") << noSuchKey << int(Undetermined) << QStringList();
     }
-    void mateSettingGivesAVerdict()
+    void readsMateSetting()
     {
         QFETCH(QByteArray, theme);
         QFETCH(int, verdict);
@@ -692,7 +691,7 @@ private Q_SLOTS:
 
     // --- The chain ---
 
-    void firstDetectorThatKnowsDecides_data()
+    void returnsFirstVerdict_data()
     {
         QTest::addColumn<int>("first");
         QTest::addColumn<bool>("isDark");
@@ -701,9 +700,9 @@ private Q_SLOTS:
             QTest::addRow("detector %d, light", first + 1) << first << false;
         }
     }
-    void firstDetectorThatKnowsDecides()
+    void returnsFirstVerdict()
     {
-        // All from the first on know; those behind it say the opposite.
+        // Later detectors have the opposite setting.
         QFETCH(int, first);
         QFETCH(bool, isDark);
         const auto word = [first, isDark](int detector) {
@@ -738,7 +737,7 @@ private Q_SLOTS:
         QCOMPARE(CSystemUtils::IsDarkTheme(), isDark);
     }
 
-    void detectorsBehindTheDecidingOneDoNotRun()
+    void runsNoDetectorAfterVerdict()
     {
         provideFiles({{QStringLiteral("plasmarc"), "[Theme]\nname=dark\n"}});
         provideGSettings({{ukuiStyle, "dark"}, {mateTheme, "dark"}});
@@ -747,7 +746,7 @@ private Q_SLOTS:
         QCOMPARE(messages(), QStringList {byKde});
     }
 
-    void noDetectorDependsOnTheDesktop()
+    void runsDetectorsOnEveryDesktop()
     {
         qputenv("XDG_CURRENT_DESKTOP", "KDE");
         provideFiles({{QStringLiteral("plasmarc"), "[Theme]\nname=light\n"}});
@@ -756,14 +755,14 @@ private Q_SLOTS:
         QCOMPARE(decision(), byGnome);
     }
 
-    void nothingSetIsLightAfterEightProcessesAndNoLine()
+    void returnsLightAfterEightToolsIfNothingIsSet()
     {
         QCOMPARE(CSystemUtils::IsDarkTheme(), false);
         QCOMPARE(m_tools->calls(), allCalls());
         QCOMPARE(messages(), QStringList());
     }
 
-    void nothingIsRememberedBetweenCalls()
+    void keepsNoResultBetweenCalls()
     {
         provideGSettings({{gnomeTheme, "'dark'"}});
         QCOMPARE(COperateSystem::IsDarkTheme(), true);
@@ -774,8 +773,8 @@ private Q_SLOTS:
         QCOMPARE(decision(), byGnome + QLatin1Char('|') + byGnome);
     }
 
-    // Qt's exit code of a program that can't be started is 255, which is a failed read.
-    void machineWithoutGSettingsStopsAtWhich()
+    // Qt's exit code of a program that cannot be started is 255, which counts as a failed read.
+    void stopsAtWhichWithoutGSettings()
     {
         provideWhich(false);
         QVERIFY(QFile::remove(m_tools->path() + QStringLiteral("/gsettings")));
@@ -784,7 +783,7 @@ private Q_SLOTS:
         QCOMPARE(messages(), QStringList());
     }
 
-    void machineWithoutWhichAsksMateOnly()
+    void readsOnlyMateSettingWithoutWhich()
     {
         QVERIFY(QFile::remove(m_tools->path() + QStringLiteral("/which")));
         provideGSettings({{gnomeTheme, "'dark'"}, {ukuiMode, "'dark'"}, {mateTheme, "'light'"}});
@@ -793,7 +792,7 @@ private Q_SLOTS:
         QCOMPARE(decision(), byMate);
     }
 
-    void machineWithoutAnyProgramGoesByFilesAndEnvironment()
+    void readsFilesAndVariablesWithoutTools()
     {
         QVERIFY(QFile::remove(m_tools->path() + QStringLiteral("/which")));
         QVERIFY(QFile::remove(m_tools->path() + QStringLiteral("/gsettings")));
@@ -805,7 +804,7 @@ private Q_SLOTS:
         QCOMPARE(messages(), QStringList {byQt});
     }
 
-    void linesAreDebugMessagesOfTheDefaultCategoryWithoutAContext()
+    void logsDebugMessagesWithoutContext()
     {
         provideFiles({{QStringLiteral("kylin/theme.conf"), "\n"}});
         provideGSettings({{ukuiStyle, "a"}, {ukuiMode, "b"}, {ukuiTheme, "c"}, {mateTheme, "dark"}});
@@ -821,7 +820,7 @@ private Q_SLOTS:
         }
     }
 
-    void callFromAnyThreadIsAnswered()
+    void worksInOtherThreads()
     {
         provideGSettings({{gnomeTheme, "'dark'"}});
         bool isDark = false;

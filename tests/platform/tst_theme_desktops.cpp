@@ -25,7 +25,7 @@ const QString mateSchema = QStringLiteral("org.mate.interface");
 const QString gtkTheme = QStringLiteral("gtk-theme");
 const QString colorScheme = QStringLiteral("color-scheme");
 
-// UKUI's settings with the keys that its later releases have.
+// UKUI's settings, with the keys of its later releases.
 const char *const laterUkui = "<schemalist>\n"
                               " <schema id='org.ukui.style' path='/org/ukui/style/'>\n"
                               "  <key type='s' name='style-name'><default>'ukui'</default></key>\n"
@@ -61,7 +61,7 @@ void set(const QString &schema, const QString &key, const QString &value)
 
 } // namespace
 
-// The desktops' own settings, switched by their own tool and read back by the library.
+// The real settings of the desktops, changed with gsettings and read by the library.
 class TestThemeDesktops : public QObject
 {
     Q_OBJECT
@@ -75,7 +75,7 @@ private:
             texts << message.text;
         return texts;
     }
-    // What the library says now, with the last line that it wrote.
+    // The current result, with the source that decided.
     QString verdict()
     {
         m_messages.reset();
@@ -110,9 +110,9 @@ private Q_SLOTS:
         m_home.reset();
     }
 
-    void freshHomeIsLight() { QCOMPARE(verdict(), QStringLiteral("light by nothing")); }
+    void returnsLightForNewHome() { QCOMPARE(verdict(), QStringLiteral("light by nothing")); }
 
-    void gnomeIsSwitched()
+    void readsGnomeTheme()
     {
         if (!hasSchema(gnomeSchema))
             QSKIP("the schemas of GNOME are not installed");
@@ -125,7 +125,7 @@ private Q_SLOTS:
         QCOMPARE(ZyBase::getGnomeTheme(), 2);
     }
 
-    void gnomesColourSchemeIsSwitched()
+    void readsGnomeColorScheme()
     {
         if (run(QStringLiteral("gsettings"), {QStringLiteral("get"), gnomeSchema, colorScheme}).isEmpty())
             QSKIP("the schemas of GNOME 42 or later are not installed");
@@ -139,7 +139,7 @@ private Q_SLOTS:
         QCOMPARE(ZyBase::getGnomeTheme(), 2);
     }
 
-    void mateIsSwitched()
+    void readsMateTheme()
     {
         if (!hasSchema(mateSchema))
             QSKIP("the schemas of MATE are not installed");
@@ -150,7 +150,7 @@ private Q_SLOTS:
         QCOMPARE(verdict(), QStringLiteral("light by MATE settings"));
     }
 
-    void ukuiIsSwitched()
+    void readsUkuiStyle()
     {
         if (!hasSchema(ukuiSchema))
             QSKIP("the schemas of UKUI are not installed");
@@ -161,16 +161,16 @@ private Q_SLOTS:
         QCOMPARE(verdict(), QStringLiteral("light by UKUI GSettings"));
     }
 
-    void laterUkuiIsSwitched()
+    void readsLaterUkuiSettings()
     {
         const QString compiler = QStringLiteral(ZYBASE_SCHEMA_COMPILER);
         if (!QFile::exists(compiler))
             QSKIP("glib-compile-schemas is not installed");
-        const QString folder = m_home->filePath(QStringLiteral("schemas"));
-        QVERIFY(QDir().mkpath(folder));
-        QVERIFY(writeFile(folder + QStringLiteral("/ukui.gschema.xml"), laterUkui));
-        QCOMPARE(QProcess::execute(compiler, {folder}), 0);
-        qputenv("GSETTINGS_SCHEMA_DIR", QFile::encodeName(folder));
+        const QString directory = m_home->filePath(QStringLiteral("schemas"));
+        QVERIFY(QDir().mkpath(directory));
+        QVERIFY(writeFile(directory + QStringLiteral("/ukui.gschema.xml"), laterUkui));
+        QCOMPARE(QProcess::execute(compiler, {directory}), 0);
+        qputenv("GSETTINGS_SCHEMA_DIR", QFile::encodeName(directory));
 
         QCOMPARE(verdict(), QStringLiteral("light by nothing"));
         set(ukuiPanelSchema, QStringLiteral("theme"), QStringLiteral("custom-Dark"));
@@ -183,7 +183,7 @@ private Q_SLOTS:
         QCOMPARE(verdict(), QStringLiteral("dark by UKUI GSettings"));
     }
 
-    void filesOfKdeAndGtkAreSwitchedBesideTheRealTool()
+    void readsKdeAndGtkFilesWithRealTool()
     {
         const QString config = m_home->filePath(QStringLiteral(".config"));
         QVERIFY(writeFile(config + QStringLiteral("/plasmarc"), "[Theme]\nname=breeze-dark\n"));

@@ -2,49 +2,17 @@
 
 #pragma once
 
-#include "Sandbox.h"
+#include "ChildProcess.h"
 
-#include <QElapsedTimer>
-#include <QProcess>
-#include <QStringList>
-
-/** A recipe's program as a user runs it, without any proxy or local services but those of the test. */
-class RecipeProcess
+/** A recipe's program, whose environment contains no proxy and no local services. */
+class RecipeProcess : public ChildProcess
 {
 public:
     explicit RecipeProcess(const QString &recipe);
-    ~RecipeProcess();
 
-    /** These are to be called before start(). */
-    void setEnvironment(const QString &variable, const QString &value);
-    void setSandbox(const Sandbox &sandbox) { m_sandbox = sandbox; }
+    /** Writes a line to the program's input. */
+    void write(const QString &line) { ChildProcess::write(line.toUtf8() + '\n'); }
 
-    bool start(const QStringList &arguments = {});
-
-    void write(const QString &line);
-    void closeInput() { m_process.closeWriteChannel(); }
-
-    /** Lets events of the test be delivered meanwhile. */
-    bool waitForLine(const QString &line);
-
-    /** Waits for its end; @return the exit code, -1 for a crash or when it hangs */
-    int finish();
-
-    /** From start() to finish(), in milliseconds. */
-    qint64 duration() const { return m_duration; }
-
-    /** What it has printed so far. */
-    QStringList lines();
-    QString standardError() { return QString::fromUtf8(m_process.readAllStandardError()); }
-
-private:
-    Q_DISABLE_COPY(RecipeProcess)
-
-    const QString m_program;
-    Sandbox m_sandbox;
-    QProcess m_process;
-    QProcessEnvironment m_environment;
-    QByteArray m_output;
-    QElapsedTimer m_timer;
-    qint64 m_duration = 0;
+    qint64 duration() const { return durationMs(); }
+    QString standardError() { return QString::fromUtf8(ChildProcess::standardError()); }
 };

@@ -2,29 +2,23 @@
 
 #pragma once
 
-#include "Sandbox.h"
+#include "ChildProcess.h"
 
-#include <QProcess>
-#include <QStringList>
-
-/** A recipe's program, run to its end as a user runs it. */
+/** The result of a recipe's program that was run to its end. */
 struct RecipeRun
 {
-    int exitCode = -1; ///< -1 for a crash, and for a run that hangs
-    QStringList lines; ///< of the standard output
+    int exitCode = -1; ///< -1 after a crash or a timeout
+    QStringList lines; ///< of the standard output, without empty ones
     QString standardError;
 
     explicit RecipeRun(const QStringList &command, const Sandbox &sandbox = Sandbox())
     {
-        constexpr int patience = 120000;
-        QStringList arguments = sandbox.commandLine(command);
-        const QString program = arguments.takeFirst();
-        QProcess process;
-        process.start(program, arguments);
-        if (process.waitForFinished(patience) && process.exitStatus() == QProcess::NormalExit)
-            exitCode = process.exitCode();
-        lines = QString::fromUtf8(process.readAllStandardOutput()).split(QLatin1Char('\n'));
+        ChildProcess process(command);
+        process.setSandbox(sandbox);
+        process.start();
+        exitCode = process.finish();
+        lines = QString::fromUtf8(process.standardOutput()).split(QLatin1Char('\n'));
         lines.removeAll(QString());
-        standardError = QString::fromUtf8(process.readAllStandardError());
+        standardError = QString::fromUtf8(process.standardError());
     }
 };

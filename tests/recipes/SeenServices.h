@@ -4,40 +4,38 @@
 
 #include "RecipeProcess.h"
 
-#include <ZyBase/analytics/SigningSecret.h>
-
-#include <localservices/GaCollector.h>
-#include <localservices/Proxy.h>
-#include <localservices/StatisticsBackend.h>
+#include <localservices/FakeNetwork.h>
 
 #include <QTemporaryDir>
 
-/** The local services of a developer, with what they received, and the file that leads a host to them. */
+/** A network for recipes. It records their events and records. */
 class SeenServices
 {
 public:
-    SeenServices();
+    SeenServices()
+    {
+        m_network.routeAll(m_network.collector().url());
+        m_addresses.page = QUrl(QStringLiteral("http://127.0.0.1:1/page"));
+    }
 
-    /** Records go there in the place of the backend. */
-    void setStatistics(const QUrl &url);
+    /** Makes recipes send their records to this address. */
+    void setStatistics(const QUrl &url) { m_addresses.statistics = url; }
 
-    void leadThere(RecipeProcess *recipe) const;
+    /** Makes the recipe, which is not started yet, use this network. */
+    void leadThere(RecipeProcess *recipe) const
+    {
+        recipe->setEnvironment(QStringLiteral("LOCAL_SERVICES"),
+                               m_network.writeDescription(m_directory.path(), m_addresses));
+    }
 
-    LocalServices::GaCollector &collector() { return m_collector; }
-    LocalServices::StatisticsBackend &backend() { return m_backend; }
+    const LocalServices::GaCollector &collector() const { return m_network.collector(); }
+    const LocalServices::StatisticsBackend &backend() const { return m_network.statistics(); }
 
-    /** All that arrived, good or bad; records don't come through the proxy. */
-    int requests() const { return m_proxy.requestLines().size() + m_backend.records().size(); }
+    /** The number of requests so far, also invalid ones. Records are not sent through the proxy. */
+    int requests() const { return m_network.requestLines().size() + backend().records().size(); }
 
 private:
-    Q_DISABLE_COPY(SeenServices)
-    void describe();
-    QString description() const { return m_directory.filePath(QStringLiteral("services.json")); }
-
-    QTemporaryDir m_directory;
-    QUrl m_statistics;
-    LocalServices::Authority m_authority;
-    LocalServices::GaCollector m_collector;
-    LocalServices::StatisticsBackend m_backend;
-    LocalServices::Proxy m_proxy;
+    const QTemporaryDir m_directory;
+    LocalServices::FakeNetwork m_network;
+    LocalServices::FakeNetwork::Addresses m_addresses;
 };

@@ -13,35 +13,35 @@ class TestBlockingCallsAndTheInterface : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void secondClickIsHeldOff_data()
+    void preventsSecondRequest_data()
     {
-        QTest::addColumn<QString>("way");
+        QTest::addColumn<QString>("action");
         QTest::addColumn<QStringList>("lines");
         const QString first = QStringLiteral("Running: 1");
         const QString second = QStringLiteral("Running: 2");
-        const QString answer = QStringLiteral("Answered by 1000 bytes");
-        const QString isOver = QStringLiteral("The click is over");
-        // Without care the second request runs inside the first one's call, which ends last.
-        QTest::newRow("not without care")
-            << QStringLiteral("plain") << QStringList {first, second, answer, isOver, answer, isOver};
-        QTest::newRow("with the button disabled")
-            << QStringLiteral("disabling") << QStringList {first, isOver, answer, isOver};
-        QTest::newRow("with the call in a thread")
-            << QStringLiteral("thread") << QStringList {first, isOver, isOver, answer};
+        const QString answer = QStringLiteral("Answered with 1000 bytes");
+        const QString isHandled = QStringLiteral("The click is handled");
+        // Without care the second call runs inside the first call, which ends last.
+        QTest::newRow("without care: two requests")
+            << QStringLiteral("plain") << QStringList {first, second, answer, isHandled, answer, isHandled};
+        QTest::newRow("button disabled: one request")
+            << QStringLiteral("disabling") << QStringList {first, isHandled, answer, isHandled};
+        QTest::newRow("call in a thread: one request")
+            << QStringLiteral("thread") << QStringList {first, isHandled, isHandled, answer};
     }
-    void secondClickIsHeldOff()
+    void preventsSecondRequest()
     {
-        QFETCH(QString, way);
+        QFETCH(QString, action);
         QFETCH(QStringList, lines);
         const HttpServer server;
         RecipeProcess recipe(QStringLiteral("blocking-calls-and-the-interface"));
-        QVERIFY(recipe.start({server.url(QStringLiteral("/bytes/1000?rate=1000")).toString(), way}));
+        QVERIFY(recipe.start({server.url(QStringLiteral("/bytes/1000?rate=1000")).toString(), action}));
         QCOMPARE(recipe.finish(), 0);
         QCOMPARE(recipe.lines(), lines);
         QCOMPARE(server.requests().size(), lines.filter(QStringLiteral("Running")).size());
     }
 
-    void windowMayBeClosedMeanwhile()
+    void allowsClosingWindowDuringCall()
     {
         const HttpServer server;
         RecipeProcess recipe(QStringLiteral("blocking-calls-and-the-interface"));

@@ -11,26 +11,27 @@
 
 namespace {
 
-// An entry whose sizes are lies: "size" bytes where the archive holds three.
-constexpr const char *liar = R"(
+// Makes an archive whose entry states a wrong size: the second argument instead of three bytes.
+constexpr const char *wrongSizeScript = R"(
 import sys, zipfile, struct
 with zipfile.ZipFile(sys.argv[1], 'w') as archive:
-    archive.writestr('liar', 'abc')
+    archive.writestr('entry', 'abc')
 data = bytearray(open(sys.argv[1], 'rb').read())
-for mark, place in ((b'PK\3\4', 22), (b'PK\1\2', 24)):
-    struct.pack_into('<I', data, data.index(mark) + place, int(sys.argv[2]))
+for mark, offset in ((b'PK\3\4', 22), (b'PK\1\2', 24)):
+    struct.pack_into('<I', data, data.index(mark) + offset, int(sys.argv[2]))
 open(sys.argv[1], 'wb').write(data)
 )";
 
-constexpr const char *bomb = R"(
+// Makes an archive with as many entries of one MiB of zeros as the second argument states.
+constexpr const char *zerosScript = R"(
 import sys, zipfile
 with zipfile.ZipFile(sys.argv[1], 'w', zipfile.ZIP_DEFLATED) as archive:
     for i in range(int(sys.argv[2])):
         archive.writestr('zeros%d' % i, bytes(1 << 20))
 )";
 
-// Turns a bit in the content of the last entry.
-constexpr const char *spoil = R"(
+// Changes one bit in the content of the last entry.
+constexpr const char *damageScript = R"(
 import sys, zipfile
 data = bytearray(open(sys.argv[1], 'rb').read())
 data[data.rindex(b'content')] ^= 1
@@ -41,7 +42,6 @@ open(sys.argv[1], 'wb').write(data)
 
 Q_DECLARE_METATYPE(ArchiveEntry)
 
-// Archives from elsewhere, handed to the recipe's host.
 class TestCheckingAnArchive : public QObject
 {
     Q_OBJECT
@@ -54,8 +54,8 @@ private:
         return RecipeRun({QStringLiteral(RECIPE), path("archive.zip"), path("new/target")}, sandbox);
     }
 
-    // Refused for this reason, and nothing is written anywhere.
-    void expectRefusal(const QString &reason) const
+    // Verifies that the archive is refused and nothing is written.
+    void verifyRefusal(const QString &reason) const
     {
         const QStringList before =
             QDir(m_directory->path()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries);
@@ -81,7 +81,7 @@ private Q_SLOTS:
         QVERIFY(QDir().mkdir(path("new")));
     }
 
-    void goodArchiveIsExtracted()
+    void extractsGoodArchive()
     {
         QVERIFY(
             makeArchive(path("archive.zip"), {{"a.txt", "A"}, {"d/", ""}, {"d/e/..f", "F"}, {"empty", ""}}));
@@ -93,130 +93,141 @@ private Q_SLOTS:
         QVERIFY(QFile::exists(path("new/target/empty")));
     }
 
-    void entryThatLeavesTheDirectoryIsRefused_data()
+    void rejectsEntryOutsideDirectory_data()
     {
         QTest::addColumn<QByteArray>("name");
-        QTest::newRow("above") << QByteArray("../x");
-        QTest::newRow("far above") << QByteArray("../../../x");
+        QTest::newRow("parent directory") << QByteArray("../x");
+        QTest::newRow("three directories up") << QByteArray("../../../x");
         QTest::newRow("down and up again") << QByteArray("a/../../x");
-        QTest::newRow("the directory above") << QByteArray("../");
-        QTest::newRow("the one above as a file") << QByteArray("..");
-        QTest::newRow("absolute") << QByteArray("/tmp/x");
-        QTest::newRow("absolute with two slashes") << QByteArray("//tmp/x");
+        QTest::newRow("parent directory as an entry") << QByteArray("../");
+        QTest::newRow("parent directory as a file") << QByteArray("..");
+        QTest::newRow("absolute path") << QByteArray("/tmp/x");
+        QTest::newRow("absolute path with two slashes") << QByteArray("//tmp/x");
     }
-    void entryThatLeavesTheDirectoryIsRefused()
+    void rejectsEntryOutsideDirectory()
     {
         QFETCH(QByteArray, name);
         QVERIFY(makeArchive(path("archive.zip"), {{"good.txt", "good"}, {name, "bad"}}));
-        expectRefusal(QString::fromUtf8(name) + utf8(": it would be written outside the directory"));
+        verifyRefusal(QString::fromUtf8(name) + utf8(": it would be written outside the directory"));
     }
 
-    void linkIsRefused()
+    void rejectsSymbolicLink()
     {
         QVERIFY(QFile::link(utf8("/etc/passwd"), path("link")));
         if (!runTool(utf8("zip"), {utf8("-q"), utf8("-y"), utf8("archive.zip"), utf8("link")},
                      m_directory->path()))
             QSKIP("Info-ZIP is not installed");
-        expectRefusal(utf8("link: it is a link"));
+        verifyRefusal(utf8("link: it is a symbolic link"));
     }
 
-    void encryptedEntryIsRefused()
+    void rejectsEncryptedEntry()
     {
         QVERIFY(writeFile(path("a.txt"), "hello"));
         if (!runTool(utf8("zip"),
                      {utf8("-q"), utf8("-P"), utf8("secret"), utf8("archive.zip"), utf8("a.txt")},
                      m_directory->path()))
             QSKIP("Info-ZIP is not installed");
-        expectRefusal(utf8("a.txt: it is encrypted"));
+        verifyRefusal(utf8("a.txt: it is encrypted"));
     }
 
-    void fileThatIsNoArchiveIsRefused()
+    void rejectsFileThatIsNoArchive()
     {
         QVERIFY(writeFile(path("archive.zip"), "no archive"));
-        expectRefusal(utf8("It is no archive."));
+        verifyRefusal(utf8("It is not an archive."));
     }
 
-    void entryOf2GibibytesIsRefused()
+    void rejectsEntryOfTwoGibibytes()
     {
-        QVERIFY(runPython(liar, {path("archive.zip"), QString::number(1U << 31U)}));
-        expectRefusal(utf8("liar: it is too large"));
+        QVERIFY(runPython(wrongSizeScript, {path("archive.zip"), QString::number(1U << 31U)}));
+        verifyRefusal(utf8("entry: it is too large"));
     }
 
-    // Half of a disk of 8 MiB takes three of these entries of one MiB and not five, packed in 5 kB.
-    void whatTheDiskHasNoRoomForIsRefused_data()
+    // Half of a disk of 9 MiB has space for three entries of one MiB, but not for six.
+    void rejectsArchiveLargerThanHalfOfFreeSpace_data()
     {
         QTest::addColumn<int>("entries");
+        QTest::addColumn<bool>("hasMountTable"); // QStorageInfo reads it
         QTest::addColumn<QString>("line");
-        QTest::newRow("fits") << 3 << "extracted";
-        QTest::newRow("together too much") << 6 << "refused: zeros4: there is no room for it";
+        const QString extracted = utf8("extracted");
+        const QString refused = utf8("refused: zeros4: there is not enough space for it");
+        QTest::newRow("small enough") << 3 << true << extracted;
+        QTest::newRow("together too large") << 6 << true << refused;
+        QTest::newRow("small enough, without a mount table") << 3 << false << extracted;
+        QTest::newRow("together too large, without a mount table") << 6 << false << refused;
     }
-    void whatTheDiskHasNoRoomForIsRefused()
+    void rejectsArchiveLargerThanHalfOfFreeSpace()
     {
         QFETCH(int, entries);
+        QFETCH(bool, hasMountTable);
         QFETCH(QString, line);
         if (!Sandbox::hasSizedFileSystems())
             QSKIP("no sandbox with a sized file system can be made here");
-        QVERIFY(runPython(bomb, {path("archive.zip"), QString::number(entries)}));
+        QVERIFY(runPython(zerosScript, {path("archive.zip"), QString::number(entries)}));
         QVERIFY(QFileInfo(path("archive.zip")).size() < 10000);
+        QVERIFY(QDir().mkdir(path("no mounts")));
         Sandbox sandbox;
         sandbox.sizedFileSystem(path("new"), 9 << 20);
+        if (!hasMountTable)
+            sandbox.replace(utf8("/proc"), path("no mounts"));
         QCOMPARE(extract(sandbox).lines, QStringList {line});
     }
 
-    void directoryThatIsThereAlreadyIsRefused()
+    void rejectsExistingDirectory()
     {
         QVERIFY(makeArchive(path("archive.zip"), {{"link/a.txt", "A"}}));
         QVERIFY(QDir().mkpath(path("new/target")));
         QVERIFY(QDir().mkpath(path("elsewhere")));
         QVERIFY(QFile::link(path("elsewhere"), path("new/target/link")));
         const RecipeRun run = extract();
-        QCOMPARE(run.lines, QStringList {utf8("refused: The directory is there already or can't be made.")});
+        QCOMPARE(run.lines,
+                 QStringList {utf8("refused: The directory exists already or cannot be created.")});
         QVERIFY(QDir(path("elsewhere")).isEmpty());
     }
 
-    void whatDidNotComeOutWholeIsTold_data()
+    void reportsIncompleteEntry_data()
     {
         QTest::addColumn<QList<ArchiveEntry>>("entries");
-        QTest::addColumn<bool>("isSpoilt");
+        QTest::addColumn<bool>("isDamaged");
         QTest::addColumn<QString>("entry");
-        QTest::newRow("a wrong check sum")
-            << QList<ArchiveEntry> {{"a", "A"}, {"b", "content"}} << true << "b";
-        QTest::newRow("two of one name") << QList<ArchiveEntry> {{"a", "A"}, {"a", "B"}} << false << "a";
-        QTest::newRow("a file in the place of a directory")
+        QTest::newRow("wrong check sum") << QList<ArchiveEntry> {{"a", "A"}, {"b", "content"}} << true << "b";
+        QTest::newRow("two entries with one name")
+            << QList<ArchiveEntry> {{"a", "A"}, {"a", "B"}} << false << "a";
+        QTest::newRow("file with the name of a directory")
             << QList<ArchiveEntry> {{"a", "A"}, {"a/b", "B"}} << false << "a/b";
     }
-    void whatDidNotComeOutWholeIsTold()
+    void reportsIncompleteEntry()
     {
         QFETCH(QList<ArchiveEntry>, entries);
-        QFETCH(bool, isSpoilt);
+        QFETCH(bool, isDamaged);
         QFETCH(QString, entry);
         QVERIFY(makeArchive(path("archive.zip"), entries));
-        if (isSpoilt)
-            QVERIFY(runPython(spoil, {path("archive.zip")}));
+        if (isDamaged)
+            QVERIFY(runPython(damageScript, {path("archive.zip")}));
         const RecipeRun run = extract();
-        QCOMPARE(run.lines, QStringList {utf8("refused: ") + entry + utf8(": it did not come out whole")});
+        QCOMPARE(run.lines,
+                 QStringList {utf8("refused: ") + entry + utf8(": it was not extracted completely")});
         QCOMPARE(run.exitCode, 1);
     }
 
-    // The size that an archive states bounds what is written, so it is the one to add up.
-    void entryThatStatesLessThanItHoldsIsCutOff()
+    // So the sum of the stated sizes limits what is written.
+    void writesNoMoreThanTheStatedSize()
     {
-        QVERIFY(runPython(liar, {path("archive.zip"), utf8("1")}));
+        QVERIFY(runPython(wrongSizeScript, {path("archive.zip"), utf8("1")}));
         QCOMPARE(extract().exitCode, 1);
-        QVERIFY(readFile(path("new/target/liar")).size() <= 1);
+        QVERIFY(readFile(path("new/target/entry")).size() <= 1);
     }
 
-    void namesComeOutAsTheirWriterSawThem_data()
+    void decodesNames_data()
     {
         QTest::addColumn<QByteArray>("name");
         QTest::addColumn<QString>("file");
         QTest::newRow("GBK") << QByteArray("\xce\xc4\xbc\xfe/\xb1\xa8\xb8\xe6.txt") << "文件/报告.txt";
         QTest::newRow("GBK with a backslash as its second byte")
             << QByteArray("\x81\x5c/a") << utf8("\xe4\xb9\x97/a");
-        QTest::newRow("UTF-8 that is marked") << QByteArray("文件/报告.txt") << "文件/报告.txt";
+        QTest::newRow("marked UTF-8") << QByteArray("文件/报告.txt") << "文件/报告.txt";
         QTest::newRow("ASCII") << QByteArray("a/b.txt") << "a/b.txt";
     }
-    void namesComeOutAsTheirWriterSawThem()
+    void decodesNames()
     {
         QFETCH(QByteArray, name);
         QFETCH(QString, file);
@@ -229,7 +240,7 @@ private Q_SLOTS:
         }
     }
 
-    void unmarkedUtf8IsNotTakenForGbk()
+    void decodesUnmarkedUtf8()
     {
         const char *script = R"(
 import sys, zipfile

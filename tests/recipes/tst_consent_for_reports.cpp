@@ -7,12 +7,16 @@
 #include <localservices/HttpServer.h>
 
 #include <QDirIterator>
+#include <QElapsedTimer>
 #include <QTest>
 
 using LocalServices::HttpServer;
 
 namespace {
 
+constexpr int timeoutMs = 60000;
+constexpr int afterLastStopMs = 1000; // the recipe repeats its stops for half of this time
+constexpr int stopTimeoutMs = 6000; // less than the time limit of a request
 const QString allowed = QStringLiteral("Reports are sent");
 const QString forbidden = QStringLiteral("No reports are sent");
 const QString reported = QStringLiteral("Something to report");
@@ -24,18 +28,30 @@ class TestConsentForReports : public QObject
     Q_OBJECT
 
 private:
-    // The host does what it is told, and then that it has.
-    static bool tell(RecipeProcess &recipe, const QString &command, const QString &answer)
+    // Sends the command and waits for the line that the recipe prints for it.
+    static bool execute(RecipeProcess &recipe, const QString &command, const QString &line)
     {
         const int before = recipe.lines().size();
         recipe.write(command);
-        return QTest::qWaitFor([&] { return recipe.lines().size() > before; }, 60000)
-               && recipe.lines().at(before) == answer;
+        return QTest::qWaitFor([&] { return recipe.lines().size() > before; }, timeoutMs)
+               && recipe.lines().at(before) == line;
     }
-    static bool report(RecipeProcess &recipe) { return tell(recipe, QStringLiteral("report"), reported); }
-    static bool allow(RecipeProcess &recipe) { return tell(recipe, QStringLiteral("allow"), allowed); }
-    static bool forbid(RecipeProcess &recipe) { return tell(recipe, QStringLiteral("forbid"), forbidden); }
-    static int end(RecipeProcess &recipe)
+    static bool report(RecipeProcess &recipe) { return execute(recipe, QStringLiteral("report"), reported); }
+    static bool allow(RecipeProcess &recipe) { return execute(recipe, QStringLiteral("allow"), allowed); }
+    static bool forbid(RecipeProcess &recipe) { return execute(recipe, QStringLiteral("forbid"), forbidden); }
+    // Waits until no connection was open for this time. Returns false if there is always one.
+    static bool hasNoConnectionFor(const HttpServer &server, int timeMs)
+    {
+        QElapsedTimer timer;
+        timer.start();
+        const auto isClosedLongEnough = [&] {
+            if (server.openConnections() > 0)
+                timer.restart();
+            return timer.elapsed() >= timeMs;
+        };
+        return QTest::qWaitFor(isClosedLongEnough, stopTimeoutMs);
+    }
+    static int quit(RecipeProcess &recipe)
     {
         recipe.closeInput();
         return recipe.finish();
@@ -46,8 +62,11 @@ private:
         return recipe.start() && recipe.waitForLine(choice);
     }
 
-    int arrived() { return m_services.collector().events().size() + m_services.backend().records().size(); }
-    // Whether the identifier of this machine is on disk.
+    int arrivedReports()
+    {
+        return m_services.collector().events().size() + m_services.backend().records().size();
+    }
+    // Returns whether the identifier of this machine is stored.
     bool hasIdentifier() const
     {
         QDirIterator files(m_home->path(), {QStringLiteral("device.conf")}, QDir::Files | QDir::Hidden,
@@ -62,27 +81,27 @@ private Q_SLOTS:
     void init() { m_home = std::make_unique<TemporaryHome>(); }
     void cleanup() { m_home.reset(); }
 
-    void nothingIsSentOrMadeBeforeConsent()
+    void sendsNothingBeforeConsent()
     {
         RecipeProcess recipe(QStringLiteral("consent-for-reports"));
         const int before = m_services.requests();
         QVERIFY(start(recipe, forbidden));
         for (int i = 0; i < 3; ++i)
             QVERIFY(report(recipe));
-        QCOMPARE(end(recipe), 0);
-        QCOMPARE(m_services.requests(), before); // its threads are gone with it
+        QCOMPARE(quit(recipe), 0);
+        QCOMPARE(m_services.requests(), before); // the recipe has ended, so nothing can follow
         QVERIFY(!hasIdentifier());
     }
 
-    void consentHoldsAtOnceAndWithdrawalToo()
+    void appliesChoiceAtOnce()
     {
         RecipeProcess recipe(QStringLiteral("consent-for-reports"));
-        const int before = arrived();
+        const int before = arrivedReports();
         QVERIFY(start(recipe, forbidden));
         QVERIFY(allow(recipe));
-        QVERIFY(!hasIdentifier()); // there was nothing to report
+        QVERIFY(!hasIdentifier()); // there was no report yet
         QVERIFY(report(recipe));
-        QTRY_COMPARE(arrived(), before + 2);
+        QTRY_COMPARE(arrivedReports(), before + 2);
         QVERIFY(hasIdentifier());
 
         QVERIFY(forbid(recipe));
@@ -91,8 +110,8 @@ private Q_SLOTS:
             QVERIFY(report(recipe));
         QVERIFY(allow(recipe));
         QVERIFY(report(recipe));
-        QTRY_COMPARE(arrived(), before + 4);
-        QCOMPARE(end(recipe), 0);
+        QTRY_COMPARE(arrivedReports(), before + 4);
+        QCOMPARE(quit(recipe), 0);
         QCOMPARE(m_services.requests(), requests + 2);
         for (const LocalServices::GaCollector::Event &event : m_services.collector().events())
             QCOMPARE(event.problems, QStringList());
@@ -100,36 +119,36 @@ private Q_SLOTS:
             QCOMPARE(record.problems, QStringList());
     }
 
-    void choiceIsKept()
+    void keepsChoiceForNextStart()
     {
         RecipeProcess first(QStringLiteral("consent-for-reports"));
         QVERIFY(start(first, forbidden));
         QVERIFY(allow(first));
-        QCOMPARE(end(first), 0);
+        QCOMPARE(quit(first), 0);
 
         RecipeProcess second(QStringLiteral("consent-for-reports"));
-        const int before = arrived();
+        const int before = arrivedReports();
         QVERIFY(start(second, allowed));
         QVERIFY(report(second));
-        QTRY_COMPARE(arrived(), before + 2);
+        QTRY_COMPARE(arrivedReports(), before + 2);
         QVERIFY(forbid(second));
-        QCOMPARE(end(second), 0);
+        QCOMPARE(quit(second), 0);
 
         RecipeProcess third(QStringLiteral("consent-for-reports"));
         const int requests = m_services.requests();
         QVERIFY(start(third, forbidden));
         QVERIFY(report(third));
-        QCOMPARE(end(third), 0);
+        QCOMPARE(quit(third), 0);
         QCOMPARE(m_services.requests(), requests);
     }
 
-    void withdrawalStopsWhatIsUnderWay_data()
+    void stopsRunningRequestsOnWithdrawal_data()
     {
         QTest::addColumn<bool>("isJustStarted");
-        QTest::newRow("a request that waits for its answer") << false;
-        QTest::newRow("a request that has only just started") << true;
+        QTest::newRow("request that waits for its answer") << false;
+        QTest::newRow("request that has just started") << true;
     }
-    void withdrawalStopsWhatIsUnderWay()
+    void stopsRunningRequestsOnWithdrawal()
     {
         QFETCH(bool, isJustStarted);
         const HttpServer silent;
@@ -138,7 +157,7 @@ private Q_SLOTS:
         QVERIFY(start(recipe, forbidden));
         QVERIFY(allow(recipe));
         if (isJustStarted) {
-            // The last ones are not listening yet when they are told to stop.
+            // The last requests have just started and miss the first stop.
             recipe.write(QStringLiteral("report\n").repeated(10) + QStringLiteral("forbid"));
         } else {
             QVERIFY(report(recipe));
@@ -146,12 +165,11 @@ private Q_SLOTS:
             recipe.write(QStringLiteral("forbid"));
         }
         QTRY_COMPARE(recipe.lines().count(forbidden), 2);
-        QTest::qWait(1000); // those that were missed are open then, and stay so for nine seconds
-        QTRY_COMPARE(silent.openConnections(), 0);
-        QCOMPARE(end(recipe), 0);
+        QVERIFY(hasNoConnectionFor(silent, afterLastStopMs)); // a missed request stays open for ten seconds
+        QCOMPARE(quit(recipe), 0);
     }
 
-    void withdrawalStopsNothingThatIsAllowedLater()
+    void keepsRequestsThatAreAllowedLater()
     {
         const HttpServer silent;
         m_services.setStatistics(silent.url(QStringLiteral("/never")));
@@ -159,18 +177,19 @@ private Q_SLOTS:
         QVERIFY(start(recipe, forbidden));
         recipe.write(QStringLiteral("allow\nreport\nforbid\nallow\nreport"));
         QTRY_VERIFY(silent.openConnections() > 0);
-        QVERIFY(!QTest::qWaitFor([&] { return silent.openConnections() == 0; }, 1500));
-        QCOMPARE(end(recipe), 0);
+        QVERIFY(!hasNoConnectionFor(silent, afterLastStopMs));
+        QCOMPARE(quit(recipe), 0);
     }
 
-    void choiceThatCanNotBeKeptIsTold()
+    void reportsChoiceThatCannotBeStored()
     {
         RecipeProcess recipe(QStringLiteral("consent-for-reports"));
-        recipe.setEnvironment(QStringLiteral("XDG_CONFIG_HOME"), QStringLiteral("/proc")); // for root as well
+        recipe.setEnvironment(QStringLiteral("XDG_CONFIG_HOME"),
+                              QStringLiteral("/proc")); // not even root can write there
         QVERIFY(start(recipe, forbidden));
         QVERIFY(allow(recipe));
-        QVERIFY(recipe.waitForLine(QStringLiteral("The choice can't be kept")));
-        QCOMPARE(end(recipe), 0);
+        QVERIFY(recipe.waitForLine(QStringLiteral("The choice cannot be stored")));
+        QCOMPARE(quit(recipe), 0);
     }
 };
 

@@ -17,7 +17,7 @@ using LocalServices::RawServer;
 
 namespace {
 
-QString redirect(const HttpServer &server, int status, const QString &target)
+QString redirectAddress(const HttpServer &server, int status, const QString &target)
 {
     return server
         .url(QStringLiteral("/redirect/%1?to=").arg(status)
@@ -25,7 +25,7 @@ QString redirect(const HttpServer &server, int status, const QString &target)
         .toString(QUrl::FullyEncoded);
 }
 
-QString text(const HttpServer &server, const QString &path)
+QString address(const HttpServer &server, const QString &path)
 {
     return server.url(path).toString();
 }
@@ -46,13 +46,13 @@ private:
         return code == exitCode ? recipe.lines() : QStringList {QStringLiteral("exit code %1").arg(code)};
     }
 
-    // Each redirection leads to the one before.
+    // Returns an address that redirects to the target in this number of steps.
     QString chain(int length, const QString &target) const
     {
-        QString address = target;
+        QString first = target;
         for (int i = 0; i < length; ++i)
-            address = redirect(*m_server, 302, address);
-        return address;
+            first = redirectAddress(*m_server, 302, first);
+        return first;
     }
 
     std::unique_ptr<HttpServer> m_server;
@@ -60,19 +60,20 @@ private:
 private Q_SLOTS:
     void init() { m_server = std::make_unique<HttpServer>(); }
 
-    void libraryLeavesItToTheHost()
+    void returnsRedirectAnswerOfLibrary()
     {
-        const QString address = redirect(*m_server, 302, text(*m_server, QStringLiteral("/echo")));
-        const QStringList lines = run({QStringLiteral("plainly"), address});
+        const QString plainAddress =
+            redirectAddress(*m_server, 302, address(*m_server, QStringLiteral("/echo")));
+        const QStringList lines = run({QStringLiteral("plainly"), plainAddress});
         QVERIFY2(lines.value(0).endsWith(QLatin1String(" answered 302")),
                  qPrintable(lines.join(QLatin1Char('\n'))));
         QCOMPARE(lines.value(1), QStringLiteral("moved"));
         QCOMPARE(m_server->requests().size(), 1);
     }
 
-    void operationFollowsTheStatus_data()
+    void choosesMethodByStatus_data()
     {
-        QTest::addColumn<QString>("what");
+        QTest::addColumn<QString>("action");
         QTest::addColumn<int>("status");
         QTest::addColumn<QByteArray>("method");
         for (const int status : {301, 302, 303, 307, 308}) {
@@ -81,13 +82,13 @@ private Q_SLOTS:
                 << QStringLiteral("post") << status << QByteArray(status < 307 ? "GET" : "POST");
         }
     }
-    void operationFollowsTheStatus()
+    void choosesMethodByStatus()
     {
-        QFETCH(QString, what);
+        QFETCH(QString, action);
         QFETCH(int, status);
         QFETCH(QByteArray, method);
-        const QString target = text(*m_server, QStringLiteral("/echo?hello"));
-        const QStringList lines = run({what, redirect(*m_server, status, target)});
+        const QString target = address(*m_server, QStringLiteral("/echo?hello"));
+        const QStringList lines = run({action, redirectAddress(*m_server, status, target)});
         const QByteArray body = method == "POST" ? "{\"item\":\"paper\"}" : "";
         QCOMPARE(lines,
                  QStringList({target + QStringLiteral(" answered 200"),
@@ -99,74 +100,75 @@ private Q_SLOTS:
                  QByteArray(method == "POST" ? "application/json" : QByteArray()));
     }
 
-    void targetMayBeRelative()
+    void followsRelativeTarget()
     {
-        QCOMPARE(
-            run({QStringLiteral("get"), redirect(*m_server, 302, QStringLiteral("/echo?here"))}).value(1),
-            QStringLiteral("/echo?here"));
+        QCOMPARE(run({QStringLiteral("get"), redirectAddress(*m_server, 302, QStringLiteral("/echo?here"))})
+                     .value(1),
+                 QStringLiteral("/echo?here"));
     }
 
-    void anyOtherAnswerIsGivenAsItIs()
+    void returnsOtherAnswersUnchanged()
     {
-        const QString address = text(*m_server, QStringLiteral("/status/404"));
-        QCOMPARE(run({QStringLiteral("get"), address}),
-                 QStringList({address + QStringLiteral(" answered 404"), QStringLiteral("status 404")}));
+        const QString missing = address(*m_server, QStringLiteral("/status/404"));
+        QCOMPARE(run({QStringLiteral("get"), missing}),
+                 QStringList({missing + QStringLiteral(" answered 404"), QStringLiteral("status 404")}));
     }
 
-    void fiveAreFollowedAndNoMore()
+    void followsFiveRedirectsAtMost()
     {
-        const QString target = text(*m_server, QStringLiteral("/echo?end"));
+        const QString target = address(*m_server, QStringLiteral("/echo?end"));
         QCOMPARE(run({QStringLiteral("get"), chain(5, target)}).value(1), QStringLiteral("/echo?end"));
         QCOMPARE(m_server->requests().size(), 6);
         m_server->forgetRequests();
         QCOMPARE(run({QStringLiteral("get"), chain(6, target)}, 1),
-                 QStringList {QStringLiteral("More than 5 redirections")});
+                 QStringList {QStringLiteral("There are more than 5 redirects")});
         QCOMPARE(m_server->requests().size(), 6);
     }
 
-    void otherSchemesAreNotFollowed()
+    void rejectsOtherSchemes()
     {
-        QCOMPARE(
-            run({QStringLiteral("get"), redirect(*m_server, 302, QStringLiteral("file:///etc/hostname"))}, 1),
-            QStringList {QStringLiteral("Not followed to file:///etc/hostname")});
+        QCOMPARE(run({QStringLiteral("get"),
+                      redirectAddress(*m_server, 302, QStringLiteral("file:///etc/hostname"))},
+                     1),
+                 QStringList {QStringLiteral("The redirect to file:///etc/hostname is not followed")});
     }
 
-    void httpsIsFollowedToHttpsAndNeverToHttp()
+    void followsHttpsOnlyToHttps()
     {
         if (!Sandbox::isAvailable())
-            QSKIP("no sandbox can be had here");
+            QSKIP("no sandbox can be created here");
         const Authority authority;
         const HttpServer secure(authority.issue(QStringLiteral("127.0.0.1")));
-        const QTemporaryDir certificates; // what this machine trusts
+        const QTemporaryDir certificates; // replaces the certificates that this machine trusts
         QVERIFY(writeFile(certificates.filePath(QStringLiteral("authority.pem")), authority.certificate()));
         Sandbox sandbox;
         sandbox.replace(QStringLiteral("/etc/ssl/certs"), certificates.path());
 
-        const QString plain = text(*m_server, QStringLiteral("/echo"));
-        QCOMPARE(run({QStringLiteral("get"), redirect(secure, 302, plain)}, 1, sandbox),
-                 QStringList {QStringLiteral("Not followed to ") + plain});
+        const QString plain = address(*m_server, QStringLiteral("/echo"));
+        QCOMPARE(run({QStringLiteral("get"), redirectAddress(secure, 302, plain)}, 1, sandbox),
+                 QStringList {QStringLiteral("The redirect to %1 is not followed").arg(plain)});
         QCOMPARE(m_server->requests().size(), 0);
 
-        const QString target = text(secure, QStringLiteral("/echo?safe"));
-        QCOMPARE(run({QStringLiteral("get"), redirect(secure, 302, target)}, 0, sandbox).value(1),
+        const QString target = address(secure, QStringLiteral("/echo?safe"));
+        QCOMPARE(run({QStringLiteral("get"), redirectAddress(secure, 302, target)}, 0, sandbox).value(1),
                  QStringLiteral("/echo?safe"));
-        QCOMPARE(run({QStringLiteral("get"), redirect(*m_server, 302, target)}, 0, sandbox).value(1),
+        QCOMPARE(run({QStringLiteral("get"), redirectAddress(*m_server, 302, target)}, 0, sandbox).value(1),
                  QStringLiteral("/echo?safe"));
     }
 
-    void certificatesAreChecked()
+    void rejectsUntrustedCertificate()
     {
         const HttpServer secure(Authority::selfSigned(QStringLiteral("127.0.0.1")));
-        run({QStringLiteral("get"), text(secure, QStringLiteral("/echo"))}, 1);
+        run({QStringLiteral("get"), address(secure, QStringLiteral("/echo"))}, 1);
         QVERIFY(secure.requests().isEmpty());
     }
 
-    void downloadFindsItsFile()
+    void downloadsFileAfterRedirect()
     {
         const QTemporaryDir directory;
-        const QString target = text(*m_server, QStringLiteral("/bytes/5000/a.bin"));
+        const QString target = address(*m_server, QStringLiteral("/bytes/5000/a.bin"));
         const QStringList lines =
-            run({QStringLiteral("download"), redirect(*m_server, 302, target), directory.path()});
+            run({QStringLiteral("download"), redirectAddress(*m_server, 302, target), directory.path()});
         const QString path = directory.filePath(QStringLiteral("a.bin"));
         QVERIFY2(lines.contains(QStringLiteral("The file is ") + path),
                  qPrintable(lines.join(QLatin1Char('\n'))));
@@ -174,9 +176,9 @@ private Q_SLOTS:
         QCOMPARE(m_server->requests().first().method, QByteArray("HEAD"));
     }
 
-    void allTogetherTakesTenSecondsAtMost()
+    void endsAfterTenSeconds()
     {
-        const QByteArray target = text(*m_server, QStringLiteral("/never")).toUtf8();
+        const QByteArray target = address(*m_server, QStringLiteral("/never")).toUtf8();
         RawServer slow([target](Connection &client) {
             client.sleep(6000);
             client.write("HTTP/1.1 302 Found\r\nLocation: " + target + "\r\nContent-Length: 0\r\n\r\n");
@@ -184,7 +186,7 @@ private Q_SLOTS:
         RecipeProcess recipe(QStringLiteral("following-a-redirect"));
         QVERIFY(recipe.start({QStringLiteral("get"), slow.url().toString()}));
         QCOMPARE(recipe.finish(), 1);
-        QCOMPARE(recipe.lines(), QStringList {QStringLiteral("No answer within ten seconds")});
+        QCOMPARE(recipe.lines(), QStringList {QStringLiteral("There was no answer within ten seconds")});
         QCOMPARE(m_server->requests().size(), 1);
         QVERIFY2(recipe.duration() > 9000 && recipe.duration() < 15000,
                  qPrintable(QString::number(recipe.duration())));

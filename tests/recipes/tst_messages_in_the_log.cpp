@@ -27,7 +27,7 @@
 
 namespace {
 
-// Without the time, which is 24 characters wide.
+// Returns the lines without the time, which has 24 characters.
 QStringList linesOf(const QString &path)
 {
     QStringList lines;
@@ -37,18 +37,18 @@ QStringList linesOf(const QString &path)
     return lines;
 }
 
-std::atomic<int> s_passedOn {0};
+std::atomic<int> handledMessages {0};
 
 void countMessage(QtMsgType, const QMessageLogContext &, const QString &)
 {
-    ++s_passedOn;
+    ++handledMessages;
 }
 
-// A host's own appender that has something to say itself.
-class TalkingAppender : public Log4Qt::AppenderSkeleton
+// An appender that sends a message itself.
+class SendingAppender : public Log4Qt::AppenderSkeleton
 {
 public:
-    TalkingAppender() { activateOptions(); }
+    SendingAppender() { activateOptions(); }
     bool requiresLayout() const override { return false; }
 
 protected:
@@ -67,35 +67,40 @@ private:
     std::unique_ptr<QTemporaryDir> m_directory;
 
 private Q_SLOTS:
-    void init() { m_directory = std::make_unique<QTemporaryDir>(); }
-
-    void logHoldsWhatWasSaidUntilItIsClosed()
+    void init()
     {
-        const RecipeRun run({QStringLiteral(RECIPE), m_directory->path()});
-        QCOMPARE(run.exitCode, 0);
-        const QStringList expected {
-            utf8("INFO   - example.host: before the log is open"),
-            utf8("ERROR  - ZIP 文件不存在： \"%1/missing.zip\"").arg(m_directory->path()),
-            utf8("WARN   - example.host: from a thread"),
-            utf8("    in two lines"),
-        };
-        QCOMPARE(linesOf(logPath()), expected);
+        m_directory = std::make_unique<QTemporaryDir>();
+        qputenv("XDG_DATA_HOME", QFile::encodeName(m_directory->path())); // for the recipe
     }
 
-    void terminalStillShowsAllMessages()
+    void logsMessagesUntilClosed()
+    {
+        const QString base = m_directory->filePath(utf8("example/messages"));
+        const RecipeRun run({QStringLiteral(RECIPE)});
+        QCOMPARE(run.exitCode, 0);
+        const QStringList expected {
+            utf8("INFO   - example.application: before the log is open"),
+            utf8("ERROR  - ZIP 文件不存在： \"%1/missing.zip\"").arg(base),
+            utf8("WARN   - example.application: from a thread"),
+            utf8("    in two lines"),
+        };
+        QCOMPARE(linesOf(base + utf8("/log/messages.log")), expected);
+    }
+
+    void keepsMessagesOnStandardError()
     {
         qputenv("LC_ALL", "C.UTF-8");
-        const RecipeRun run({QStringLiteral(RECIPE), m_directory->path()});
+        const RecipeRun run({QStringLiteral(RECIPE)});
         for (const char *part : {"before the log is open", "ZIP 文件不存在", "from a thread\nin two lines",
                                  "never in the file", "after the log is closed"})
             QCOMPARE(run.standardError.count(utf8(part)), 1);
         QVERIFY(run.standardError.contains(utf8("Problem opening save file")));
     }
 
-    void fatalMessageIsTheLastLine()
+    void logsFatalMessage()
     {
-        const pid_t host = fork();
-        if (host == 0) {
+        const pid_t child = fork();
+        if (child == 0) {
             constexpr rlimit none {0, 0};
             setrlimit(RLIMIT_CORE, &none);
             std::signal(SIGABRT, SIG_DFL);
@@ -105,12 +110,12 @@ private Q_SLOTS:
             qFatal("the end");
         }
         int status = 0;
-        QCOMPARE(waitpid(host, &status, 0), host);
+        QCOMPARE(waitpid(child, &status, 0), child);
         QVERIFY(WIFSIGNALED(status));
         QCOMPARE(linesOf(logPath()), QStringList {utf8("ERROR  - the end")});
     }
 
-    void levelsAreThoseOfTheLog()
+    void logsLevelsAndCategories()
     {
         const QtMessageHandler previous = qInstallMessageHandler(countMessage);
         captureMessages();
@@ -128,58 +133,58 @@ private Q_SLOTS:
         QCOMPARE(linesOf(logPath()), expected);
     }
 
-    void formerHandlerIsBackAfterwards()
+    void restoresPreviousHandler()
     {
-        s_passedOn = 0;
+        handledMessages = 0;
         const QtMessageHandler previous = qInstallMessageHandler(countMessage);
         captureMessages();
         openLog(utf8("host.log"), m_directory->path());
-        qInfo("logged and passed on");
+        qInfo("logged and handled");
         closeLog();
-        qInfo("passed on");
+        qInfo("handled");
         QVERIFY(qInstallMessageHandler(previous) == countMessage);
-        QCOMPARE(s_passedOn.load(), 2);
-        QCOMPARE(linesOf(logPath()), QStringList {utf8("INFO   - logged and passed on")});
+        QCOMPARE(handledMessages.load(), 2);
+        QCOMPARE(linesOf(logPath()), QStringList {utf8("INFO   - logged and handled")});
     }
 
-    // Qt prints it on the standard error stream by itself: a handler needs no guard of its own.
-    void messageRaisedWhileOneIsLoggedGoesNoFurther()
+    // Qt prints such a message on the standard error stream, so a handler needs no guard.
+    void ignoresMessageSentWhileLogging()
     {
-        s_passedOn = 0;
+        handledMessages = 0;
         const QtMessageHandler previous = qInstallMessageHandler(countMessage);
         captureMessages();
         openLog(utf8("host.log"), m_directory->path());
-        const QSharedPointer<Log4Qt::Appender> appender(new TalkingAppender);
+        const Log4Qt::AppenderSharedPtr appender(new SendingAppender);
         Log4Qt::Logger::rootLogger()->addAppender(appender);
         qInfo("message");
         closeLog();
         qInstallMessageHandler(previous);
-        QCOMPARE(s_passedOn.load(), 1);
+        QCOMPARE(handledMessages.load(), 1);
         QCOMPARE(linesOf(logPath()), QStringList {utf8("INFO   - message")});
     }
 
-    void threadsThatLogWhileItIsOpenedAndClosedLoseNoWholeLine()
+    void logsWholeLinesFromThreads()
     {
         const QtMessageHandler previous = qInstallMessageHandler(countMessage);
-        s_passedOn = 0;
+        handledMessages = 0;
         captureMessages();
-        std::atomic<bool> isOver {false};
+        std::atomic<bool> isDone {false};
         std::vector<std::thread> threads;
         threads.reserve(4);
         for (int i = 0; i < 4; ++i)
-            threads.emplace_back([&isOver] {
-                while (!isOver)
+            threads.emplace_back([&isDone] {
+                while (!isDone)
                     qInfo("%s", "a line from a thread");
             });
-        const auto passOn = [] { return s_passedOn > 100; };
-        QTRY_VERIFY(passOn());
+        const auto areMessagesHandled = [] { return handledMessages > 100; };
+        QTRY_VERIFY(areMessagesHandled());
         openLog(utf8("host.log"), m_directory->path());
-        s_passedOn = 0;
-        QTRY_VERIFY(passOn());
+        handledMessages = 0;
+        QTRY_VERIFY(areMessagesHandled());
         closeLog();
-        s_passedOn = 0;
-        QTRY_VERIFY(passOn()); // by the former handler alone
-        isOver = true;
+        handledMessages = 0;
+        QTRY_VERIFY(areMessagesHandled()); // by the previous handler alone
+        isDone = true;
         for (std::thread &thread : threads)
             thread.join();
         qInstallMessageHandler(previous);

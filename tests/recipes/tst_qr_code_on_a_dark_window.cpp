@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr int quietZone = 4; // modules
+constexpr int quietZoneInModules = 4;
 
 int widthInModules(const QByteArray &text)
 {
@@ -25,7 +25,7 @@ int widthInModules(const QByteArray &text)
     return width;
 }
 
-// Small letters, which no denser mode of the code takes.
+// Returns lower-case letters, which no shorter mode of the code can encode.
 QByteArray letters(int count)
 {
     QByteArray text(count, 'x');
@@ -34,8 +34,9 @@ QByteArray letters(int count)
     return text;
 }
 
-// With the noise of a camera, the same in each run: by itself a scanner tells nearly black from black.
-void photograph(const QString &path, int noise)
+// Adds the noise of a camera, the same in each run. Without noise a scanner distinguishes nearly black from
+// black.
+void addNoise(const QString &path, int noise)
 {
     QImage image(path);
     QRandomGenerator random(1);
@@ -49,7 +50,7 @@ void photograph(const QString &path, int noise)
     image.save(path);
 }
 
-// What a scanner reads in the image; empty for nothing.
+// Returns what a scanner reads in the image, or nothing.
 QByteArray scan(const QString &path)
 {
     QProcess scanner;
@@ -76,18 +77,18 @@ class TestQrCodeOnADarkWindow : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void scannerReadsTheWindow_data()
+    void drawsReadableCode_data()
     {
         QTest::addColumn<QByteArray>("text");
         QTest::addColumn<QString>("side");
-        QTest::newRow("one letter") << QByteArray("a") << "400";
+        QTest::newRow("one character") << QByteArray("a") << "400";
         QTest::newRow("address") << QByteArray("https://example.org/app?id=17&lang=zh_CN#top") << "400";
         QTest::newRow("address in a small window") << QByteArray("https://example.org/") << "130";
         QTest::newRow("Chinese") << QByteArray("扫描二维码下载应用") << "333";
         QTest::newRow("500 bytes") << letters(500) << "600";
         QTest::newRow("1663 bytes") << letters(1663) << "1000";
     }
-    void scannerReadsTheWindow()
+    void drawsReadableCode()
     {
         QFETCH(QByteArray, text);
         QFETCH(QString, side);
@@ -100,12 +101,12 @@ private Q_SLOTS:
         QCOMPARE(run.exitCode, 0);
         QCOMPARE(QImage(path).width(), side.toInt());
         QVERIFY(QImage(path).pixelColor(4, 4).lightness() < 64);
-        photograph(path, 10);
+        addNoise(path, 10);
         QCOMPARE(scan(path), text);
     }
 
-    // What the recipe is for.
-    void symbolAsItComesIsNotReadOnADarkWindow()
+    // The hazard that the recipe avoids.
+    void isUnreadableWithoutMargin()
     {
         if (QStandardPaths::findExecutable(QStringLiteral("zbarimg")).isEmpty())
             QSKIP("zbar-tools are not installed");
@@ -117,12 +118,12 @@ private Q_SLOTS:
             ZyBase::CSystemUtils::GenerateQRCode(QStringLiteral("https://example.org/"), QSize(300, 300));
         QPainter(&window).drawImage(50, 50, symbol);
         QVERIFY(window.save(path));
-        photograph(path, 20);
+        addNoise(path, 20);
         QCOMPARE(scan(path), QByteArray());
     }
 
-    // Every size of symbol there is, by the shortest text of it that is tried.
-    void fourModulesOfWhiteStandAroundEverySizeOfSymbol()
+    // For each of the 39 symbol sizes with error correction Q.
+    void drawsMarginOfFourModules()
     {
         QSet<int> widths;
         for (int length = 1; length <= 1663; length += 12) {
@@ -132,11 +133,12 @@ private Q_SLOTS:
                 continue;
             widths.insert(width);
             const int pixels = 3;
-            const QImage card = qrCard(QString::fromLatin1(text), (width + 2 * quietZone) * pixels + 2);
-            QCOMPARE(card.width(), (width + 2 * quietZone) * pixels);
+            const QImage card =
+                qrCard(QString::fromLatin1(text), (width + 2 * quietZoneInModules) * pixels + 2);
+            QCOMPARE(card.width(), (width + 2 * quietZoneInModules) * pixels);
             QCOMPARE(card.height(), card.width());
             const int side = card.width();
-            const int margin = quietZone * pixels;
+            const int margin = quietZoneInModules * pixels;
             QVERIFY(isWhite(card, {0, 0, side, margin}));
             QVERIFY(isWhite(card, {0, side - margin, side, margin}));
             QVERIFY(isWhite(card, {0, 0, margin, side}));
@@ -149,27 +151,26 @@ private Q_SLOTS:
         QCOMPARE(widths.size(), 39);
     }
 
-    void textWithoutRoomIsShownAsText_data()
+    void reportsStringThatDoesNotFit_data()
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("side");
         QTest::newRow("two pixels a module") << "a"
                                              << "114";
-        QTest::newRow("no window") << "a"
-                                   << "0";
+        QTest::newRow("window of size 0") << "a"
+                                          << "0";
         QTest::newRow("too long for any code") << QString::fromLatin1(letters(1664)) << "2000";
-        QTest::newRow("empty") << ""
-                               << "400";
+        QTest::newRow("empty string") << ""
+                                      << "400";
     }
-    void textWithoutRoomIsShownAsText()
+    void reportsStringThatDoesNotFit()
     {
         QFETCH(QString, text);
         QFETCH(QString, side);
         const QTemporaryDir directory;
         const QString path = directory.filePath(QStringLiteral("window.png"));
         const RecipeRun run({QStringLiteral(RECIPE), text, path, side});
-        QCOMPARE(run.lines,
-                 QStringList {QStringLiteral("no code of this text has room here: show the text instead")});
+        QCOMPARE(run.lines, QStringList {QStringLiteral("the code does not fit: show the string instead")});
         QCOMPARE(run.exitCode, 1);
         QVERIFY(!QFile::exists(path));
     }

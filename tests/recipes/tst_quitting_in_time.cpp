@@ -18,16 +18,16 @@ namespace {
 
 const QString recipeName = QStringLiteral("quitting-in-time");
 
-// A network in which nothing answers, the name server neither.
+// A network in which no machine answers, not even the name server.
 const QString silentNetwork = QStringLiteral("ip link add silent type bridge\n"
                                              "ip addr add 192.0.2.1/24 dev silent\n"
                                              "ip link set silent up arp off\n");
 
-// The system gives a name up after these; a machine may have several servers that are tried in turn.
-constexpr int lookupMs = 10000;
+// The time limit of a name lookup.
+constexpr int lookupTimeoutMs = 10000;
 
-// The user quits after a second; what is more than two seconds beyond goes to a busy machine.
-constexpr int quitMs = 6000;
+// The recipe quits after one second and ends within two more. The rest is for a busy machine.
+constexpr int endTimeoutMs = 6000;
 
 } // namespace
 
@@ -36,16 +36,16 @@ class TestQuittingInTime : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void hangingNameLookupIsLeft()
+    void endsDuringNameLookup()
     {
         if (!Sandbox::hasNetwork(silentNetwork))
-            QSKIP("a network of its own is not allowed here");
+            QSKIP("no separate network can be created here");
         const QTemporaryDir etc;
         writeFile(etc.filePath(QStringLiteral("hosts")), "127.0.0.1 localhost\n");
         writeFile(etc.filePath(QStringLiteral("nsswitch.conf")), "hosts: files dns\n");
         writeFile(etc.filePath(QStringLiteral("resolv.conf")),
                   QStringLiteral("nameserver 192.0.2.53\noptions timeout:%1 attempts:1\n")
-                      .arg(lookupMs / 1000)
+                      .arg(lookupTimeoutMs / 1000)
                       .toUtf8());
         Sandbox sandbox;
         sandbox.replace(QStringLiteral("/etc"), etc.path());
@@ -61,14 +61,14 @@ private Q_SLOTS:
         QVERIFY(recipe.start(addresses));
 
         QCOMPARE(recipe.finish(), 0);
-        QVERIFY2(recipe.duration() < quitMs, qPrintable(QString::number(recipe.duration())));
+        QVERIFY2(recipe.duration() < endTimeoutMs, qPrintable(QString::number(recipe.duration())));
         QCOMPARE(recipe.lines(), QStringList({QStringLiteral("The settings are saved"),
                                               QStringLiteral("Stopped"), QStringLiteral("Stopped")}));
         plain.finish();
-        QVERIFY2(plain.duration() >= lookupMs, qPrintable(QString::number(plain.duration())));
+        QVERIFY2(plain.duration() >= lookupTimeoutMs, qPrintable(QString::number(plain.duration())));
     }
 
-    void silentServersAreLeft()
+    void stopsRequestsToSilentServers()
     {
         const HttpServer server;
         QStringList addresses;
@@ -80,14 +80,14 @@ private Q_SLOTS:
         RecipeProcess recipe(recipeName);
         QVERIFY(recipe.start(addresses));
         QCOMPARE(recipe.finish(), 0);
-        QVERIFY2(recipe.duration() < quitMs, qPrintable(QString::number(recipe.duration())));
+        QVERIFY2(recipe.duration() < endTimeoutMs, qPrintable(QString::number(recipe.duration())));
         QCOMPARE(recipe.lines(), QStringList {QStringLiteral("The settings are saved")} + outcomes
-                                     + QStringList {QStringLiteral("The application is gone")});
+                                     + QStringList {QStringLiteral("The application object is destroyed")});
     }
 
-    void answersInTheLastMomentDoNoHarm()
+    void endsWithoutCrashDuringAnswers()
     {
-        // They come when the user quits, or about then.
+        // Answers arrive at about the time when the recipe quits.
         LocalServices::RawServer server([](LocalServices::Connection &client) {
             client.sleep(1000);
             client.write("HTTP/1.1 200 OK\r\nContent-Length: 2\r\nConnection: close\r\n\r\nok");
@@ -102,17 +102,17 @@ private Q_SLOTS:
         }
         for (const std::unique_ptr<RecipeProcess> &recipe : recipes) {
             QCOMPARE(recipe->finish(), 0);
-            QVERIFY2(recipe->duration() < quitMs, qPrintable(QString::number(recipe->duration())));
+            QVERIFY2(recipe->duration() < endTimeoutMs, qPrintable(QString::number(recipe->duration())));
         }
     }
 
-    void nothingRunningQuitsAsEver()
+    void endsWithoutRequests()
     {
         RecipeProcess recipe(recipeName);
         QVERIFY(recipe.start());
         QCOMPARE(recipe.finish(), 0);
         QCOMPARE(recipe.lines(), QStringList({QStringLiteral("The settings are saved"),
-                                              QStringLiteral("The application is gone")}));
+                                              QStringLiteral("The application object is destroyed")}));
     }
 };
 

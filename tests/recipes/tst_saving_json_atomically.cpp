@@ -16,22 +16,21 @@ namespace {
 
 const QLatin1String runs("runs");
 
-// Small objects go through Qt's buffer, large ones past it.
-QJsonObject settings(int bytes)
+// Qt buffers small files and writes large ones directly.
+QJsonObject settings(int sizeBytes)
 {
-    return {{QStringLiteral("notes"), QString(bytes, QLatin1Char('x'))}, {runs, 7}};
+    return {{QStringLiteral("notes"), QString(sizeBytes, QLatin1Char('x'))}, {runs, 7}};
 }
 
 void addSizes()
 {
-    QTest::addColumn<int>("bytes");
+    QTest::addColumn<int>("sizeBytes");
     QTest::newRow("small") << 10000;
     QTest::newRow("large") << 100000;
 }
 
 } // namespace
 
-// The recipe's host, stopped in the middle of its saving.
 class TestSavingJsonAtomically : public QObject
 {
     Q_OBJECT
@@ -39,16 +38,16 @@ class TestSavingJsonAtomically : public QObject
 private:
     QString path() const { return m_directory->filePath(QStringLiteral("settings.json")); }
 
-    // The host in a shell that has taken measures.
-    RecipeRun runAfter(const QString &measures) const
+    // Runs the recipe after the shell commands.
+    RecipeRun runAfter(const QString &commands) const
     {
         return RecipeRun({QStringLiteral("sh"), QStringLiteral("-c"),
-                          measures + QStringLiteral("; exec \"$0\" \"$1\""), QStringLiteral(RECIPE), path()});
+                          commands + QStringLiteral("; exec \"$0\" \"$1\""), QStringLiteral(RECIPE), path()});
     }
 
-    void expectTheOldFileAlone(int bytes) const
+    void verifyOnlyOldFile(int sizeBytes) const
     {
-        QCOMPARE(CJsonReader::ParseJsonFileToObject(path()), settings(bytes));
+        QCOMPARE(CJsonReader::ParseJsonFileToObject(path()), settings(sizeBytes));
         QCOMPARE(QDir(m_directory->path()).entryList(QDir::Files | QDir::Hidden).size(), 1);
     }
 
@@ -57,7 +56,7 @@ private:
 private Q_SLOTS:
     void init() { m_directory = std::make_unique<QTemporaryDir>(); }
 
-    void bytesAreThoseOfSaveJsonFile()
+    void writesSameBytesAsSaveJsonFile()
     {
         const RecipeRun run({QStringLiteral(RECIPE), path(), QStringLiteral("2")});
         QCOMPARE(run.lines, QStringList({QStringLiteral("saved: run 1"), QStringLiteral("saved: run 2")}));
@@ -67,7 +66,7 @@ private Q_SLOTS:
         QCOMPARE(saved, readFile(path()));
     }
 
-    void restOfTheObjectAndThePermissionsAreKept()
+    void keepsOtherKeysAndPermissions()
     {
         CJsonReader::SaveJsonFile(path(), settings(10));
         const QFile::Permissions permissions = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup;
@@ -80,50 +79,50 @@ private Q_SLOTS:
                  QFile::Permissions(permissions | QFile::ReadUser | QFile::WriteUser) & 0x0777);
     }
 
-    void killedInTheMiddleOfSavingLeavesTheOldFile_data() { addSizes(); }
-    void killedInTheMiddleOfSavingLeavesTheOldFile()
+    void keepsOldFileWhenKilledWhileSaving_data() { addSizes(); }
+    void keepsOldFileWhenKilledWhileSaving()
     {
-        QFETCH(int, bytes);
-        CJsonReader::SaveJsonFile(path(), settings(bytes));
-        // At the 4097th byte of a file the system ends the host by a signal.
+        QFETCH(int, sizeBytes);
+        CJsonReader::SaveJsonFile(path(), settings(sizeBytes));
+        // The system kills the process at the 4097th byte of a file.
         const RecipeRun run = runAfter(QStringLiteral("ulimit -c 0; ulimit -f 8"));
         QCOMPARE(run.exitCode, -1);
-        expectTheOldFileAlone(bytes);
+        verifyOnlyOldFile(sizeBytes);
     }
 
-    void shortWriteIsAFailureAndLeavesTheOldFile_data() { addSizes(); }
-    void shortWriteIsAFailureAndLeavesTheOldFile()
+    void keepsOldFileAfterShortWrite_data() { addSizes(); }
+    void keepsOldFileAfterShortWrite()
     {
-        QFETCH(int, bytes);
-        CJsonReader::SaveJsonFile(path(), settings(bytes));
+        QFETCH(int, sizeBytes);
+        CJsonReader::SaveJsonFile(path(), settings(sizeBytes));
         const RecipeRun run = runAfter(QStringLiteral("trap '' XFSZ; ulimit -f 8"));
         QCOMPARE(run.exitCode, 1);
         QVERIFY(run.lines.value(0).startsWith(QStringLiteral("not saved: ")));
-        expectTheOldFileAlone(bytes);
+        verifyOnlyOldFile(sizeBytes);
     }
 
-    void fullDiskIsAFailureAndLeavesTheOldFile_data()
+    void keepsOldFileOnFullDisk_data()
     {
-        QTest::addColumn<int>("bytes");
-        QTest::addColumn<int>("disk");
+        QTest::addColumn<int>("sizeBytes");
+        QTest::addColumn<int>("diskBytes");
         QTest::addColumn<QString>("reason");
-        QTest::newRow("no byte has room") << 4000 << 4096 << "No space left on device";
-        QTest::newRow("a part has room") << 10000 << 16384 << "";
-        QTest::newRow("a part of a large one has room")
-            << 50000 << 65536 << "There was no room for all of it.";
+        QTest::newRow("no free byte") << 4000 << 4096 << "No space left on device";
+        QTest::newRow("space for a part of a small file") << 10000 << 16384 << "";
+        QTest::newRow("space for a part of a large file")
+            << 50000 << 65536 << "There is not enough space on the disk.";
     }
-    void fullDiskIsAFailureAndLeavesTheOldFile()
+    void keepsOldFileOnFullDisk()
     {
-        QFETCH(int, bytes);
-        QFETCH(int, disk);
+        QFETCH(int, sizeBytes);
+        QFETCH(int, diskBytes);
         QFETCH(QString, reason);
         if (!Sandbox::hasSizedFileSystems())
             QSKIP("no sandbox with a sized file system can be made here");
         const QTemporaryDir elsewhere;
         const QString source = elsewhere.filePath(QStringLiteral("settings.json"));
-        CJsonReader::SaveJsonFile(source, settings(bytes));
+        CJsonReader::SaveJsonFile(source, settings(sizeBytes));
         Sandbox sandbox;
-        sandbox.sizedFileSystem(m_directory->path(), disk);
+        sandbox.sizedFileSystem(m_directory->path(), diskBytes);
         const QString script =
             QStringLiteral("cp \"$1\" \"$2\"; \"$0\" \"$2\"; cmp \"$1\" \"$2\" && echo kept");
         const RecipeRun run(
@@ -134,8 +133,8 @@ private Q_SLOTS:
         QCOMPARE(run.lines.last(), QStringLiteral("kept"));
     }
 
-    // What the recipe is for.
-    void savingInPlaceLosesTheFileOnAFullDisk()
+    // The hazard that the recipe avoids.
+    void losesFileOnFullDiskWithSaveJsonFile()
     {
         if (!QFile::exists(QStringLiteral("/dev/full")))
             QSKIP("there is no /dev/full");
@@ -144,30 +143,30 @@ private Q_SLOTS:
         QVERIFY(CJsonReader::ParseJsonFileToObject(path()).isEmpty());
     }
 
-    void readerAtTheSameTimeNeverSeesAPart()
+    void showsNoPartialFileToReaders()
     {
         CJsonReader::SaveJsonFile(path(), settings(100000));
-        QProcess host;
-        host.start(QStringLiteral(RECIPE), {path(), QStringLiteral("50")});
-        QVERIFY(host.waitForStarted());
+        QProcess recipe;
+        recipe.start(QStringLiteral(RECIPE), {path(), QStringLiteral("50")});
+        QVERIFY(recipe.waitForStarted());
         int last = 7;
-        while (!host.waitForFinished(0)) {
+        while (!recipe.waitForFinished(0)) {
             const QJsonObject object = CJsonReader::ParseJsonFileToObject(path());
             QCOMPARE(object.size(), 2);
             QVERIFY(object.value(runs).toInt() >= last);
             last = object.value(runs).toInt();
         }
-        QCOMPARE(host.exitCode(), 0);
+        QCOMPARE(recipe.exitCode(), 0);
         QCOMPARE(CJsonReader::ParseJsonFile(path(), runs).toInt(), 57);
     }
 
-    void directoryThatIsMissingIsTold()
+    void reportsMissingDirectory()
     {
         const RecipeRun run({QStringLiteral(RECIPE), m_directory->filePath(QStringLiteral("none/a.json"))});
         QCOMPARE(run.lines, QStringList {QStringLiteral("not saved: No such file or directory")});
     }
 
-    void fileBehindALinkIsSavedThere()
+    void savesTargetOfSymbolicLink()
     {
         const QString link = m_directory->filePath(QStringLiteral("link.json"));
         CJsonReader::SaveJsonFile(path(), settings(10));

@@ -11,14 +11,14 @@ class TestSeeingWhatIsSent : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void eventAndRecordArriveAtTheLocalServices()
+    void sendsEventAndRecordToLocalServices()
     {
         SeenServices services;
         RecipeProcess recipe(QStringLiteral("seeing-what-is-sent"));
         services.leadThere(&recipe);
         QVERIFY(recipe.start());
         QCOMPARE(recipe.finish(), 0);
-        QCOMPARE(recipe.lines(), QStringList {QStringLiteral("An event and a record are sent; look at "
+        QCOMPARE(recipe.lines(), QStringList {QStringLiteral("An event and a record were sent; see "
                                                              "http://127.0.0.1:1/page")});
         QCOMPARE(services.collector().events().size(), 1);
         QCOMPARE(services.collector().events().first().problems, QStringList());
@@ -26,25 +26,25 @@ private Q_SLOTS:
         QCOMPARE(services.backend().records().first().problems, QStringList());
     }
 
-    void withoutServicesNothingIsSent()
+    void sendsNothingWithoutLocalServices()
     {
         RecipeProcess recipe(QStringLiteral("seeing-what-is-sent"));
         QVERIFY(recipe.start());
         QCOMPARE(recipe.finish(), 1);
-        QCOMPARE(recipe.lines(),
-                 QStringList {QStringLiteral("No local services: start this by scripts/local-services")});
+        QCOMPARE(recipe.lines(), QStringList {QStringLiteral(
+                                     "There are no local services: start this with scripts/local-services")});
     }
 
-    void fileThatTellsOfNoServicesEndsTheHost_data()
+    void endsIfFileDescribesNoServices_data()
     {
         QTest::addColumn<QByteArray>("content");
-        QTest::newRow("missing") << QByteArray();
-        QTest::newRow("no JSON") << QByteArray("services");
-        QTest::newRow("no proxy") << QByteArray("{\"authority\": \"AUTHORITY\"}");
-        QTest::newRow("no authority")
+        QTest::newRow("missing file") << QByteArray();
+        QTest::newRow("file without JSON") << QByteArray("services");
+        QTest::newRow("no proxy address") << QByteArray("{\"authority\": \"AUTHORITY\"}");
+        QTest::newRow("missing certificate file")
             << QByteArray("{\"proxy\": \"http://127.0.0.1:1\", \"authority\": \"/none\"}");
     }
-    void fileThatTellsOfNoServicesEndsTheHost()
+    void endsIfFileDescribesNoServices()
     {
         QFETCH(QByteArray, content);
         const QTemporaryDir directory;
@@ -58,7 +58,7 @@ private Q_SLOTS:
         QVERIFY(recipe.start());
         QCOMPARE(recipe.finish(), -1);
         QVERIFY(recipe.standardError().contains(
-            QStringLiteral("LOCAL_SERVICES is %1, which tells of no running services").arg(path)));
+            QStringLiteral("LOCAL_SERVICES is %1, which describes no running services").arg(path)));
         QCOMPARE(recipe.lines(), QStringList());
     }
 };

@@ -16,7 +16,7 @@ class TestSystemProxy : public QObject
     Q_OBJECT
 
 private:
-    // The recipe's lines under this variable, in which PORT is the proxy's.
+    // Returns the recipe's output with this variable. PORT in the value is replaced by the port of the proxy.
     QStringList linesFor(const QString &variable, const QString &value, const QStringList &arguments)
     {
         RecipeProcess recipe(QStringLiteral("system-proxy"));
@@ -34,7 +34,7 @@ private:
 private Q_SLOTS:
     void initTestCase() { m_proxy.routeAll(m_server.url(QStringLiteral("/"))); }
 
-    void requestGoesThroughTheProxy_data()
+    void usesProxyOfEnvironment_data()
     {
         QTest::addColumn<QString>("variable");
         QTest::addColumn<QString>("value");
@@ -46,14 +46,14 @@ private Q_SLOTS:
         };
         row("http", "http_proxy", "http://127.0.0.1:PORT");
         row("https", "https_proxy", "http://127.0.0.1:PORT", "https");
-        row("https by that for http", "http_proxy", "http://127.0.0.1:PORT/", "https");
-        row("in capitals", "HTTP_PROXY", "http://127.0.0.1:PORT");
-        row("for all protocols", "all_proxy", "http://127.0.0.1:PORT");
-        row("for all protocols, https", "ALL_PROXY", "http://127.0.0.1:PORT", "https");
-        row("without a scheme", "http_proxy", "127.0.0.1:PORT");
-        row("with blanks", "http_proxy", " http://127.0.0.1:PORT ");
+        row("https, variable for http", "http_proxy", "http://127.0.0.1:PORT/", "https");
+        row("name in capitals", "HTTP_PROXY", "http://127.0.0.1:PORT");
+        row("variable for all protocols", "all_proxy", "http://127.0.0.1:PORT");
+        row("https, variable for all protocols", "ALL_PROXY", "http://127.0.0.1:PORT", "https");
+        row("value without a scheme", "http_proxy", "127.0.0.1:PORT");
+        row("value with spaces", "http_proxy", " http://127.0.0.1:PORT ");
     }
-    void requestGoesThroughTheProxy()
+    void usesProxyOfEnvironment()
     {
         QFETCH(QString, variable);
         QFETCH(QString, value);
@@ -61,40 +61,40 @@ private Q_SLOTS:
         const int before = m_proxy.requestLines().size();
         const QStringList lines =
             linesFor(variable, value, {scheme + QStringLiteral("://service.example/echo?hello")});
-        QCOMPARE(lines, QStringList({QStringLiteral("Asked through 127.0.0.1:%1").arg(m_proxy.port()),
+        QCOMPARE(lines, QStringList({QStringLiteral("Proxy 127.0.0.1:%1").arg(m_proxy.port()),
                                      QStringLiteral("/echo?hello")}));
         QCOMPARE(m_proxy.requestLines().size(), before + 1);
     }
 
-    // What the recipe is for: Qt reads these by itself in no form of the desktops.
-    void qtAloneDoesNotReadThem_data()
+    // The hazard that the recipe avoids.
+    void showsThatQtIgnoresVariables_data()
     {
         QTest::addColumn<QString>("variable");
         QTest::addColumn<QString>("value");
-        QTest::newRow("in capitals") << QStringLiteral("HTTP_PROXY")
-                                     << QStringLiteral("http://127.0.0.1:PORT");
-        QTest::newRow("for all protocols")
+        QTest::newRow("name in capitals")
+            << QStringLiteral("HTTP_PROXY") << QStringLiteral("http://127.0.0.1:PORT");
+        QTest::newRow("variable for all protocols")
             << QStringLiteral("all_proxy") << QStringLiteral("http://127.0.0.1:PORT");
     }
-    void qtAloneDoesNotReadThem()
+    void showsThatQtIgnoresVariables()
     {
         QFETCH(QString, variable);
         QFETCH(QString, value);
-        // This machine in another spelling: what goes astray stays here.
+        // Another address of this machine, so that no request leaves it.
         QUrl url = m_server.url(QStringLiteral("/echo?hello"));
         url.setHost(QStringLiteral("0.0.0.0"));
-        const QString straight = QStringLiteral("Asked straight");
-        QCOMPARE(linesFor(variable, value, {QStringLiteral("--plainly"), url.toString()}).value(0), straight);
-        QVERIFY(linesFor(variable, value, {url.toString()}).value(0) != straight);
+        const QString noProxy = QStringLiteral("No proxy");
+        QCOMPARE(linesFor(variable, value, {QStringLiteral("--plainly"), url.toString()}).value(0), noProxy);
+        QVERIFY(linesFor(variable, value, {url.toString()}).value(0) != noProxy);
     }
 
-    void exceptedHostIsAskedStraight_data()
+    void usesNoProxyForExceptions_data()
     {
         QTest::addColumn<QString>("variable");
-        QTest::newRow("as Qt reads it") << QStringLiteral("no_proxy");
-        QTest::newRow("in capitals") << QStringLiteral("NO_PROXY");
+        QTest::newRow("name in lower case") << QStringLiteral("no_proxy");
+        QTest::newRow("name in capitals") << QStringLiteral("NO_PROXY");
     }
-    void exceptedHostIsAskedStraight()
+    void usesNoProxyForExceptions()
     {
         QFETCH(QString, variable);
         QUrl url = m_server.url(QStringLiteral("/echo?hello"));
@@ -106,33 +106,31 @@ private Q_SLOTS:
         recipe.setEnvironment(variable, QStringLiteral("other.example,0.0.0.0"));
         QVERIFY(recipe.start({url.toString()}));
         QCOMPARE(recipe.finish(), 0);
-        QCOMPARE(recipe.lines(),
-                 QStringList({QStringLiteral("Asked straight"), QStringLiteral("/echo?hello")}));
+        QCOMPARE(recipe.lines(), QStringList({QStringLiteral("No proxy"), QStringLiteral("/echo?hello")}));
         QCOMPARE(m_proxy.requestLines().size(), before);
     }
 
-    void socksIsUnderstood_data()
+    void usesSocksProxy_data()
     {
         QTest::addColumn<QString>("value");
-        QTest::newRow("by its version") << QStringLiteral("socks5://127.0.0.1:1");
-        QTest::newRow("as GNOME sets it") << QStringLiteral("socks://127.0.0.1:1/");
+        QTest::newRow("scheme with a version") << QStringLiteral("socks5://127.0.0.1:1");
+        QTest::newRow("scheme of GNOME") << QStringLiteral("socks://127.0.0.1:1/");
     }
-    void socksIsUnderstood()
+    void usesSocksProxy()
     {
         QFETCH(QString, value);
         const QStringList lines =
             linesFor(QStringLiteral("all_proxy"), value, {QStringLiteral("http://service.example/echo")});
-        QCOMPARE(lines,
-                 QStringList({QStringLiteral("Asked through 127.0.0.1:1"), QStringLiteral("No answer")}));
+        QCOMPARE(lines, QStringList({QStringLiteral("Proxy 127.0.0.1:1"), QStringLiteral("No answer")}));
     }
 
-    void withoutAProxyItIsAskedStraight()
+    void usesNoProxyWithoutVariable()
     {
         QCOMPARE(linesFor(QString(), QString(), {m_server.url(QStringLiteral("/echo?hello")).toString()}),
-                 QStringList({QStringLiteral("Asked straight"), QStringLiteral("/echo?hello")}));
+                 QStringList({QStringLiteral("No proxy"), QStringLiteral("/echo?hello")}));
     }
 
-    void deadProxyHasNoAnswer()
+    void reportsNoAnswerOfUnreachableProxy()
     {
         QCOMPARE(linesFor(QStringLiteral("http_proxy"), QStringLiteral("http://127.0.0.1:1"),
                           {QStringLiteral("http://service.example/echo")})

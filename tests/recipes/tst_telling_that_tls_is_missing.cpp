@@ -15,7 +15,7 @@ using LocalServices::HttpServer;
 
 namespace {
 
-// Where a library of this process lies.
+// Returns the path of a library that is loaded in this process.
 QString pathOf(const char *library)
 {
     const QStringList maps =
@@ -43,20 +43,20 @@ private Q_SLOTS:
     void initTestCase()
     {
         if (!QSslSocket::supportsSsl())
-            QSKIP("TLS is missing for this test as well");
+            QSKIP("Qt finds no OpenSSL library");
     }
 
-    void withTlsThereIsAnAnswer()
+    void returnsAnswerWithTls()
     {
         RecipeProcess recipe(QStringLiteral("telling-that-tls-is-missing"));
         QVERIFY(recipe.start({m_secure.url(QStringLiteral("/echo?hello")).toString()}));
         QCOMPARE(recipe.finish(), 0);
         QCOMPARE(recipe.lines(),
-                 QStringList({QStringLiteral("TLS by ") + QSslSocket::sslLibraryVersionString(),
+                 QStringList({QStringLiteral("TLS library: ") + QSslSocket::sslLibraryVersionString(),
                               QStringLiteral("Status 200 with 11 bytes"), QStringLiteral("/echo?hello")}));
     }
 
-    void withTlsNoAnswerIsTheServersFault()
+    void reportsUnreachableServerWithTls()
     {
         RecipeProcess recipe(QStringLiteral("telling-that-tls-is-missing"));
         QVERIFY(recipe.start({QStringLiteral("https://127.0.0.1:1/")}));
@@ -65,21 +65,21 @@ private Q_SLOTS:
                                                      QStringLiteral("127.0.0.1 can't be reached.")}));
     }
 
-    void withoutTlsTheUserIsToldSo_data()
+    void reportsMissingTls_data()
     {
         QTest::addColumn<bool>("isOtherVersion");
-        QTest::newRow("the library is missing") << false;
-        QTest::newRow("the library is of another version") << true;
+        QTest::newRow("missing library") << false;
+        QTest::newRow("library of another version") << true;
     }
-    void withoutTlsTheUserIsToldSo()
+    void reportsMissingTls()
     {
         QFETCH(bool, isOtherVersion);
         if (!Sandbox::isAvailable())
-            QSKIP("no sandbox can be had here");
+            QSKIP("no sandbox can be created here");
         const QTemporaryDir directory;
         const QString nothing = directory.filePath(QStringLiteral("nothing"));
         QVERIFY(writeFile(nothing, QByteArray()));
-        // Any library has not what Qt looks for in the right one.
+        // Any other library lacks the symbols that Qt resolves.
         const QString instead = isOtherVersion ? pathOf("libz.so") : nothing;
         QVERIFY(QFileInfo::exists(instead));
         Sandbox sandbox;
@@ -90,12 +90,12 @@ private Q_SLOTS:
         QVERIFY(recipe.start({m_secure.url(QStringLiteral("/echo")).toString()}));
         QCOMPARE(recipe.finish(), 1);
         QCOMPARE(recipe.lines(),
-                 QStringList(
-                     {QStringLiteral("TLS by "), QStringLiteral("Status 0 with 0 bytes"),
-                      QStringLiteral("Secure connections don't work here. They need the OpenSSL library, in "
-                                     "a version that goes with %1; it is missing, or of another version.")
-                          .arg(QSslSocket::sslLibraryBuildVersionString())}));
-        QVERIFY(recipe.duration() < 9000); // at once, not after the time limit
+                 QStringList({QStringLiteral("TLS library: "), QStringLiteral("Status 0 with 0 bytes"),
+                              QStringLiteral(
+                                  "Secure connections don't work on this machine. They need an OpenSSL "
+                                  "library that is compatible with %1. It is missing or has another version.")
+                                  .arg(QSslSocket::sslLibraryBuildVersionString())}));
+        QVERIFY(recipe.duration() < 9000); // well before the time limit
         QVERIFY(m_secure.requests().isEmpty() || m_secure.requests().last().target != "/echo");
 
         RecipeProcess plain(QStringLiteral("telling-that-tls-is-missing"));
@@ -104,11 +104,11 @@ private Q_SLOTS:
         QCOMPARE(plain.finish(), 0);
         QCOMPARE(plain.lines().last(), QStringLiteral("/echo?plain"));
 
-        RecipeProcess dead(QStringLiteral("telling-that-tls-is-missing"));
-        dead.setSandbox(sandbox);
-        QVERIFY(dead.start({QStringLiteral("http://127.0.0.1:1/")}));
-        QCOMPARE(dead.finish(), 1);
-        QCOMPARE(dead.lines().last(), QStringLiteral("127.0.0.1 can't be reached."));
+        RecipeProcess unreachable(QStringLiteral("telling-that-tls-is-missing"));
+        unreachable.setSandbox(sandbox);
+        QVERIFY(unreachable.start({QStringLiteral("http://127.0.0.1:1/")}));
+        QCOMPARE(unreachable.finish(), 1);
+        QCOMPARE(unreachable.lines().last(), QStringLiteral("127.0.0.1 can't be reached."));
     }
 };
 

@@ -9,7 +9,6 @@
 #include <QDir>
 #include <QTest>
 
-// The recipe's host in a home of its own.
 class TestTheDirectoryOfTheLog : public QObject
 {
     Q_OBJECT
@@ -18,8 +17,8 @@ private:
     QString folder() const { return m_home->filePath(utf8(".local/share/example/reader/log")); }
     QString path(const QString &name) const { return folder() + QLatin1Char('/') + name; }
 
-    // A file that was last written to then.
-    void provide(const QString &name, const QByteArray &content, const QDateTime &time) const
+    // Writes a file with this modification time.
+    void write(const QString &name, const QByteArray &content, const QDateTime &time) const
     {
         QVERIFY(QDir().mkpath(folder()));
         QVERIFY(writeFile(path(name), content));
@@ -28,7 +27,7 @@ private:
         QVERIFY(file.setFileTime(time, QFileDevice::FileModificationTime));
     }
 
-    void expectNoLog(const QString &problem, const Sandbox &sandbox = Sandbox()) const
+    void verifyNoLog(const QString &problem, const Sandbox &sandbox = Sandbox()) const
     {
         const RecipeRun run({QStringLiteral(RECIPE)}, sandbox);
         QCOMPARE(run.lines, QStringList {utf8("no log: ") + problem});
@@ -42,16 +41,16 @@ private Q_SLOTS:
     void init() { m_home = std::make_unique<TemporaryHome>(); }
     void cleanup() { m_home.reset(); }
 
-    void freshUserHasALog()
+    void writesLogOfNewUser()
     {
         const RecipeRun run({QStringLiteral(RECIPE)});
-        QCOMPARE(run.lines, QStringList {utf8("the log is in ") + path(utf8("reader.log"))});
+        QCOMPARE(run.lines, QStringList {utf8("the log is ") + path(utf8("reader.log"))});
         const QStringList lines = readLines(path(utf8("reader.log")));
         QCOMPARE(lines.size(), 1);
         QVERIFY(lines.first().endsWith(utf8(" INFO   - started")));
     }
 
-    void homeBeyondAsciiHasALog()
+    void writesLogToPathWithNonAsciiCharacters()
     {
         qputenv("LC_ALL", "C.UTF-8");
         const QString data = m_home->filePath(utf8("Größe 文件"));
@@ -60,14 +59,14 @@ private Q_SLOTS:
         QCOMPARE(readLines(data + utf8("/example/reader/log/reader.log")).size(), 1);
     }
 
-    void onlyTheUserReadsIt()
+    void restrictsDirectoryToUser()
     {
         QCOMPARE(RecipeRun({QStringLiteral(RECIPE)}).exitCode, 0);
         QVERIFY((QFile::permissions(folder()) & (QFile::ReadGroup | QFile::ReadOther | QFile::ExeOther))
                 == 0);
     }
 
-    void secondRunContinuesTheFile()
+    void appendsSecondRun()
     {
         for (int i = 0; i < 2; ++i)
             QCOMPARE(RecipeRun({QStringLiteral(RECIPE)}).exitCode, 0);
@@ -75,14 +74,14 @@ private Q_SLOTS:
         QCOMPARE(QDir(folder()).entryList(QDir::Files).size(), 1);
     }
 
-    void fileInThePlaceOfTheDirectoryIsTold()
+    void reportsFileInPlaceOfDirectory()
     {
         QVERIFY(QDir(m_home->filePath(utf8(".local/share"))).removeRecursively());
-        QVERIFY(writeFile(m_home->filePath(utf8(".local/share")), "in the way"));
-        expectNoLog(utf8("The directory %1 can't be made.").arg(folder()));
+        QVERIFY(writeFile(m_home->filePath(utf8(".local/share")), "file"));
+        verifyNoLog(utf8("The directory %1 can't be created.").arg(folder()));
     }
 
-    void directoryInThePlaceOfTheFileIsTold()
+    void reportsDirectoryInPlaceOfFile()
     {
         QVERIFY(QDir().mkpath(path(utf8("reader.log"))));
         const RecipeRun run({QStringLiteral(RECIPE)});
@@ -90,53 +89,53 @@ private Q_SLOTS:
         QVERIFY(run.lines.first().startsWith(utf8("no log: ") + path(utf8("reader.log"))));
     }
 
-    void placeThatCannotBeWrittenToIsTold()
+    void reportsReadOnlyDirectory()
     {
         if (!Sandbox::isAvailable())
-            QSKIP("no sandbox can be made here");
+            QSKIP("no sandbox can be created here");
         Sandbox sandbox;
         QVERIFY(QDir().mkpath(folder()));
         sandbox.readOnly(folder());
-        expectNoLog(path(utf8("reader.log")) + utf8(": Read-only file system."), sandbox);
+        verifyNoLog(path(utf8("reader.log")) + utf8(": Read-only file system."), sandbox);
     }
 
-    void fileOfAFormerMonthIsSetAside()
+    void renamesFileOfEarlierMonth()
     {
         const QDateTime then = QDateTime::currentDateTime().addMonths(-3);
         const QString month = then.toString(utf8("yyyy-MM"));
-        provide(utf8("reader.log"), "old\n", then);
+        write(utf8("reader.log"), "old\n", then);
         QCOMPARE(RecipeRun({QStringLiteral(RECIPE)}).exitCode, 0);
         QCOMPARE(readFile(path(utf8("reader.log.") + month)), QByteArray("old\n"));
         QCOMPARE(readLines(path(utf8("reader.log"))).size(), 1);
     }
 
-    void fileFromTheFutureOfAWrongClockIsContinued()
+    void appendsToFileOfLaterMonth()
     {
-        provide(utf8("reader.log"), "wrong\n", QDateTime::currentDateTime().addMonths(2));
+        write(utf8("reader.log"), "wrong\n", QDateTime::currentDateTime().addMonths(2));
         QCOMPARE(RecipeRun({QStringLiteral(RECIPE)}).exitCode, 0);
         QCOMPARE(readLines(path(utf8("reader.log"))).size(), 2);
         QCOMPARE(QDir(folder()).entryList(QDir::Files).size(), 1);
     }
 
-    void monthThatIsThereAlreadyIsNotReplaced()
+    void keepsExistingFileOfMonth()
     {
         const QDateTime then = QDateTime::currentDateTime().addMonths(-1);
         const QString kept = utf8("reader.log.") + then.toString(utf8("yyyy-MM"));
-        provide(kept, "kept\n", then);
-        provide(utf8("reader.log"), "old\n", then);
+        write(kept, "kept\n", then);
+        write(utf8("reader.log"), "old\n", then);
         QCOMPARE(RecipeRun({QStringLiteral(RECIPE)}).exitCode, 0);
         QCOMPARE(readFile(path(kept)), QByteArray("kept\n"));
         QCOMPARE(readLines(path(utf8("reader.log"))).size(), 2);
     }
 
-    void sixMonthsAreKeptAndOtherFilesLeftAlone()
+    void keepsSixMonthsAndOtherFiles()
     {
         const QDateTime now = QDateTime::currentDateTime();
         for (const char *month :
              {"2024-11", "2024-12", "2025-01", "2025-02", "2025-03", "2025-04", "2025-05"})
-            provide(utf8("reader.log.") + utf8(month), "", now);
+            write(utf8("reader.log.") + utf8(month), "", now);
         for (const char *name : {"reader.log.bak", "other.log.2020-01", "reader.log.2020-1"})
-            provide(utf8(name), "", now);
+            write(utf8(name), "", now);
         QCOMPARE(RecipeRun({QStringLiteral(RECIPE)}).exitCode, 0);
         QStringList expected;
         for (const char *name : {"other.log.2020-01", "reader.log", "reader.log.2020-1", "reader.log.2024-12",

@@ -22,7 +22,7 @@
 namespace {
 
 const QString schema = QStringLiteral("org.gnome.desktop.interface");
-constexpr int patience = 60000;
+constexpr int timeoutMs = 60000;
 
 bool isInstalled(const char *program)
 {
@@ -34,7 +34,7 @@ bool set(const QString &key, const QString &value)
     return QProcess::execute(utf8("gsettings"), {utf8("set"), schema, key, value}) == 0;
 }
 
-// Counts the timers of this process that are over once and for all.
+// Counts the single-shot timers of this process that have fired.
 class FiredTimers : public QObject
 {
 public:
@@ -49,42 +49,43 @@ public:
     int count = 0;
 };
 
-// The recipe's host while it watches.
-class Host
+// The recipe while it watches.
+class RunningRecipe
 {
 public:
-    explicit Host(const QStringList &command = {QStringLiteral(RECIPE)})
+    explicit RunningRecipe(const QStringList &command = {QStringLiteral(RECIPE)})
     {
         m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         m_process.start(command.first(), command.mid(1));
     }
-    ~Host()
+    ~RunningRecipe()
     {
         m_process.kill();
-        m_process.waitForFinished(patience);
+        m_process.waitForFinished(timeoutMs);
     }
 
-    // The next line that it prints.
+    // Returns the next line that it prints.
     QString line()
     {
         while (!m_process.canReadLine()) {
-            if (!m_process.waitForReadyRead(patience))
+            if (!m_process.waitForReadyRead(timeoutMs))
                 return QString();
         }
         return QString::fromUtf8(m_process.readLine().trimmed());
     }
 
-    // What it has printed besides until Enter ends it; "crashed" where it doesn't end well.
+    // Returns the rest of the output after Enter, or "crashed" if the recipe does not end normally.
     QString pressEnter()
     {
         m_process.write("\n");
-        const bool isWell = m_process.waitForFinished(patience)
-                            && m_process.exitStatus() == QProcess::NormalExit && m_process.exitCode() == 0;
-        return isWell ? QString::fromUtf8(m_process.readAllStandardOutput()) : utf8("crashed");
+        const bool isNormalEnd = m_process.waitForFinished(timeoutMs)
+                                 && m_process.exitStatus() == QProcess::NormalExit
+                                 && m_process.exitCode() == 0;
+        return isNormalEnd ? QString::fromUtf8(m_process.readAllStandardOutput()) : utf8("crashed");
     }
 
 private:
-    Q_DISABLE_COPY(Host)
+    Q_DISABLE_COPY(RunningRecipe)
     QProcess m_process;
 };
 
@@ -97,8 +98,8 @@ class TestWatchingTheTheme : public QObject
 private:
     QString config(const char *name) const { return m_home->filePath(utf8(".config/") + utf8(name)); }
 
-    // gsettings tells the theme that the file "theme" names, once the file "go" is there.
-    void provideTools()
+    // Installs a gsettings that waits for the file "go" and prints the content of the file "theme".
+    void installTools()
     {
         m_tools = std::make_unique<FakeTools>();
         m_tools->add(utf8("which"), "exit 0");
@@ -111,7 +112,7 @@ private:
         writeFile(tool("go"), "");
     }
     QString tool(const char *name) const { return m_tools->path() + QLatin1Char('/') + utf8(name); }
-    int questions() const { return m_tools->calls().filter(utf8("which")).size(); }
+    int queries() const { return m_tools->calls().filter(utf8("which")).size(); }
 
     std::unique_ptr<TemporaryHome> m_home;
     std::unique_ptr<FakeTools> m_tools;
@@ -123,7 +124,7 @@ private Q_SLOTS:
     {
         m_path = qgetenv("PATH");
         m_threads = ProcessFigures::threadCount();
-        qputenv("QT_QPA_PLATFORM", "minimal"); // for the hosts
+        qputenv("QT_QPA_PLATFORM", "minimal"); // for the recipes
     }
     void init()
     {
@@ -135,114 +136,115 @@ private Q_SLOTS:
     }
     void cleanup()
     {
-        // A question that outlived its watcher still asks this test's tools.
-        QTRY_COMPARE_WITH_TIMEOUT(ProcessFigures::threadCount(), m_threads, patience);
+        // A query can outlive its watcher and still use the tools of this test.
+        QTRY_COMPARE_WITH_TIMEOUT(ProcessFigures::threadCount(), m_threads, timeoutMs);
         qputenv("PATH", m_path);
         qunsetenv("DBUS_SESSION_BUS_ADDRESS");
         m_tools.reset();
         m_home.reset();
     }
 
-    void switchOfTheDesktopIsSeen()
+    void emitsChangeOfDesktopTheme()
     {
         if (!isInstalled("gsettings"))
             QSKIP("gsettings is not installed");
-        Host host;
-        QCOMPARE(host.line(), utf8("light"));
+        RunningRecipe recipe;
+        QCOMPARE(recipe.line(), utf8("light"));
         if (!set(utf8("gtk-theme"), utf8("Adwaita-dark")))
             QSKIP("the schemas of GNOME are not installed");
-        QCOMPARE(host.line(), utf8("dark"));
+        QCOMPARE(recipe.line(), utf8("dark"));
         QVERIFY(set(utf8("gtk-theme"), utf8("Adwaita")));
-        QCOMPARE(host.line(), utf8("light"));
-        QCOMPARE(host.pressEnter(), QString());
+        QCOMPARE(recipe.line(), utf8("light"));
+        QCOMPARE(recipe.pressEnter(), QString());
     }
 
-    // Where GNOME keeps its settings: a database that a service of the session replaces as a whole.
-    void switchThroughTheSessionsServiceIsSeen()
+    // GNOME stores its settings in a database that a service of the session replaces.
+    void emitsChangeOfSettingsDatabase()
     {
         if (!isInstalled("dbus-run-session") || !isInstalled("gsettings"))
             QSKIP("dbus-run-session or gsettings is not installed");
         qputenv("GSETTINGS_BACKEND", "dconf");
-        Host host({utf8("dbus-run-session"), utf8("--"), utf8("sh"), utf8("-c"),
-                   utf8("echo \"$DBUS_SESSION_BUS_ADDRESS\"; exec \"$0\""), QStringLiteral(RECIPE)});
-        qputenv("DBUS_SESSION_BUS_ADDRESS", host.line().toUtf8());
-        QCOMPARE(host.line(), utf8("light"));
+        RunningRecipe recipe({utf8("dbus-run-session"), utf8("--"), utf8("sh"), utf8("-c"),
+                              utf8("echo \"$DBUS_SESSION_BUS_ADDRESS\"; exec \"$0\""),
+                              QStringLiteral(RECIPE)});
+        qputenv("DBUS_SESSION_BUS_ADDRESS", recipe.line().toUtf8());
+        QCOMPARE(recipe.line(), utf8("light"));
         if (!set(utf8("gtk-theme"), utf8("Adwaita-dark")) || !QFile::exists(config("dconf/user")))
             QSKIP("dconf or the schemas of GNOME are not installed");
-        QCOMPARE(host.line(), utf8("dark"));
+        QCOMPARE(recipe.line(), utf8("dark"));
         QVERIFY(set(utf8("gtk-theme"), utf8("Adwaita-light")));
-        QCOMPARE(host.line(), utf8("light"));
-        QCOMPARE(host.pressEnter(), QString());
+        QCOMPARE(recipe.line(), utf8("light"));
+        QCOMPARE(recipe.pressEnter(), QString());
     }
 
-    void fileThatIsWrittenInPlaceIsSeen()
+    void emitsChangeOfRewrittenFile()
     {
-        provideTools();
+        installTools();
         writeFile(tool("theme"), "");
         QVERIFY(writeFile(config("plasmarc"), "[Theme]\nname=breeze-light\n"));
-        Host host;
-        QCOMPARE(host.line(), utf8("light"));
+        RunningRecipe recipe;
+        QCOMPARE(recipe.line(), utf8("light"));
         for (const char *theme : {"dark", "light", "dark"}) {
             QVERIFY(writeFile(config("plasmarc"), "[Theme]\nname=breeze-" + QByteArray(theme) + "\n"));
-            QCOMPARE(host.line(), utf8(theme));
+            QCOMPARE(recipe.line(), utf8(theme));
         }
     }
 
-    void fileThatIsReplacedIsSeenEachTime()
+    void emitsEachChangeOfReplacedFile()
     {
-        provideTools();
+        installTools();
         writeFile(tool("theme"), "");
         QVERIFY(QDir().mkpath(config("gtk-3.0")));
         const QString file = config("gtk-3.0/settings.ini");
         QVERIFY(writeFile(file, "[Settings]\ngtk-theme-name=Arc-light\n"));
-        Host host;
-        QCOMPARE(host.line(), utf8("light"));
+        RunningRecipe recipe;
+        QCOMPARE(recipe.line(), utf8("light"));
         for (const char *theme : {"dark", "light", "dark"}) {
             QVERIFY(writeFile(file + utf8(".new"), "[Settings]\ngtk-theme-name=" + QByteArray(theme) + "\n"));
             QVERIFY(QFile::remove(file) && QFile::rename(file + utf8(".new"), file));
-            QCOMPARE(host.line(), utf8(theme));
+            QCOMPARE(recipe.line(), utf8(theme));
         }
     }
 
-    void folderThatComesIntoBeingIsWatchedToo()
+    void emitsChangeInNewFolder()
     {
-        provideTools();
+        installTools();
         writeFile(tool("theme"), "");
         QVERIFY(QDir(config("")).removeRecursively());
-        Host host;
-        QCOMPARE(host.line(), utf8("light"));
+        RunningRecipe recipe;
+        QCOMPARE(recipe.line(), utf8("light"));
         QVERIFY(QDir().mkpath(config("kylin-qt5")));
         QVERIFY(writeFile(config("kylin-qt5/qt5ct.conf"), "[Appearance]\nstyle=ukui-dark\n"));
-        QCOMPARE(host.line(), utf8("dark"));
+        QCOMPARE(recipe.line(), utf8("dark"));
         QVERIFY(writeFile(config("kylin-qt5/qt5ct.conf"), "[Appearance]\nstyle=ukui-light\n"));
-        QCOMPARE(host.line(), utf8("light"));
+        QCOMPARE(recipe.line(), utf8("light"));
     }
 
-    void changeWithoutASignIsSeenAtTheNextInterval()
+    void emitsChangeWithoutSignAfterInterval()
     {
-        provideTools();
-        Host host({QStringLiteral(RECIPE), utf8("50")});
-        QCOMPARE(host.line(), utf8("light"));
+        installTools();
+        RunningRecipe recipe({QStringLiteral(RECIPE), utf8("50")});
+        QCOMPARE(recipe.line(), utf8("light"));
         QVERIFY(writeFile(tool("theme"), "'Adwaita-dark'"));
-        QCOMPARE(host.line(), utf8("dark"));
+        QCOMPARE(recipe.line(), utf8("dark"));
     }
 
-    void paletteOfTheApplicationIsASign()
+    void queriesAfterPaletteChange()
     {
-        provideTools();
+        installTools();
         ThemeWatcher watcher;
         QSignalSpy changes(&watcher, &ThemeWatcher::darkChanged);
-        QVERIFY(changes.wait(patience));
+        QVERIFY(changes.wait(timeoutMs));
         QCOMPARE(changes.takeFirst().first().toBool(), false);
         QVERIFY(writeFile(tool("theme"), "'Adwaita-dark'"));
         QGuiApplication::setPalette(QPalette(Qt::black));
-        QVERIFY(changes.wait(patience));
+        QVERIFY(changes.wait(timeoutMs));
         QCOMPARE(changes.takeFirst().first().toBool(), true);
     }
 
-    void oneQuestionAtATimeIsAsked()
+    void runsOneQueryAtATime()
     {
-        provideTools();
+        installTools();
         m_tools->add(utf8("gsettings"), "/bin/mkdir '" + QFile::encodeName(tool("busy")) + "' || : >'"
                                             + QFile::encodeName(tool("overlap"))
                                             + "'\n/bin/sleep 0.5; /bin/cat '"
@@ -253,62 +255,62 @@ private Q_SLOTS:
         QSignalSpy changes(&watcher, &ThemeWatcher::darkChanged);
         for (const char *theme : {"dark", "light", "dark"}) {
             QVERIFY(writeFile(tool("theme"), theme));
-            QVERIFY(changes.wait(patience));
+            QVERIFY(changes.wait(timeoutMs));
         }
         QVERIFY(!QFile::exists(tool("overlap")));
     }
 
-    void changeDuringAQuestionIsAskedForBehindIt()
+    void repeatsQueryAfterChangeDuringQuery()
     {
-        provideTools();
+        installTools();
         QVERIFY(QFile::remove(tool("go")));
         ThemeWatcher watcher;
         QSignalSpy changes(&watcher, &ThemeWatcher::darkChanged);
         QTRY_COMPARE(m_tools->calls().size(), 2);
-        FiredTimers timers; // such as the watcher's, which says that it would ask now
+        FiredTimers timers; // the watcher's timer fires when the next query is due
         QVERIFY(writeFile(config("plasmarc"), "sign"));
-        QTRY_COMPARE_WITH_TIMEOUT(timers.count, 1, patience);
+        QTRY_COMPARE_WITH_TIMEOUT(timers.count, 1, timeoutMs);
         QVERIFY(writeFile(tool("go"), ""));
-        QTRY_COMPARE_WITH_TIMEOUT(questions(), 2, patience);
-        QTRY_COMPARE_WITH_TIMEOUT(changes.size(), 1, patience);
+        QTRY_COMPARE_WITH_TIMEOUT(queries(), 2, timeoutMs);
+        QTRY_COMPARE_WITH_TIMEOUT(changes.size(), 1, timeoutMs);
     }
 
-    void manySignsAreOneQuestion()
+    void combinesManySignsIntoOneQuery()
     {
-        provideTools();
+        installTools();
         ThemeWatcher watcher;
         QSignalSpy changes(&watcher, &ThemeWatcher::darkChanged);
-        QVERIFY(changes.wait(patience));
+        QVERIFY(changes.wait(timeoutMs));
         QVERIFY(writeFile(tool("theme"), "'Adwaita-dark'"));
         for (int i = 0; i < 50; ++i)
             QVERIFY(writeFile(config("plasmarc"), QByteArray::number(i)));
-        QVERIFY(changes.wait(patience));
-        QVERIFY2(questions() <= 3, QByteArray::number(questions()).constData());
+        QVERIFY(changes.wait(timeoutMs));
+        QVERIFY2(queries() <= 3, QByteArray::number(queries()).constData());
     }
 
-    void toolThatHangsHoldsTheHostAtNoTime()
+    void quitsWhileToolHangs()
     {
-        provideTools();
-        m_tools->add(utf8("gsettings"), "read line"); // until its host is gone
-        Host host;
-        QTRY_VERIFY_WITH_TIMEOUT(m_tools->calls().size() == 2, patience);
+        installTools();
+        m_tools->add(utf8("gsettings"), "read line"); // blocks until the recipe ends
+        RunningRecipe recipe;
+        QTRY_VERIFY_WITH_TIMEOUT(m_tools->calls().size() == 2, timeoutMs);
         QElapsedTimer time;
         time.start();
-        QCOMPARE(host.pressEnter(), QString());
-        QVERIFY(time.elapsed() < 25000); // the library waits for 30 s
+        QCOMPARE(recipe.pressEnter(), QString());
+        QVERIFY(time.elapsed() < 25000); // the library's limit is 30 seconds
     }
 
-    void watcherThatIsDeletedMeanwhileIsNotTold()
+    void ignoresResultForDeletedWatcher()
     {
-        provideTools();
+        installTools();
         QVERIFY(QFile::remove(tool("go")));
         auto watcher = std::make_unique<ThemeWatcher>();
         QTRY_COMPARE(m_tools->calls().size(), 2);
         watcher.reset();
         QVERIFY(writeFile(tool("go"), ""));
-        ThemeWatcher other; // its answer comes behind the first one's
+        ThemeWatcher other; // its result comes after the first one's
         QSignalSpy changes(&other, &ThemeWatcher::darkChanged);
-        QVERIFY(changes.wait(patience));
+        QVERIFY(changes.wait(timeoutMs));
         QCOMPARE(changes.size(), 1);
     }
 };

@@ -2,59 +2,59 @@
 
 #pragma once
 
-#include "Sandbox.h"
+#include "ChildProcess.h"
 
 #include <QJsonArray>
 #include <QJsonValue>
-#include <QProcess>
-#include <QString>
 
 /**
- * A host application as a child process: the program "testhost", which loads the library and does
- * what it is told, one call at a time. So a test sees a host from outside: what it leaves on disk and
- * on its standard streams, when it is killed, in a sandbox or at another time.
+ * A host application as a child process: the program "testhost", which loads the library and carries out
+ * one command at a time. It shows what an application writes to disk and to its standard streams, also in
+ * a sandbox, at another time, or after it was killed.
  */
 class HostProcess
 {
 public:
     HostProcess();
-    ~HostProcess();
 
-    /** The program as it was built. */
+    /** The path of the program. */
     static QString program();
 
-    /** What start() runs in the place of program(): a copy of it that lies elsewhere. */
-    void setCommand(const QStringList &command) { m_command = command; }
+    /** Replaces program() as the command of start(), for a copy in another directory. */
+    void setCommand(const QStringList &command) { m_process.setCommand(command); }
 
-    /** To be called before start(). An empty @p value is one; a null one takes the variable away. */
-    void setEnvironment(const QString &variable, const QString &value);
+    /** Must be called before start(). A null @p value removes the variable. */
+    void setEnvironment(const QString &variable, const QString &value)
+    {
+        m_process.setEnvironment(variable, value);
+    }
 
     bool start(const Sandbox &sandbox = Sandbox());
 
     /**
-     * Has the host carry out @p command and waits for its answer. A null argument is a null pointer.
+     * Calls a command and waits for its answer. A null argument is passed as a null pointer.
      *
-     * @return what the host answers; undefined when it died instead
+     * @return the answer; undefined if the host ended instead
      */
     QJsonValue call(const QString &command, const QJsonArray &arguments = {});
 
-    /** The two halves of call(), for a host that works while the test does something else. */
+    /** Together these do the same as call(); the test can do something else in between. */
     void send(const QString &command, const QJsonArray &arguments = {});
     QJsonValue answer();
 
-    /** Waits for the answer for @p timeout ms. */
-    bool hasAnswer(int timeout);
+    /** Returns whether an answer arrives within @p timeoutMs. */
+    bool hasAnswer(int timeoutMs) { return m_process.waitForLine(timeoutMs); }
 
-    /** Ends the host as a user would; @return its exit code, -1 for a crash. */
+    /** Closes the host's input, waits for its end and returns its exit code; -1 after a crash. */
     int quit();
 
     /** Ends the host with SIGKILL. */
-    void kill();
+    void kill() { m_process.kill(); }
 
     /** All that the host wrote to its standard error stream so far. */
-    QString standardError();
+    QString standardError() { return QString::fromUtf8(m_process.standardError()); }
 
-    /** What the host wrote to its standard output stream beside its answers, until the last of them. */
+    /** What the host wrote to its standard output stream besides its answers, up to the last answer. */
     QString standardOutput() const { return QString::fromUtf8(m_standardOutput); }
 
     qint64 processId() const { return m_process.processId(); }
@@ -62,9 +62,6 @@ public:
 private:
     Q_DISABLE_COPY(HostProcess)
 
-    QStringList m_command;
-    QProcess m_process;
-    QProcessEnvironment m_environment;
-    QByteArray m_standardError;
+    ChildProcess m_process;
     QByteArray m_standardOutput;
 };

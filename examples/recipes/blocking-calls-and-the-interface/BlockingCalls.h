@@ -9,25 +9,27 @@
 #include <memory>
 
 /**
- * Runs @p call, which blocks in an event loop of its own, with @p trigger disabled, so that the user can't
- * start it a second time meanwhile.
+ * Runs @p call while @p trigger is disabled, so that the user cannot start it a second time.
  *
- * @return false when the trigger, and so its window, is gone afterwards: return then and touch nothing of it
+ * For calls that wait in an event loop of their own.
+ *
+ * @return false if the trigger was destroyed during the call; return at once then and use none of its members
  */
 template <typename Call> bool runDisabled(QWidget *trigger, const Call &call)
 {
-    const QPointer<QWidget> living(trigger);
+    const QPointer<QWidget> guardedTrigger(trigger);
     trigger->setEnabled(false);
     call();
-    if (!living)
+    if (!guardedTrigger)
         return false;
     trigger->setEnabled(true);
     return true;
 }
 
 /**
- * Runs @p call, which blocks, in a thread of its own, and hands what it returns to @p deliver in the thread
- * of @p receiver; to nobody when the receiver is gone by then.
+ * Runs @p call in a new thread and passes its result to @p deliver in the thread of @p receiver.
+ *
+ * If the receiver is destroyed before, the result is dropped.
  */
 template <typename Call, typename Deliver>
 void runInThread(const Call &call, QObject *receiver, const Deliver &deliver)

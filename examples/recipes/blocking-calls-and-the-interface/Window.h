@@ -7,7 +7,7 @@
 #include <QUrl>
 #include <QWidget>
 
-/** A window that asks for an address in three ways: as one would write it first, and in two safe ones. */
+/** A window that requests an address in three ways: without care, with the button disabled, in a thread. */
 class Window : public QWidget
 {
     Q_OBJECT
@@ -20,14 +20,15 @@ public:
     QPushButton *threadButton() { return &m_threadButton; }
 
 Q_SIGNALS:
-    /** With how many requests are running, this one included. */
+    /** @p running is the number of requests that are running, including this one. */
     void started(int running);
+    /** @p running is the number of requests that are still running. */
     void answered(const QByteArray &answer, int running);
 
 private:
-    void askPlainly();
-    void askDisabled();
-    void askInThread();
+    void requestPlainly();
+    void requestDisabled();
+    void requestInThread();
 
     void showAnswer(const QByteArray &answer);
 

@@ -1,58 +1,53 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 
-// Shows calls that block while the window stays alive, and how a second click is held off meanwhile.
+// Shows blocking calls in a window, and how to prevent a second click during the call.
 //
 //     recipe-blocking-calls-and-the-interface ADDRESS [plain|disabling|thread|closing]
 //
-// With a second argument a user in a hurry clicks that button twice, or closes the window between, and the
-// host quits afterwards. Take an address that takes its time.
+// With a second argument the program clicks that button twice, or closes the window during the call, and then
+// quits. Use an address that answers slowly.
 
+#include "../PrintLine.h"
 #include "Window.h"
 
 #include <QApplication>
-#include <QTextStream>
 #include <QTimer>
 
 namespace {
 
 constexpr int secondClickMs = 100;
-constexpr int afterClosingMs = 2000;
-
-void say(const QString &line)
-{
-    QTextStream(stdout) << line << '\n';
-}
+constexpr int quitAfterClosingMs = 2000;
 
 void clickTwice(QPushButton *button)
 {
     const auto click = [button] {
         button->click();
-        say(QStringLiteral("The click is over"));
+        printLine(QStringLiteral("The click is handled"));
     };
     QTimer::singleShot(0, button, click);
     QTimer::singleShot(secondClickMs, button, click);
 }
 
-void closeWhileItAsks(Window *window)
+void closeDuringCall(Window *window)
 {
     QTimer::singleShot(0, window->disablingButton(), &QPushButton::click);
     QTimer::singleShot(secondClickMs, window, [window] {
         delete window;
-        say(QStringLiteral("The window is closed"));
-        QTimer::singleShot(afterClosingMs, qApp, &QApplication::quit);
+        printLine(QStringLiteral("The window is closed"));
+        QTimer::singleShot(quitAfterClosingMs, qApp, &QApplication::quit);
     });
 }
 
-void beInAHurry(Window *window, const QString &how)
+void simulateUser(Window *window, const QString &action)
 {
-    if (how == QLatin1String("plain"))
+    if (action == QLatin1String("plain"))
         clickTwice(window->plainButton());
-    if (how == QLatin1String("disabling"))
+    if (action == QLatin1String("disabling"))
         clickTwice(window->disablingButton());
-    if (how == QLatin1String("thread"))
+    if (action == QLatin1String("thread"))
         clickTwice(window->threadButton());
-    if (how == QLatin1String("closing"))
-        closeWhileItAsks(window);
+    if (action == QLatin1String("closing"))
+        closeDuringCall(window);
 }
 
 void quit(Window *window)
@@ -60,7 +55,7 @@ void quit(Window *window)
     for (const QPushButton *const button :
          {window->plainButton(), window->disablingButton(), window->threadButton()}) {
         if (!button->isEnabled())
-            say(QStringLiteral("A button is left disabled"));
+            printLine(QStringLiteral("A button is still disabled"));
     }
     QApplication::quit();
 }
@@ -71,19 +66,19 @@ int main(int argc, char **argv)
 {
     QApplication application(argc, argv);
     const QStringList arguments = QApplication::arguments();
-    const QString hurry = arguments.value(2);
+    const QString action = arguments.value(2);
 
     auto *const window = new Window(QUrl(arguments.value(1)));
     window->setAttribute(Qt::WA_DeleteOnClose);
     QObject::connect(window, &Window::started, &application,
-                     [](int running) { say(QStringLiteral("Running: %1").arg(running)); });
+                     [](int running) { printLine(QStringLiteral("Running: %1").arg(running)); });
     QObject::connect(window, &Window::answered, window,
-                     [window, hurry](const QByteArray &answer, int running) {
-                         say(QStringLiteral("Answered by %1 bytes").arg(answer.size()));
-                         if (running == 0 && !hurry.isEmpty())
+                     [window, action](const QByteArray &answer, int running) {
+                         printLine(QStringLiteral("Answered with %1 bytes").arg(answer.size()));
+                         if (running == 0 && !action.isEmpty())
                              QTimer::singleShot(0, window, [window] { quit(window); });
                      });
     window->show();
-    beInAHurry(window, hurry);
+    simulateUser(window, action);
     return QApplication::exec();
 }

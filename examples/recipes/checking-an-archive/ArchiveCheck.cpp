@@ -6,20 +6,25 @@
 #include <QFile>
 #include <QTextCodec>
 
+#include <limits>
+
 #include <quacrc32.h>
 #include <quazip.h>
 #include <quazipfileinfo.h>
 
+#include <sys/statvfs.h>
+
 namespace {
 
-constexpr quint16 encrypted = 0x0001; // of an entry's flags
-constexpr quint16 markedAsUtf8 = 0x0800;
-constexpr quint64 largestEntry = 0x7fffffff; // more is cut off
-constexpr int chunk = 1 << 20;
+constexpr quint16 encryptedFlag = 0x0001;
+constexpr quint16 utf8Flag = 0x0800;
+constexpr quint64 maxEntryBytes = 0x7fffffff; // the library cuts off the rest
+constexpr int chunkBytes = 1 << 20;
 
-bool isDirectory(const QuaZipFileInfo64 &entry)
+QList<QuaZipFileInfo64> entriesOf(QuaZip *zip, const QByteArray &codec)
 {
-    return entry.name.endsWith(QLatin1Char('/'));
+    zip->setFileNameCodec(codec.constData());
+    return zip->open(QuaZip::mdUnzip) ? zip->getFileInfoList64() : QList<QuaZipFileInfo64>();
 }
 
 bool staysInside(const QString &name)
@@ -29,80 +34,86 @@ bool staysInside(const QString &name)
            && !clean.startsWith(QLatin1String("../"));
 }
 
-QString objectionTo(const QuaZipFileInfo64 &entry, quint64 room)
+QString entryProblem(const QuaZipFileInfo64 &entry, quint64 spaceBytes)
 {
     if (!staysInside(entry.name))
         return QStringLiteral("it would be written outside the directory");
     if (entry.isSymbolicLink())
-        return QStringLiteral("it is a link");
-    if ((entry.flags & encrypted) != 0)
+        return QStringLiteral("it is a symbolic link");
+    if ((entry.flags & encryptedFlag) != 0)
         return QStringLiteral("it is encrypted");
-    if (entry.uncompressedSize > largestEntry)
+    if (entry.uncompressedSize > maxEntryBytes)
         return QStringLiteral("it is too large");
-    if (entry.uncompressedSize > room)
-        return QStringLiteral("there is no room for it");
+    if (entry.uncompressedSize > spaceBytes)
+        return QStringLiteral("there is not enough space for it");
     return QString();
 }
 
-quint32 checkSum(QFile &file)
+quint32 checkSum(QFile *file)
 {
     QuaCrc32 sum;
-    while (!file.atEnd())
-        sum.update(file.read(chunk));
+    while (!file->atEnd())
+        sum.update(file->read(chunkBytes));
     return sum.value();
 }
 
-bool isIn(const QDir &directory, const QuaZipFileInfo64 &entry)
+bool isExtracted(const QuaZipFileInfo64 &entry, const QDir &directory)
 {
     QFile file(directory.filePath(entry.name));
-    return isDirectory(entry) ? file.exists() : file.open(QIODevice::ReadOnly) && checkSum(file) == entry.crc;
+    if (entry.name.endsWith(QLatin1Char('/')))
+        return file.exists();
+    return file.open(QIODevice::ReadOnly) && checkSum(&file) == entry.crc;
 }
 
 } // namespace
 
-QString objectionTo(const QString &zipPath, quint64 room, const QByteArray &codec)
+QString archiveProblem(const QString &zipPath, quint64 spaceBytes, const QByteArray &codec)
 {
     QuaZip zip(zipPath);
-    zip.setFileNameCodec(codec.constData());
-    if (!zip.open(QuaZip::mdUnzip))
-        return QStringLiteral("It is no archive.");
-    const auto entries = zip.getFileInfoList64();
+    const auto entries = entriesOf(&zip, codec);
+    if (!zip.isOpen())
+        return QStringLiteral("It is not an archive.");
     for (const QuaZipFileInfo64 &entry : entries) {
-        const QString objection = objectionTo(entry, room);
-        if (!objection.isNull())
-            return entry.name + QStringLiteral(": ") + objection;
-        room -= entry.uncompressedSize;
+        const QString problem = entryProblem(entry, spaceBytes);
+        if (!problem.isNull())
+            return entry.name + QStringLiteral(": ") + problem;
+        spaceBytes -= entry.uncompressedSize;
     }
     return QString();
 }
 
-QByteArray nameCodec(const QString &zipPath, const QByteArray &codecOfOthers)
+// QStorageInfo finds no disk in a chroot without a mount of its own; statvfs() works there too.
+quint64 spaceForArchive(const QString &parentPath)
+{
+    struct statvfs disk = {};
+    if (statvfs(QFile::encodeName(parentPath).constData(), &disk) != 0)
+        return std::numeric_limits<quint64>::max();
+    return quint64(disk.f_bavail) * disk.f_frsize / 2;
+}
+
+QByteArray archiveNameCodec(const QString &zipPath, const QByteArray &otherCodec)
 {
     QuaZip zip(zipPath);
-    zip.setFileNameCodec("ISO-8859-1"); // a character for each byte
-    zip.open(QuaZip::mdUnzip);
-    const auto entries = zip.getFileInfoList64();
+    const auto entries = entriesOf(&zip, "ISO-8859-1"); // one character for each byte
     const QTextCodec *const utf8 = QTextCodec::codecForName("UTF-8");
     for (const QuaZipFileInfo64 &entry : entries) {
-        if ((entry.flags & markedAsUtf8) != 0)
+        if ((entry.flags & utf8Flag) != 0)
             continue;
         const QByteArray bytes = entry.name.toLatin1();
         QTextCodec::ConverterState state;
         utf8->toUnicode(bytes.constData(), bytes.size(), &state);
         if (state.invalidChars > 0 || state.remainingChars > 0)
-            return codecOfOthers;
+            return otherCodec;
     }
     return QByteArrayLiteral("UTF-8");
 }
 
-QString lackIn(const QString &directory, const QString &zipPath, const QByteArray &codec)
+QString missingEntry(const QString &directory, const QString &zipPath, const QByteArray &codec)
 {
     QuaZip zip(zipPath);
-    zip.setFileNameCodec(codec.constData());
-    zip.open(QuaZip::mdUnzip);
-    const auto entries = zip.getFileInfoList64();
+    const auto entries = entriesOf(&zip, codec);
     for (const QuaZipFileInfo64 &entry : entries) {
-        if (!isIn(QDir(directory), entry))
+        if (!isExtracted(entry, QDir(directory)))
             return entry.name;
     }
     return QString();

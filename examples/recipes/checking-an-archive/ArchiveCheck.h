@@ -6,15 +6,22 @@
 #include <QString>
 
 /**
- * Why the archive should not be extracted, in words for the user; null where nothing speaks against it.
+ * Returns why the archive must not be extracted, as a message for the user; null if it may be extracted.
  *
- * @param room the most bytes that its files may have together
- * @param codec how names are decoded that the archive doesn't mark as UTF-8
+ * @param spaceBytes the largest total size of the extracted files
+ * @param codec decodes the names that the archive does not mark as UTF-8
  */
-QString objectionTo(const QString &zipPath, quint64 room, const QByteArray &codec);
+QString archiveProblem(const QString &zipPath, quint64 spaceBytes, const QByteArray &codec);
 
-/** The codec for these names: "UTF-8" where all of them are valid in it, else @p codecOfOthers. */
-QByteArray nameCodec(const QString &zipPath, const QByteArray &codecOfOthers);
+/**
+ * Returns half of the free space on the disk of the directory @p parentPath, in bytes.
+ *
+ * If the system does not report the free space, there is no limit: returns the largest number.
+ */
+quint64 spaceForArchive(const QString &parentPath);
 
-/** What of the archive is not in the directory with its check sum; null where all of it is. */
-QString lackIn(const QString &directory, const QString &zipPath, const QByteArray &codec);
+/** Returns "UTF-8" if all names that are not marked are valid UTF-8; otherwise @p otherCodec. */
+QByteArray archiveNameCodec(const QString &zipPath, const QByteArray &otherCodec);
+
+/** Returns the first entry that is not in @p directory with its check sum; null if all are. */
+QString missingEntry(const QString &directory, const QString &zipPath, const QByteArray &codec);

@@ -15,9 +15,9 @@ using ZyBase::CSystemUtils;
 
 namespace {
 
-const char *const choiceKey = "UsageReports/Allowed";
+constexpr const char *choiceKey = "UsageReports/Allowed";
 
-// A request that has only just started hears no stop, so it is told again.
+// A request that has just started misses a stop, so the stop is repeated.
 constexpr int stopTimesMs[] = {0, 50, 100, 200, 500};
 
 } // namespace
@@ -36,8 +36,8 @@ bool UsageReports::isAllowed() const
 bool UsageReports::setAllowed(bool allowed)
 {
     m_isAllowed = allowed;
-    for (const int time : stopTimesMs)
-        QTimer::singleShot(time, &m_context, [this] { stopUnlessAllowed(); });
+    for (const int timeMs : stopTimesMs)
+        QTimer::singleShot(timeMs, &m_context, [this] { stopUnlessAllowed(); });
     QSettings choice;
     choice.setValue(QLatin1String(choiceKey), allowed);
     choice.sync();
@@ -62,7 +62,7 @@ void UsageReports::sendRecord(const QString &action, const QString &status)
         CGaReportManager::s_instance->SendXdReport(action, status);
 }
 
-// The one door to all that is sent; behind it the identifier is made, at the first report that is allowed.
+// Returns whether reports may be sent. The first call with consent creates the identifier.
 bool UsageReports::prepare()
 {
     if (!m_isAllowed || m_isPrepared)

@@ -6,10 +6,11 @@
 #include <QString>
 
 /**
- * The usage reports of a host: sent while the user allows it, and by nobody's oversight otherwise. Until
- * then there is no identifier of this machine and no manager of reports either.
+ * Sends the usage reports of an application, but only while the user allows it.
  *
- * For the main thread, after the application object and its names are set.
+ * Before consent it sends nothing and creates neither an identifier of this machine nor a report manager.
+ *
+ * For the main thread. Create one object, after the application object and its names are set.
  */
 class UsageReports
 {
@@ -18,7 +19,7 @@ public:
     {
         QString product;
         QString version;
-        QString catalogue; ///< the file of the events
+        QString catalogue; ///< the path of the event catalogue
         QString measurementId;
         QString apiSecret;
         QString statistics; ///< the address of the statistics backend
@@ -26,18 +27,20 @@ public:
 
     explicit UsageReports(Settings settings);
 
-    /** What the user chose, which QSettings keep; not allowed until then. */
+    /** Returns the user's choice, which QSettings stores; false until the user has chosen. */
     bool isAllowed() const;
 
     /**
-     * Takes the user's choice, which holds at once. Switching off stops what is under way.
+     * Sets and stores the user's choice. It takes effect at once; false also stops running requests.
      *
-     * @return false when it can't be kept for the next start: tell the user
+     * @return false if the choice cannot be stored for the next start; show the user a message then
      */
     bool setAllowed(bool allowed);
 
-    /** These do nothing while it isn't allowed; else as the functions of ZyBase::CGaReportManager. */
+    /** Sends an event as ZyBase::CGaReportManager::SendGaReport() does; does nothing without consent. */
     void sendEvent(const QString &key, const QString &label = QString());
+
+    /** Sends a record as ZyBase::CGaReportManager::SendXdReport() does; does nothing without consent. */
     void sendRecord(const QString &action, const QString &status);
 
 private:
@@ -47,5 +50,5 @@ private:
     const Settings m_settings;
     bool m_isAllowed;
     bool m_isPrepared = false;
-    QObject m_context; ///< whose timers end with it
+    QObject m_context; ///< its destruction cancels the timers
 };

@@ -1,84 +1,80 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 
-// Shows usage reports that are sent while the user allows it and never otherwise.
+// Sends usage reports, but only while the user allows it.
 //
 //     scripts/local-services recipe-consent-for-reports
 //
-// Type "allow", "forbid" and "report", and look at the page of the local services; end by Ctrl+D.
+// Type "allow", "forbid" or "report", and look at the web page of the local services. Ctrl+D quits.
 
+#include "../PrintLine.h"
+#include "../SampleCatalogue.h"
+#include "DevelopmentServices.h"
+#include "QuitInTime.h"
+#include "RunningRequests.h"
 #include "UsageReports.h"
 
-#include "../seeing-what-is-sent/DevelopmentServices.h"
-
-#include <ZyBase/analytics/CGaReportManager.h>
-
 #include <QCoreApplication>
-#include <QTemporaryFile>
-#include <QTextStream>
 #include <QTimer>
 
 #include <thread>
 
 namespace {
 
-constexpr int lastMomentMs = 200;
+constexpr std::chrono::milliseconds timeToStop(500);
 
-void say(const QString &line)
+void printChoice(const UsageReports &reports)
 {
-    QTextStream(stdout) << line << '\n';
+    printLine(reports.isAllowed() ? QStringLiteral("Reports are sent")
+                                  : QStringLiteral("No reports are sent"));
 }
 
 void choose(UsageReports &reports, bool allowed)
 {
-    const bool isKept = reports.setAllowed(allowed);
-    say(allowed ? QStringLiteral("Reports are sent") : QStringLiteral("No reports are sent"));
-    if (!isKept)
-        say(QStringLiteral("The choice can't be kept"));
+    const bool isStored = reports.setAllowed(allowed);
+    printChoice(reports);
+    if (!isStored)
+        printLine(QStringLiteral("The choice cannot be stored"));
 }
 
-void obey(UsageReports &reports, const QString &command)
+void execute(UsageReports &reports, const QString &command)
 {
     if (command == QLatin1String("allow") || command == QLatin1String("forbid"))
         return choose(reports, command == QLatin1String("allow"));
     reports.sendEvent(QStringLiteral("open"));
     reports.sendRecord(QStringLiteral("server_run"), QStringLiteral("none"));
-    say(QStringLiteral("Something to report"));
+    printLine(QStringLiteral("Something to report"));
 }
 
-// Reads on while the event loop runs.
+// Runs in a thread. The commands are executed in the main thread.
 void readCommands(UsageReports &reports)
 {
     QTextStream input(stdin);
     for (QString line = input.readLine(); !line.isNull(); line = input.readLine())
-        QTimer::singleShot(0, qApp, [&reports, line] { obey(reports, line); });
-    QTimer::singleShot(0, qApp, [] {
-        ZyBase::CGaReportManager::ReleaseReport();
-        QTimer::singleShot(lastMomentMs, qApp, &QCoreApplication::quit);
-    });
+        QTimer::singleShot(0, qApp, [&reports, line] { execute(reports, line); });
+    QTimer::singleShot(0, qApp, &QCoreApplication::quit);
 }
 
-} // namespace
-
-int main(int argc, char **argv)
+int run(int argc, char **argv)
 {
     QCoreApplication application(argc, argv);
     QCoreApplication::setOrganizationName(QStringLiteral("Example"));
     QCoreApplication::setApplicationName(QStringLiteral("consent"));
     const DevelopmentServices services = useDevelopmentServices();
 
-    QTemporaryFile catalogue; // a host has it in its resources
-    if (!catalogue.open()
-        || catalogue.write(R"([{"event_key": "open", "event_name": "open_file", "event_category": "file",
-                               "event_label": "pdf"}])")
-               < 0)
-        return EXIT_FAILURE;
-    catalogue.close();
-
-    UsageReports reports({QStringLiteral("consent-recipe"), QStringLiteral("1.0"), catalogue.fileName(),
+    const SampleCatalogue catalogue;
+    UsageReports reports({QStringLiteral("consent-recipe"), QStringLiteral("1.0"), catalogue.path(),
                           QStringLiteral("G-EXAMPLE"), QStringLiteral("secret"), services.statistics});
-    say(reports.isAllowed() ? QStringLiteral("Reports are sent") : QStringLiteral("No reports are sent"));
+    printChoice(reports);
     std::thread reader([&reports] { readCommands(reports); });
     const int exitCode = QCoreApplication::exec();
     reader.join();
+    RunningRequests().stopAll(timeToStop);
     return exitCode;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    endProcess(run(argc, argv));
 }

@@ -8,19 +8,21 @@ using ZyBase::CHttpPostRequest;
 
 namespace {
 
-// The worker that has told the outcome still takes its last steps out of the signal.
-constexpr int lastStepsMs = 1000;
+// The request's thread still uses the request for a moment after it has emitted the outcome.
+constexpr int deletionDelayMs = 1000;
 
 } // namespace
 
 CHttpPostRequest *createRequest(const QObject *owner)
 {
     auto *const request = new CHttpPostRequest;
-    const auto removeLater = [request] { QTimer::singleShot(lastStepsMs, request, &QObject::deleteLater); };
-    QObject::connect(request, &CHttpPostRequest::SignalRequestResult, request, removeLater);
-    QObject::connect(request, &CHttpPostRequest::SignalRequestResultAndStatusCode, request, removeLater);
-    QObject::connect(request, &CHttpPostRequest::SignalRequestTimeout, request, removeLater);
-    QObject::connect(request, &CHttpPostRequest::SignalRequestCancel, request, removeLater);
+    const auto deleteLater = [request] {
+        QTimer::singleShot(deletionDelayMs, request, &QObject::deleteLater);
+    };
+    QObject::connect(request, &CHttpPostRequest::SignalRequestResult, request, deleteLater);
+    QObject::connect(request, &CHttpPostRequest::SignalRequestResultAndStatusCode, request, deleteLater);
+    QObject::connect(request, &CHttpPostRequest::SignalRequestTimeout, request, deleteLater);
+    QObject::connect(request, &CHttpPostRequest::SignalRequestCancel, request, deleteLater);
     QObject::connect(owner, &QObject::destroyed, request, &CHttpPostRequest::SignalStopRequest);
     return request;
 }

@@ -5,9 +5,9 @@
 #include <ZyBase/http/CHttpPostRequest.h>
 
 /**
- * A request that @p owner asks with, to be started once by one of the forms that don't wait. It is stopped
- * when the owner goes, and removes itself a moment after its outcome, whoever is still there.
+ * Creates a request that stops when @p owner is destroyed and deletes itself one second after its outcome.
  *
- * Connect its signals to a receiver, the owner as a rule; never delete it and give it no parent.
+ * Start it once, by a function that runs in the background. Connect its signals with a receiver, usually the
+ * owner. Do not delete the request and do not set a parent.
  */
 ZyBase::CHttpPostRequest *createRequest(const QObject *owner);

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr int maxRedirections = 5;
+constexpr int maxRedirects = 5;
 constexpr int timeLimitMs = 10000;
 
 bool isSafe(const QUrl &from, const QUrl &target)
@@ -16,7 +16,7 @@ bool isSafe(const QUrl &from, const QUrl &target)
     return target.scheme() == QLatin1String("http") && from.scheme() == QLatin1String("http");
 }
 
-// 307 and 308 repeat the request as it was; the others say where to fetch the answer.
+// After 307 and 308 the same request is sent again; after the others the answer is fetched with GET.
 bool keepsOperation(int status)
 {
     return status == 307 || status == 308;
@@ -35,19 +35,19 @@ void FollowedRequest::start(QNetworkAccessManager::Operation operation, const QU
 {
     m_operation = operation;
     m_json = json;
-    m_redirections = 0;
+    m_redirects = 0;
     m_timer.start(timeLimitMs);
-    ask(url);
+    send(url);
 }
 
-void FollowedRequest::ask(const QUrl &url)
+void FollowedRequest::send(const QUrl &url)
 {
-    QNetworkReply *const reply = send(url);
+    QNetworkReply *const reply = replyFrom(url);
     connect(&m_timer, &QTimer::timeout, reply, &QNetworkReply::abort);
-    connect(reply, &QNetworkReply::finished, this, [this, reply] { take(reply); });
+    connect(reply, &QNetworkReply::finished, this, [this, reply] { handle(reply); });
 }
 
-QNetworkReply *FollowedRequest::send(const QUrl &url)
+QNetworkReply *FollowedRequest::replyFrom(const QUrl &url)
 {
     QNetworkRequest request(url);
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
@@ -59,13 +59,13 @@ QNetworkReply *FollowedRequest::send(const QUrl &url)
     return m_manager.post(request, m_json);
 }
 
-void FollowedRequest::take(QNetworkReply *reply)
+void FollowedRequest::handle(QNetworkReply *reply)
 {
     reply->deleteLater();
     const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     const QUrl target = reply->attribute(QNetworkRequest::RedirectionTargetAttribute).toUrl();
     if (!m_timer.isActive())
-        return fail(tr("No answer within ten seconds"));
+        return fail(tr("There was no answer within ten seconds"));
     if (!target.isEmpty())
         return follow(reply->url(), status, reply->url().resolved(target));
     if (status == 0)
@@ -77,12 +77,12 @@ void FollowedRequest::take(QNetworkReply *reply)
 void FollowedRequest::follow(const QUrl &from, int status, const QUrl &target)
 {
     if (!isSafe(from, target))
-        return fail(tr("Not followed to %1").arg(target.toDisplayString()));
-    if (++m_redirections > maxRedirections)
-        return fail(tr("More than %1 redirections").arg(maxRedirections));
+        return fail(tr("The redirect to %1 is not followed").arg(target.toDisplayString()));
+    if (++m_redirects > maxRedirects)
+        return fail(tr("There are more than %1 redirects").arg(maxRedirects));
     if (m_operation == QNetworkAccessManager::PostOperation && !keepsOperation(status))
         m_operation = QNetworkAccessManager::GetOperation;
-    ask(target);
+    send(target);
 }
 
 void FollowedRequest::fail(const QString &reason)

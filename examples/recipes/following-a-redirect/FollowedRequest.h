@@ -8,10 +8,12 @@
 #include <QUrl>
 
 /**
- * A request that follows redirections: at most five, never from https to http, and all within ten seconds.
+ * A request that follows redirects: at most five, never from https to http, and all within ten seconds.
  *
- * For an address that answers by itself ZyBase::CHttpPostRequest will do. Unlike there, certificates are
- * checked here. One request an object at a time, in a thread with an event loop; it may be deleted any time.
+ * Use ZyBase::CHttpPostRequest for addresses that do not redirect. Unlike there, certificates are checked
+ * here.
+ *
+ * Runs one request at a time, in a thread with an event loop. The object may be deleted at any time.
  */
 class FollowedRequest : public QObject
 {
@@ -22,33 +24,33 @@ public:
 
     void get(const QUrl &url) { start(QNetworkAccessManager::GetOperation, url); }
 
-    /** Posts JSON; becomes a GET where the server wants the answer to be fetched elsewhere. */
+    /** Posts JSON. After status 301, 302 or 303 the answer is fetched with GET. */
     void post(const QUrl &url, const QByteArray &json)
     {
         start(QNetworkAccessManager::PostOperation, url, json);
     }
 
-    /** Finds out where the address leads to without its content, for a download say. */
+    /** Finds the final address without its content, for example before a download. */
     void locate(const QUrl &url) { start(QNetworkAccessManager::HeadOperation, url); }
 
 Q_SIGNALS:
-    /** An answer that is no redirection, of whatever status, and the address that it came from. */
+    /** The first answer that is not a redirect, with any status. @p url is the address that sent it. */
     void answered(const QUrl &url, int status, const QByteArray &body);
 
-    /** No answer came, or a redirection that isn't followed. */
+    /** There was no answer, or a redirect was not followed. */
     void failed(const QString &reason);
 
 private:
     void start(QNetworkAccessManager::Operation operation, const QUrl &url, const QByteArray &json = {});
-    QNetworkReply *send(const QUrl &url);
-    void ask(const QUrl &url);
-    void take(QNetworkReply *reply);
+    void send(const QUrl &url);
+    QNetworkReply *replyFrom(const QUrl &url);
+    void handle(QNetworkReply *reply);
     void follow(const QUrl &from, int status, const QUrl &target);
     void fail(const QString &reason);
 
     QNetworkAccessManager m_manager;
     QNetworkAccessManager::Operation m_operation = QNetworkAccessManager::GetOperation;
     QByteArray m_json;
-    int m_redirections = 0;
+    int m_redirects = 0;
     QTimer m_timer;
 };

@@ -1,39 +1,44 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 
-// Shows a request, a post and a download that follow redirections, which the library leaves to its host.
+// Sends a GET, a POST or a download that follows redirects.
 //
 //     recipe-following-a-redirect get|post|plainly ADDRESS
 //     recipe-following-a-redirect download ADDRESS DIRECTORY
 //
-// With "plainly" the library asks for the address by itself.
+// With "plainly" the library sends the GET, which follows no redirect.
 
+#include "../PrintLine.h"
 #include "FollowedRequest.h"
+#include "OwnedRequest.h"
 
-#include <ZyBase/http/CHttpPostRequest.h>
 #include <ZyBase/http/DownloadManager.h>
 
 #include <QCoreApplication>
-#include <QTextStream>
-#include <QTimer>
 
 using ZyBase::CHttpPostRequest;
 using ZyBase::DownloadManager;
 
 namespace {
 
-// The thread of the library's request still takes its last steps when its outcome is told.
-constexpr int lastStepsMs = 200;
-
-void say(const QString &line)
-{
-    QTextStream(stdout) << line << '\n';
-}
-
 void showAnswer(const QUrl &url, int status, const QByteArray &body)
 {
-    say(QStringLiteral("%1 answered %2").arg(url.toDisplayString()).arg(status));
-    say(QString::fromUtf8(body));
-    QTimer::singleShot(lastStepsMs, qApp, &QCoreApplication::quit);
+    printLine(QStringLiteral("%1 answered %2").arg(url.toDisplayString()).arg(status));
+    printLine(QString::fromUtf8(body));
+}
+
+void getPlainly(const QUrl &url)
+{
+    CHttpPostRequest *const request = createRequest(qApp);
+    QObject::connect(request, &CHttpPostRequest::SignalRequestResultAndStatusCode, qApp,
+                     [url](const QByteArray &body, int status) { showAnswer(url, status, body); });
+    QObject::connect(request, &QObject::destroyed, qApp, &QCoreApplication::quit);
+    request->StartGetRequestAndStatusCode(url, QString());
+}
+
+void showAnswerOf(FollowedRequest &request)
+{
+    QObject::connect(&request, &FollowedRequest::answered, qApp, showAnswer);
+    QObject::connect(&request, &FollowedRequest::answered, qApp, &QCoreApplication::quit);
 }
 
 void download(FollowedRequest &request, const QUrl &url, const QString &directory)
@@ -43,10 +48,13 @@ void download(FollowedRequest &request, const QUrl &url, const QString &director
         if (!manager->StartDownload(target, directory))
             QCoreApplication::exit(EXIT_FAILURE);
     });
-    QObject::connect(manager, &DownloadManager::signalDownloadFinished, qApp, [](bool, const QString &path) {
-        say(QStringLiteral("The file is %1").arg(path));
-        QCoreApplication::quit();
-    });
+    QObject::connect(manager, &DownloadManager::signalDownloadFinished, qApp,
+                     [manager](bool isComplete, const QString &path) {
+                         manager->deleteLater(); // do not use delete in this slot
+                         printLine(isComplete ? QStringLiteral("The file is %1").arg(path)
+                                              : QStringLiteral("The download failed"));
+                         QCoreApplication::exit(isComplete ? EXIT_SUCCESS : EXIT_FAILURE);
+                     });
     request.locate(url);
 }
 
@@ -56,28 +64,25 @@ int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-    const QString what = arguments.value(1);
+    const QString action = arguments.value(1);
     const QUrl url(arguments.value(2));
 
     FollowedRequest request;
     QObject::connect(&request, &FollowedRequest::failed, &application, [](const QString &reason) {
-        say(reason);
+        printLine(reason);
         QCoreApplication::exit(EXIT_FAILURE);
     });
-    if (what != QLatin1String("download"))
-        QObject::connect(&request, &FollowedRequest::answered, &application, showAnswer);
 
-    CHttpPostRequest plainRequest;
-    QObject::connect(&plainRequest, &CHttpPostRequest::SignalRequestResultAndStatusCode, &application,
-                     [url](const QByteArray &body, int status) { showAnswer(url, status, body); });
-
-    if (what == QLatin1String("plainly"))
-        plainRequest.StartGetRequestAndStatusCode(url, QString());
-    else if (what == QLatin1String("post"))
-        request.post(url, R"({"item":"paper"})");
-    else if (what == QLatin1String("download"))
+    if (action == QLatin1String("download")) {
         download(request, url, arguments.value(3));
-    else
-        request.get(url);
+    } else if (action == QLatin1String("plainly")) {
+        getPlainly(url);
+    } else {
+        showAnswerOf(request);
+        if (action == QLatin1String("post"))
+            request.post(url, R"({"item":"paper"})");
+        else
+            request.get(url);
+    }
     return QCoreApplication::exec();
 }

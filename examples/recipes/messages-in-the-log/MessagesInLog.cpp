@@ -23,23 +23,23 @@ struct Log
 {
     enum State { Waiting, Open, Closed };
 
-    std::mutex mutex; // InitLogger() and ReleaseLogger() must not meet a message
+    std::mutex mutex; // no message is written during InitLogger() and ReleaseLogger()
     State state = Waiting;
     QVector<Message> early;
     QtMessageHandler previous = nullptr;
 };
 
-// Never deleted: Qt has messages to the very end of the process.
+// Never deleted, because Qt sends messages until the process ends.
 Log &theLog()
 {
     static Log *const log = new Log;
     return *log;
 }
 
-// The library's messages and most of the host's are of the category "default".
+// The category "default" is not shown.
 QString lineOf(const QMessageLogContext &context, QString text)
 {
-    text.replace(QLatin1Char('\n'), QStringLiteral("\n    ")); // no line of it looks like one of the log
+    text.replace(QLatin1Char('\n'), QStringLiteral("\n    ")); // so that no line looks like a line of the log
     const QString category = QString::fromUtf8(context.category);
     return category == QLatin1String("default") ? text : category + QStringLiteral(": ") + text;
 }
@@ -55,7 +55,7 @@ void write(const Message &message)
     case QtWarningMsg:
         return LoggerObject::warn(line.constData());
     case QtCriticalMsg:
-    case QtFatalMsg: // Qt ends the process behind it
+    case QtFatalMsg: // Qt ends the process afterwards
         return LoggerObject::error(line.constData());
     }
 }

@@ -5,17 +5,19 @@
 #include <QString>
 
 /**
- * Puts what Qt, the library and the host say by Qt's message functions into the log, from any thread, and
- * still shows it where it was shown before. To be called first thing in main(): what is said before
- * openLog() is kept for the log.
+ * Starts to capture the messages of qDebug(), qInfo(), qWarning(), qCritical() and qFatal() from all threads.
+ *
+ * Call it first in main(). Messages before openLog() are stored and written to the log later. The previous
+ * message handler still gets each message.
  */
 void captureMessages();
 
-/** Opens the log of ZyBase::LoggerObject and writes to it what was kept. */
+/** Opens the log with ZyBase::LoggerObject::InitLogger() and writes the stored messages to it. */
 void openLog(const QString &fileName, const QString &baseDir);
 
 /**
- * Takes the former message handler back, waits for the thread that is writing a message, and closes the
- * log. What is said from here on doesn't reach it.
+ * Restores the previous message handler and closes the log with ZyBase::LoggerObject::ReleaseLogger().
+ *
+ * Waits for a thread that is writing a message. Later messages are not written to the log.
  */
 void closeLog();

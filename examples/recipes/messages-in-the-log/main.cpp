@@ -1,41 +1,51 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 //
-// Leaves in DIRECTORY/log/host.log what the library, Qt and the host itself say while the host runs.
+// Writes the messages of the library, of Qt and of the application to the application's log.
 //
-//     recipe-messages-in-the-log DIRECTORY
+//     recipe-messages-in-the-log
 
+#include "LogDirectory.h"
 #include "MessagesInLog.h"
 
 #include <ZyBase/files/ZipManager.h>
 #include <ZyBase/http/DownloadManager.h>
 
 #include <QCoreApplication>
-#include <QFile>
 #include <QLoggingCategory>
 #include <QUrl>
 
 #include <thread>
 
-Q_LOGGING_CATEGORY(host, "example.host")
+Q_LOGGING_CATEGORY(application, "example.application")
+
+namespace {
+
+void sendMessages(const QString &directory)
+{
+    ZyBase::ZipManager::QuaUnzipFile(directory + QStringLiteral("/missing.zip"), directory, false);
+    std::thread([] { qCWarning(application, "from a thread\nin two lines"); }).join();
+    qCDebug(application, "for developers: never in the file");
+    // Downloads print directly on the standard streams. No message handler gets these lines.
+    ZyBase::DownloadManager().StartDownload(QUrl(QStringLiteral("http://127.0.0.1/file")),
+                                            directory + QStringLiteral("/missing"));
+}
+
+} // namespace
 
 int main(int argc, char **argv)
 {
     captureMessages();
-    qCInfo(host, "before the log is open");
-    const QCoreApplication application(argc, argv);
-    if (argc != 2)
-        qFatal("recipe-messages-in-the-log DIRECTORY");
-    const QString directory = QFile::decodeName(argv[1]);
-    openLog(QStringLiteral("host.log"), directory);
+    qCInfo(application, "before the log is open");
+    const QCoreApplication coreApplication(argc, argv);
+    QCoreApplication::setOrganizationName(QStringLiteral("example"));
+    QCoreApplication::setApplicationName(QStringLiteral("messages"));
 
-    ZyBase::ZipManager::QuaUnzipFile(directory + QStringLiteral("/missing.zip"), directory, false);
-    std::thread([] { qCWarning(host, "from a thread\nin two lines"); }).join();
-    qCDebug(host, "for developers: never in the file");
-    // Downloads print on the standard streams, past every message handler.
-    ZyBase::DownloadManager().StartDownload(QUrl(QStringLiteral("http://127.0.0.1/file")),
-                                            directory + QStringLiteral("/missing"));
+    const LogDirectory directory = prepareLogDirectory(QStringLiteral("messages.log"), 6);
+    if (directory.problem.isNull())
+        openLog(QStringLiteral("messages.log"), directory.base);
+    sendMessages(directory.base);
 
     closeLog();
-    qCInfo(host, "after the log is closed");
+    qCInfo(application, "after the log is closed");
     return 0;
 }

@@ -9,14 +9,14 @@
 
 namespace {
 
-constexpr int quietZone = 4; // modules of white on each side of the symbol
-constexpr int smallestModule = 3; // pixels that a camera can tell apart
-constexpr int largestWidth = 177; // modules of the largest symbol
-constexpr int finderWidth = 7; // modules of the pattern in three of the corners
+constexpr int quietZoneInModules = 4; // the white margin on each side
+constexpr int minModuleInPixels = 3; // cameras do not read smaller modules
+constexpr int maxWidthInModules = 177; // the largest symbol
+constexpr int finderInModules = 7; // the pattern in three corners
 
-QImage symbolOf(const QString &text, int side)
+QImage symbolOf(const QString &text, int sideInPixels)
 {
-    return ZyBase::CSystemUtils::GenerateQRCode(text, QSize(side, side));
+    return ZyBase::CSystemUtils::GenerateQRCode(text, QSize(sideInPixels, sideInPixels));
 }
 
 bool differs(const QImage &image, int x, int y)
@@ -24,34 +24,35 @@ bool differs(const QImage &image, int x, int y)
     return image.pixel(x, y) != image.pixel(x - 1, y);
 }
 
-// How many modules wide the symbol of the text is; 0 where it has none. The seventh row tells: between two
-// finders its modules alternate, so all but thirteen of them begin with a change of colour.
+// Returns the width of the symbol in modules, or 0 if there is none. In the seventh row the modules between
+// the two finder patterns alternate. So all modules except thirteen begin with a change of colour.
 int widthInModules(const QString &text)
 {
-    const QImage image = symbolOf(text, 2 * largestWidth);
+    const QImage image = symbolOf(text, 2 * maxWidthInModules);
     if (image.isNull())
         return 0;
-    int finder = 1;
-    while (!differs(image, finder, 0))
-        ++finder;
-    const int seventhRow = finder * (2 * finderWidth - 1) / (2 * finderWidth);
+    int finderInPixels = 1;
+    while (!differs(image, finderInPixels, 0))
+        ++finderInPixels;
+    const int seventhRow = finderInPixels * (2 * finderInModules - 1) / (2 * finderInModules);
     int changes = 0;
     for (int x = 1; x < image.width(); ++x)
         changes += differs(image, x, seventhRow) ? 1 : 0;
-    return changes + 2 * finderWidth - 1;
+    return changes + 2 * finderInModules - 1;
 }
 
 } // namespace
 
-QImage qrCard(const QString &text, int side)
+QImage qrCard(const QString &text, int maxSideInPixels)
 {
     const int width = widthInModules(text);
-    const int pixels = side / (width + 2 * quietZone); // a module
-    if (width == 0 || pixels < smallestModule)
+    const int cardWidth = width + 2 * quietZoneInModules;
+    const int moduleInPixels = maxSideInPixels / cardWidth;
+    if (width == 0 || moduleInPixels < minModuleInPixels)
         return QImage();
-    const int cardSide = (width + 2 * quietZone) * pixels;
-    QImage card(cardSide, cardSide, QImage::Format_RGB32);
+    const int margin = quietZoneInModules * moduleInPixels;
+    QImage card(cardWidth * moduleInPixels, cardWidth * moduleInPixels, QImage::Format_RGB32);
     card.fill(Qt::white);
-    QPainter(&card).drawImage(quietZone * pixels, quietZone * pixels, symbolOf(text, width * pixels));
+    QPainter(&card).drawImage(margin, margin, symbolOf(text, width * moduleInPixels));
     return card;
 }

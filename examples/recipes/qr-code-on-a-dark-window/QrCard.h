@@ -6,10 +6,12 @@
 #include <QString>
 
 /**
- * The text as a QR code on a white card with the margin that scanners want, fit for any background.
+ * Returns the string as a QR code on a white card with the margin that scanners need.
  *
- * @param side the most pixels of the card's side, those of the screen. The card is as large as whole
- * pixels for each module allow; show it as it is, without scaling.
- * @return a null image when the text is empty, too long for a code, or too long for this size
+ * Each module is a whole number of pixels wide, so the card is usually smaller than @p maxSideInPixels. Show
+ * it without scaling.
+ *
+ * @param maxSideInPixels the largest side of the card, in pixels of the screen
+ * @return a null image if the string is empty, or too long for a QR code or for this size
  */
-QImage qrCard(const QString &text, int side);
+QImage qrCard(const QString &text, int maxSideInPixels);

@@ -1,18 +1,18 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 //
-// Draws a dark window with a QR code that scans, into a file.
+// Draws a dark window with a readable QR code to an image file.
 //
-//     recipe-qr-code-on-a-dark-window TEXT IMAGE.png [SIDE]    SIDE: pixels of the window, 400 by default
+//     recipe-qr-code-on-a-dark-window TEXT IMAGE.png [SIDE]    SIDE: of the window in pixels, 400 by default
 
+#include "../PrintLine.h"
 #include "QrCard.h"
 
 #include <QFile>
 #include <QPainter>
-#include <QTextStream>
 
 namespace {
 
-constexpr int frame = 8; // pixels of the window that stay dark around the card at least
+constexpr int minFrameInPixels = 8; // the dark frame around the card
 
 QImage darkWindow(const QImage &card, int side)
 {
@@ -26,19 +26,18 @@ QImage darkWindow(const QImage &card, int side)
 
 int main(int argc, char **argv)
 {
-    QTextStream out(stdout);
     if (argc < 3) {
-        out << "recipe-qr-code-on-a-dark-window TEXT IMAGE.png [SIDE]\n";
+        printLine(QStringLiteral("recipe-qr-code-on-a-dark-window TEXT IMAGE.png [SIDE]"));
         return 2;
     }
     const int side = argc > 3 ? QByteArray(argv[3]).toInt() : 400;
-    const QImage card = qrCard(QString::fromLocal8Bit(argv[1]), side - 2 * frame);
+    const QImage card = qrCard(QString::fromLocal8Bit(argv[1]), side - 2 * minFrameInPixels);
     if (card.isNull()) {
-        out << "no code of this text has room here: show the text instead\n";
+        printLine(QStringLiteral("the code does not fit: show the string instead"));
         return 1;
     }
     if (!darkWindow(card, side).save(QFile::decodeName(argv[2])))
         return 1;
-    out << "a card of " << card.width() << " pixels in a window of " << side << '\n';
+    printLine(QStringLiteral("a card of %1 pixels in a window of %2").arg(card.width()).arg(side));
     return 0;
 }

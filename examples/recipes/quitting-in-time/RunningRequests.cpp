@@ -10,46 +10,40 @@
 #include <QTimer>
 
 using std::chrono::milliseconds;
+using ZyBase::CGaReportManager;
 using ZyBase::CHttpPostRequest;
 
 namespace {
 
-// A worker that has told its outcome is on its last steps: so long it may still use its request.
-constexpr milliseconds lastSteps(100);
-
-// A request that has only just started hears no stop, so it is told again and again.
+// A request that has just started misses a stop, so the stop is repeated.
 constexpr milliseconds stopInterval(20);
+
+// The request's thread still uses the request for a moment after it has emitted the outcome.
+constexpr milliseconds threadEndTime(100);
 
 } // namespace
 
-CHttpPostRequest *RunningRequests::create()
+void RunningRequests::add(CHttpPostRequest *request)
 {
-    auto *const request = new CHttpPostRequest(this);
     m_running.insert(request);
-    const auto end = [this, request] { noteEnd(request); };
-    connect(request, &CHttpPostRequest::SignalRequestResult, this, end);
-    connect(request, &CHttpPostRequest::SignalRequestResultAndStatusCode, this, end);
-    connect(request, &CHttpPostRequest::SignalRequestTimeout, this, end);
-    connect(request, &CHttpPostRequest::SignalRequestCancel, this, end);
-    return request;
-}
-
-void RunningRequests::noteEnd(CHttpPostRequest *request)
-{
-    m_running.remove(request);
-    QTimer::singleShot(1000, request, &QObject::deleteLater);
+    const auto remove = [this, request] { m_running.remove(request); };
+    connect(request, &CHttpPostRequest::SignalRequestResult, this, remove);
+    connect(request, &CHttpPostRequest::SignalRequestResultAndStatusCode, this, remove);
+    connect(request, &CHttpPostRequest::SignalRequestTimeout, this, remove);
+    connect(request, &CHttpPostRequest::SignalRequestCancel, this, remove);
 }
 
 bool RunningRequests::stopAll(milliseconds grace)
 {
     const QDeadlineTimer deadline(grace);
+    const bool hasReports = CGaReportManager::s_instance != nullptr;
     do {
         for (CHttpPostRequest *const request : qAsConst(m_running))
             Q_EMIT request->SignalStopRequest();
-        ZyBase::CGaReportManager::ReleaseReport(); // does nothing in a host that reports nothing
+        CGaReportManager::ReleaseReport(); // does nothing if there is no report manager
         runEventLoop(stopInterval);
-    } while (!m_running.isEmpty() && !deadline.hasExpired());
-    runEventLoop(lastSteps);
+    } while ((hasReports || !m_running.isEmpty()) && !deadline.hasExpired());
+    runEventLoop(threadEndTime);
     return m_running.isEmpty();
 }
 

@@ -11,24 +11,28 @@ namespace ZyBase {
 class CHttpPostRequest;
 }
 
-/** The requests in the background of a host, which knows of each whether it is still running. */
+/** The requests of an application that are running in the background. For one thread, usually the main one.
+ */
 class RunningRequests : public QObject
 {
     Q_OBJECT
 
 public:
-    /** A request to be started once; it removes itself a moment after its outcome. */
-    ZyBase::CHttpPostRequest *create();
+    /** Adds a request of createRequest(). Call it when you start the request; it is removed when it ends. */
+    void add(ZyBase::CHttpPostRequest *request);
 
     /**
-     * Stops all of them and runs the event loop until they are over, for at most @p grace.
+     * Stops all requests and all reports of ZyBase::CGaReportManager.
      *
-     * @return false when some are still running: end the process then, don't destroy this object
+     * Runs an event loop until the requests have ended, for at most @p grace plus 0.1 seconds. If the
+     * application has a report manager, it waits for the whole time, because the end of a report is not
+     * reported.
+     *
+     * @return false if requests are still running; call endProcess() then
      */
     bool stopAll(std::chrono::milliseconds grace);
 
 private:
-    void noteEnd(ZyBase::CHttpPostRequest *request);
     static void runEventLoop(std::chrono::milliseconds time);
 
     QSet<ZyBase::CHttpPostRequest *> m_running;

@@ -8,12 +8,12 @@
 QString saveJsonAtomically(const QString &path, const QJsonObject &object)
 {
     const QByteArray bytes = QJsonDocument(object).toJson();
-    QSaveFile file(path); // a new file beside the old one, which it replaces at the end
-    // commit() alone takes a file that the disk had no room for as good: look at each step.
+    QSaveFile file(path); // writes a new file that replaces the old one at the end
+    // commit() alone does not notice that the disk is full: check each step.
     const bool saved =
         file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush() && file.commit();
     if (saved)
         return QString();
-    return file.error() == QFileDevice::NoError ? QStringLiteral("There was no room for all of it.")
+    return file.error() == QFileDevice::NoError ? QStringLiteral("There is not enough space on the disk.")
                                                 : file.errorString();
 }

@@ -6,9 +6,10 @@
 #include <QString>
 
 /**
- * Saves the object in the form of CJsonReader::SaveJsonFile(), whole or not at all: whatever happens
- * meanwhile, the file holds the old object or the new one.
+ * Saves the object in the format of ZyBase::CJsonReader::SaveJsonFile(), completely or not at all.
  *
- * @return null when it is saved; else why not, in words for the user, and the file is as it was
+ * After any failure, the file has its old content.
+ *
+ * @return null if the object is saved; otherwise the reason, as a message for the user
  */
 QString saveJsonAtomically(const QString &path, const QJsonObject &object);

@@ -1,22 +1,20 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 //
-// Counts its runs in a settings file that no crash and no full disk cuts short.
+// Counts its runs in a settings file that survives a crash and a full disk.
 //
 //     recipe-saving-json-atomically FILE [RUNS]    RUNS: how many runs to count, 1 by default
 
+#include "../PrintLine.h"
 #include "AtomicJson.h"
 
 #include <ZyBase/files/CJsonReader.h>
 
 #include <QFile>
-#include <QTextStream>
 
 int main(int argc, char **argv)
 {
-    QTextStream out(stdout);
-    out.setCodec("UTF-8");
     if (argc < 2) {
-        out << "recipe-saving-json-atomically FILE [RUNS]\n";
+        printLine(QStringLiteral("recipe-saving-json-atomically FILE [RUNS]"));
         return 2;
     }
     const QString path = QFile::decodeName(argv[1]);
@@ -27,10 +25,10 @@ int main(int argc, char **argv)
         settings.insert(key, runs);
         const QString problem = saveJsonAtomically(path, settings);
         if (!problem.isNull()) {
-            out << "not saved: " << problem << '\n';
+            printLine(QStringLiteral("not saved: ") + problem);
             return 1;
         }
-        out << "saved: run " << runs << '\n';
+        printLine(QStringLiteral("saved: run %1").arg(runs));
     }
     return 0;
 }

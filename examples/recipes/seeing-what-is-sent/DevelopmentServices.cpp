@@ -32,13 +32,13 @@ DevelopmentServices useDevelopmentServices()
     if (description.isEmpty())
         return {};
     const QJsonObject services = ZyBase::CJsonReader::ParseJsonFileToObject(description);
-    const auto text = [&services](const char *key) { return services.value(QLatin1String(key)).toString(); };
-    const QUrl proxy(text("proxy"));
-    const QList<QSslCertificate> authorities = QSslCertificate::fromPath(text("authority"));
+    const auto value = [&services](const char *key) { return services.value(QLatin1String(key)).toString(); };
+    const QUrl proxy(value("proxy"));
+    const QList<QSslCertificate> authorities = QSslCertificate::fromPath(value("authority"));
     if (proxy.port() < 0 || authorities.isEmpty())
-        qFatal("LOCAL_SERVICES is %s, which tells of no running services", qUtf8Printable(description));
+        qFatal("LOCAL_SERVICES is %s, which describes no running services", qUtf8Printable(description));
 
     trust(authorities);
     useProxy(proxy);
-    return {text("statistics"), text("downloads"), text("page")};
+    return {value("statistics"), value("downloads"), value("page")};
 }

@@ -4,20 +4,22 @@
 
 #include <QString>
 
-/** Where the running scripts/local-services stands in for what the host talks to in the world. */
+/** The addresses of the running scripts/local-services, which replace the real services. */
 struct DevelopmentServices
 {
-    QString statistics; ///< the address for CGaReportManager::InitXdData
-    QString downloads; ///< the address below which files lie
+    QString statistics; ///< the address for CGaReportManager::InitXdData()
+    QString downloads; ///< the base address of files to download
     QString page; ///< the web page that shows what was sent
 };
 
 /**
- * Leads a development build of a host to the services that the environment variable LOCAL_SERVICES names:
- * all that it sends goes through their proxy, whose authority is trusted. Without the variable nothing
- * changes and the addresses are empty. Call it once, at the start of main().
+ * Routes all requests of a development build to the services that the environment variable LOCAL_SERVICES
+ * describes. Call it once, at the start of main().
  *
- * Where the variable names a file that doesn't tell of services, the process ends with a message: a
- * developer who wants to see what is sent doesn't want it to go out to the world.
+ * Requests use the proxy of these services, and its certificate authority is trusted. Without the variable
+ * nothing changes, and the addresses are empty.
+ *
+ * If the variable names a file that describes no services, the process ends with a message, so that nothing
+ * is sent to the real services by mistake.
  */
 DevelopmentServices useDevelopmentServices();

@@ -1,28 +1,27 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 
-// Sends an event and a record, and says where to look at them.
+// Sends an event and a record to the local services, and prints the address of their web page.
 //
 //     scripts/local-services recipe-seeing-what-is-sent
 
+#include "../PrintLine.h"
+#include "../SampleCatalogue.h"
 #include "DevelopmentServices.h"
+#include "QuitInTime.h"
+#include "RunningRequests.h"
 
 #include <ZyBase/analytics/CGaReportManager.h>
 
 #include <QCoreApplication>
-#include <QTemporaryFile>
-#include <QTextStream>
 #include <QTimer>
 
 using ZyBase::CGaReportManager;
 
 namespace {
 
-constexpr int lastMomentMs = 1000;
-
-void say(const QString &line)
-{
-    QTextStream(stdout) << line << '\n';
-}
+// A record has no outcome to wait for. On the same machine it arrives within a second.
+constexpr int recordTimeMs = 1000;
+constexpr std::chrono::milliseconds timeToStop(500);
 
 void sendReports(const QString &catalogue, const QString &statistics)
 {
@@ -35,27 +34,27 @@ void sendReports(const QString &catalogue, const QString &statistics)
     manager->SendGaReport(QStringLiteral("open"), QString(), true);
 }
 
-} // namespace
-
-int main(int argc, char **argv)
+int run(int argc, char **argv)
 {
     QCoreApplication application(argc, argv);
     const DevelopmentServices services = useDevelopmentServices();
     if (services.statistics.isEmpty()) {
-        say(QStringLiteral("No local services: start this by scripts/local-services"));
+        printLine(QStringLiteral("There are no local services: start this with scripts/local-services"));
         return EXIT_FAILURE;
     }
 
-    QTemporaryFile catalogue;
-    if (!catalogue.open()
-        || catalogue.write(R"([{"event_key": "open", "event_name": "open_file", "event_category": "file",
-                               "event_label": "pdf"}])")
-               < 0)
-        return EXIT_FAILURE;
-    catalogue.close();
+    const SampleCatalogue catalogue;
+    sendReports(catalogue.path(), services.statistics);
+    printLine(QStringLiteral("An event and a record were sent; see %1").arg(services.page));
+    QTimer::singleShot(recordTimeMs, &application, &QCoreApplication::quit);
+    const int exitCode = QCoreApplication::exec();
+    RunningRequests().stopAll(timeToStop);
+    return exitCode;
+}
 
-    sendReports(catalogue.fileName(), services.statistics);
-    say(QStringLiteral("An event and a record are sent; look at %1").arg(services.page));
-    QTimer::singleShot(lastMomentMs, &application, &QCoreApplication::quit); // the record is on its way
-    return QCoreApplication::exec();
+} // namespace
+
+int main(int argc, char **argv)
+{
+    endProcess(run(argc, argv));
 }

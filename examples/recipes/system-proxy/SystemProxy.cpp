@@ -6,7 +6,7 @@
 
 namespace {
 
-// The variable as other programs read it: in capitals as well, and that for all protocols in its place.
+// Other programs also read the name in capitals, and all_proxy if there is no such variable.
 QString proxyVariable(const char *name)
 {
     for (const QByteArray &variable : {QByteArray(name), QByteArrayLiteral("all_proxy")}) {
@@ -19,7 +19,7 @@ QString proxyVariable(const char *name)
     return QString();
 }
 
-// Qt takes "host:port" for an address without a host, and doesn't know what GNOME calls SOCKS.
+// Qt reads "name:port" as an address without a name, and does not support the scheme of GNOME, "socks".
 QByteArray proxyAddress(QString value)
 {
     if (!value.contains(QLatin1String("://")))

@@ -6,10 +6,11 @@
 #include <QUrl>
 
 /**
- * Leads all requests of this process through the proxy that the user's system names. Call it once, at the
- * start of main(): it may change environment variables, which other threads must not read meanwhile.
+ * Routes all requests of this process through the proxy of the user's system.
+ *
+ * Call it once, at the start of main(). It may change environment variables, so no other thread may run yet.
  */
 void useSystemProxy();
 
-/** The proxy through which @p url is asked, as "host:port"; null when it is asked straight. */
+/** Returns the proxy for @p url as "name:port", or null if the request uses no proxy. */
 QString proxyFor(const QUrl &url);

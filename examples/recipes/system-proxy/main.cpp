@@ -1,26 +1,17 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 
-// Shows a request that goes through the proxy of the user's system, and which one that is.
+// Sends a request through the proxy of the user's system, and prints the proxy.
 //
 //     http_proxy=http://proxy.example.org:3128 recipe-system-proxy [--plainly] ADDRESS
 //
-// With --plainly it relies on what Qt does by itself.
+// With --plainly it uses Qt's own default.
 
+#include "../PrintLine.h"
 #include "SystemProxy.h"
 
 #include <ZyBase/http/CHttpPostRequest.h>
 
 #include <QCoreApplication>
-#include <QTextStream>
-
-namespace {
-
-void say(const QString &line)
-{
-    QTextStream(stdout) << line << '\n';
-}
-
-} // namespace
 
 int main(int argc, char **argv)
 {
@@ -31,10 +22,10 @@ int main(int argc, char **argv)
 
     const QUrl url(arguments.value(0));
     const QString proxy = proxyFor(url);
-    say(proxy.isNull() ? QStringLiteral("Asked straight") : QStringLiteral("Asked through %1").arg(proxy));
+    printLine(proxy.isNull() ? QStringLiteral("No proxy") : QStringLiteral("Proxy %1").arg(proxy));
 
     ZyBase::CHttpPostRequest request;
     QByteArray answer;
     const bool isInTime = request.StartGetRequestSync(url, answer);
-    say(isInTime && !answer.isEmpty() ? QString::fromUtf8(answer) : QStringLiteral("No answer"));
+    printLine(isInTime && !answer.isEmpty() ? QString::fromUtf8(answer) : QStringLiteral("No answer"));
 }

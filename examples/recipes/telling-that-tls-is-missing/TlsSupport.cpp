@@ -9,10 +9,9 @@ QString tlsProblem()
 {
     if (QSslSocket::supportsSsl())
         return QString();
-    return QCoreApplication::translate(
-               "TlsSupport",
-               "Secure connections don't work here. They need the OpenSSL library, in a version that goes "
-               "with %1; it is missing, or of another version.")
+    return QCoreApplication::translate("TlsSupport", "Secure connections don't work on this machine. They "
+                                                     "need an OpenSSL library that is compatible "
+                                                     "with %1. It is missing or has another version.")
         .arg(QSslSocket::sslLibraryBuildVersionString());
 }
 

@@ -5,8 +5,8 @@
 #include <QString>
 #include <QUrl>
 
-/** What to tell the user when this process can't speak https; null when it can. */
+/** Returns a message for the user if this process cannot use https; otherwise null. */
 QString tlsProblem();
 
-/** What to tell the user of a request that ended with no answer, which is status 0. */
+/** Returns a message for the user about a request that ended without an answer (status 0). */
 QString explainNoAnswer(const QUrl &url);

@@ -12,12 +12,12 @@ namespace {
 const QLatin1String monthPattern("yyyy-MM");
 const QLatin1String monthWildcard(".[0-9][0-9][0-9][0-9]-[0-9][0-9]");
 
-// The log goes to a new file in a month that it sees begin. A host that is ended every evening sees none.
-void setFormerMonthAside(const QString &path)
+// The log renames its file only if the process is running when a month ends.
+void renameEarlierMonth(const QString &path)
 {
     const QString month = QFileInfo(path).lastModified().toString(monthPattern);
     if (!month.isEmpty() && month < QDateTime::currentDateTime().toString(monthPattern))
-        QFile::rename(path, path + QLatin1Char('.') + month); // a file of that name is kept
+        QFile::rename(path, path + QLatin1Char('.') + month); // fails if that file exists
 }
 
 void deleteOldMonths(QDir folder, const QString &fileName, int keptMonths)
@@ -31,17 +31,17 @@ void deleteOldMonths(QDir folder, const QString &fileName, int keptMonths)
 
 LogDirectory prepareLogDirectory(const QString &fileName, int keptMonths)
 {
-    const QString base = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
+    const QString base = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
     const QDir folder(base + QStringLiteral("/log"));
     if (!folder.mkpath(QStringLiteral(".")))
-        return {QString(), QStringLiteral("The directory %1 can't be made.").arg(folder.path())};
+        return {QString(), QStringLiteral("The directory %1 can't be created.").arg(folder.path())};
     QFile::setPermissions(folder.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 
-    setFormerMonthAside(folder.filePath(fileName));
+    renameEarlierMonth(folder.filePath(fileName));
     deleteOldMonths(folder, fileName, keptMonths);
 
     QFile file(folder.filePath(fileName));
-    if (!file.open(QIODevice::Append)) // the only sure way to know
+    if (!file.open(QIODevice::Append)) // the only reliable test
         return {QString(), QStringLiteral("%1: %2.").arg(file.fileName(), file.errorString())};
     return {base, QString()};
 }

@@ -4,16 +4,17 @@
 
 #include <QString>
 
-/** Where the log lies; one of the two texts is null. */
+/** The result of prepareLogDirectory(). One of the two strings is null. */
 struct LogDirectory
 {
-    QString base; ///< for LoggerObject::InitLogger(), in UTF-8
-    QString problem; ///< why there can be no log, in words for the user
+    QString base; ///< the base directory for LoggerObject::InitLogger()
+    QString problem; ///< why there can be no log, as a message for the user
 };
 
 /**
- * Makes what the log file needs in the user's own data directory of this application, which only the user
- * may read. To be called before LoggerObject::InitLogger(), by one process at a time: it sets the file of
- * a former month aside and deletes all finished months but the latest @p keptMonths.
+ * Creates the directory of the log in the user's data directory, so that only the user can read it.
+ *
+ * Also renames the log file of an earlier month, and deletes all finished months except the latest
+ * @p keptMonths. Call it before LoggerObject::InitLogger(). Only one process may use it at a time.
  */
 LogDirectory prepareLogDirectory(const QString &fileName, int keptMonths);

@@ -14,20 +14,19 @@
 
 namespace {
 
-// A desktop writes several settings for one change.
-constexpr std::chrono::milliseconds quietTime(300);
+// A desktop writes several settings for one change, so the query waits for the last one.
+constexpr std::chrono::milliseconds settleTime(300);
 constexpr std::chrono::minutes defaultInterval(5);
 
-// Where desktops keep what CSystemUtils::IsDarkTheme() reads, below the user's configuration directory. A
-// folder is watched with its files: what is written in place shows on the file, what is replaced on the
-// folder.
+// The settings that CSystemUtils::IsDarkTheme() reads, below the user's configuration directory. Each folder
+// is watched together with its files: writing to a file changes the file, replacing it changes the folder.
 const char *const settingsFolders[] = {"dconf", "glib-2.0", "glib-2.0/settings",   "gtk-3.0",  "gtk-4.0",
                                        "ukui",  "kylin",    "ukui-style-settings", "kylin-qt5"};
 const char *const settingsFiles[] = {"kdeglobals", "plasmarc", "QtProject.conf"};
 
 } // namespace
 
-struct ThemeWatcher::Answer
+struct ThemeWatcher::Link
 {
     std::mutex mutex;
     ThemeWatcher *watcher;
@@ -35,44 +34,44 @@ struct ThemeWatcher::Answer
 
 ThemeWatcher::ThemeWatcher(QObject *parent)
     : QObject(parent)
-    , m_answer(std::make_shared<Answer>())
+    , m_link(std::make_shared<Link>())
 {
-    m_answer->watcher = this;
-    m_quiet.setSingleShot(true);
-    m_quiet.setInterval(quietTime);
-    connect(&m_quiet, &QTimer::timeout, this, &ThemeWatcher::ask);
-    connect(&m_interval, &QTimer::timeout, this, &ThemeWatcher::notice);
-    connect(&m_settings, &QFileSystemWatcher::directoryChanged, this, &ThemeWatcher::notice);
-    connect(&m_settings, &QFileSystemWatcher::fileChanged, this, &ThemeWatcher::notice);
+    m_link->watcher = this;
+    m_settle.setSingleShot(true);
+    m_settle.setInterval(settleTime);
+    connect(&m_settle, &QTimer::timeout, this, &ThemeWatcher::query);
+    connect(&m_interval, &QTimer::timeout, this, &ThemeWatcher::handleSign);
+    connect(&m_settings, &QFileSystemWatcher::directoryChanged, this, &ThemeWatcher::handleSign);
+    connect(&m_settings, &QFileSystemWatcher::fileChanged, this, &ThemeWatcher::handleSign);
     QCoreApplication::instance()->installEventFilter(this);
     m_interval.start(defaultInterval);
-    ask();
+    query();
 }
 
 ThemeWatcher::~ThemeWatcher()
 {
-    const std::lock_guard<std::mutex> lock(m_answer->mutex);
-    m_answer->watcher = nullptr;
+    const std::lock_guard<std::mutex> lock(m_link->mutex);
+    m_link->watcher = nullptr;
 }
 
 bool ThemeWatcher::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::ApplicationPaletteChange)
-        notice();
+        handleSign();
     return QObject::eventFilter(watched, event);
 }
 
-void ThemeWatcher::notice()
+void ThemeWatcher::handleSign()
 {
-    if (!m_quiet.isActive())
-        m_quiet.start();
+    if (!m_settle.isActive())
+        m_settle.start();
 }
 
-// Anew before each question: a file that was replaced is no longer watched, and folders come into being.
+// Called before each query, because a replaced file is no longer watched and new folders can appear.
 void ThemeWatcher::watchSettings()
 {
     const QDir config(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation));
-    config.mkpath(QStringLiteral(".")); // what doesn't exist can't be watched
+    config.mkpath(QStringLiteral(".")); // only an existing directory can be watched
     QStringList paths {config.path()};
     for (const char *file : settingsFiles)
         paths << config.filePath(QLatin1String(file));
@@ -89,27 +88,27 @@ void ThemeWatcher::watchSettings()
     }
 }
 
-void ThemeWatcher::ask()
+void ThemeWatcher::query()
 {
-    m_isOutdated = m_isAsking;
-    if (m_isAsking)
+    m_isOutdated = m_isQuerying;
+    if (m_isQuerying)
         return;
-    m_isAsking = true;
+    m_isQuerying = true;
     watchSettings();
-    std::thread([answer = m_answer] {
+    std::thread([link = m_link] {
         const bool isDark = ZyBase::CSystemUtils::IsDarkTheme();
-        const std::lock_guard<std::mutex> lock(answer->mutex);
-        if (ThemeWatcher *const watcher = answer->watcher)
+        const std::lock_guard<std::mutex> lock(link->mutex);
+        if (ThemeWatcher *const watcher = link->watcher)
             QMetaObject::invokeMethod(
-                watcher, [=] { watcher->takeAnswer(isDark); }, Qt::QueuedConnection);
+                watcher, [=] { watcher->handleResult(isDark); }, Qt::QueuedConnection);
     }).detach();
 }
 
-void ThemeWatcher::takeAnswer(bool isDark)
+void ThemeWatcher::handleResult(bool isDark)
 {
-    m_isAsking = false;
+    m_isQuerying = false;
     if (m_isOutdated)
-        ask();
+        query();
     if (m_last == int(isDark))
         return;
     m_last = int(isDark);

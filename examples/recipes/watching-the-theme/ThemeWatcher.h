@@ -10,41 +10,44 @@
 #include <memory>
 
 /**
- * Tells when the desktop goes dark or light. The question may take minutes where a tool of the desktop
- * hangs, so a thread of its own asks it, one question at a time; the host never waits, at its end neither.
+ * Emits a signal when the desktop changes to a dark or a light theme.
  *
- * Make it in the main thread, behind the application object.
+ * Queries the theme in a thread of its own, because a desktop tool that hangs can block the query for
+ * minutes. Neither the main thread nor the end of the application waits for that thread.
+ *
+ * Create it in the main thread, after the application object.
  */
 class ThemeWatcher : public QObject
 {
     Q_OBJECT
 
 public:
-    /** Asks at once, then at each sign of a change, and every five minutes for those that leave no sign. */
+    /** Queries the theme at once, after each sign of a change, and every five minutes. */
     explicit ThemeWatcher(QObject *parent = nullptr);
     ~ThemeWatcher() override;
 
+    /** Sets the interval of the queries without a sign. */
     void setInterval(std::chrono::milliseconds interval) { m_interval.start(interval); }
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 Q_SIGNALS:
-    /** The first answer, and each one that differs from the last. */
+    /** Emitted with the first result, and with each result that differs from the last. */
     void darkChanged(bool isDark);
 
 private:
-    struct Answer;
+    struct Link;
 
-    void notice();
+    void handleSign();
     void watchSettings();
-    void ask();
-    void takeAnswer(bool isDark);
+    void query();
+    void handleResult(bool isDark);
 
     QFileSystemWatcher m_settings;
-    QTimer m_quiet; ///< runs from the first sign of a change to the question
+    QTimer m_settle; ///< from the first sign of a change to the query
     QTimer m_interval;
-    std::shared_ptr<Answer> m_answer; ///< where the asking thread finds this object as long as it lives
-    int m_last = -1; ///< the last answer; -1 for none yet
-    bool m_isAsking = false;
-    bool m_isOutdated = false; ///< something changed while the question was under way
+    std::shared_ptr<Link> m_link; ///< by which the query's thread finds this object while it exists
+    int m_last = -1; ///< the last result; -1 for none
+    bool m_isQuerying = false;
+    bool m_isOutdated = false; ///< there was a sign of a change during the query
 };

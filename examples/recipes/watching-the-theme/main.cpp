@@ -1,28 +1,26 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 //
-// Prints "dark" or "light" now and whenever the user switches the desktop's theme; Enter ends it.
+// Prints "dark" or "light" now and after each change of the desktop's theme. Press Enter to quit.
 //
-//     recipe-watching-the-theme [INTERVAL]    INTERVAL: of asking without a sign, in milliseconds
+//     recipe-watching-the-theme [INTERVAL]    INTERVAL: of the queries without a sign, in milliseconds
 
+#include "../PrintLine.h"
 #include "ThemeWatcher.h"
 
 #include <QGuiApplication>
 #include <QSocketNotifier>
-#include <QTextStream>
 
 #include <unistd.h>
 
 int main(int argc, char **argv)
 {
     QGuiApplication application(argc, argv);
-    QTextStream out(stdout);
 
     ThemeWatcher watcher;
     if (argc > 1)
         watcher.setInterval(std::chrono::milliseconds(QByteArray(argv[1]).toInt()));
-    QObject::connect(&watcher, &ThemeWatcher::darkChanged, [&](bool isDark) {
-        out << (isDark ? "dark\n" : "light\n");
-        out.flush();
+    QObject::connect(&watcher, &ThemeWatcher::darkChanged, &application, [](bool isDark) {
+        printLine(isDark ? QStringLiteral("dark") : QStringLiteral("light"));
     });
 
     QSocketNotifier enter(STDIN_FILENO, QSocketNotifier::Read);

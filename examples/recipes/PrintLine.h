@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#pragma once
+
+#include <QTextStream>
+
+/** Writes @p line to the standard output, in UTF-8. */
+inline void printLine(const QString &line)
+{
+    QTextStream out(stdout);
+    out.setCodec("UTF-8");
+    out << line << '\n';
+}

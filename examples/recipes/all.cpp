@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+// Compiles all recipes into one application. It does nothing else.
+
+#include "ArchiveCheck.h"
+#include "AtomicJson.h"
+#include "BlockingCalls.h"
+#include "DevelopmentServices.h"
+#include "FollowedRequest.h"
+#include "LogDirectory.h"
+#include "MessagesInLog.h"
+#include "OwnedRequest.h"
+#include "QrCard.h"
+#include "QuitInTime.h"
+#include "RunningRequests.h"
+#include "SystemProxy.h"
+#include "ThemeWatcher.h"
+#include "TlsSupport.h"
+#include "UsageReports.h"
+#include "WarningsAppender.h"
+
+int main()
+{
+}
