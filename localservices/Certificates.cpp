@@ -53,7 +53,7 @@ void setSerialNumber(X509 *certificate)
     ASN1_INTEGER_set(X509_get_serialNumber(certificate), long(number >> 1));
 }
 
-// All but issuer and signature.
+// Returns a certificate without issuer and signature.
 Owned<X509> createCertificate(const QByteArray &commonName, EVP_PKEY *key, const QDateTime &until)
 {
     Owned<X509> certificate(X509_new());

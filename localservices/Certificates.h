@@ -10,29 +10,30 @@
 
 namespace LocalServices {
 
-/** A certificate and its key, both as PEM; empty for none. */
+/** A certificate and its private key, both as PEM. Both are empty if there is no certificate. */
 struct Certificate
 {
     QByteArray certificate;
     QByteArray privateKey;
 };
 
-/** A certificate authority that lives as long as the object; nobody trusts it unless told so. */
+/** A temporary certificate authority. Clients trust it only if its certificate is added to theirs. */
 class Authority
 {
 public:
     Authority();
     ~Authority();
 
-    /** The authority's own certificate, as PEM. */
+    /** Returns the authority's own certificate, as PEM. */
     QByteArray certificate() const;
 
-    /** A certificate for the host name or IP address @p host, valid from yesterday to @p until. */
+    /** Returns a certificate for a host name or IP address, valid from yesterday to @p until. */
     Certificate issue(const QString &host, const QDateTime &until = defaultEnd()) const;
 
-    /** A certificate that stands for itself alone. */
+    /** Returns a self-signed certificate. */
     static Certificate selfSigned(const QString &host);
 
+    /** Returns the default end of a certificate: 30 days from now. */
     static QDateTime defaultEnd();
 
 private:

@@ -84,8 +84,8 @@ bool Connection::sleep(int milliseconds)
 
 void Connection::waitForClose()
 {
-    constexpr int forEver = -1;
-    sleep(forEver);
+    constexpr int forever = -1;
+    sleep(forever);
 }
 
 void Connection::closeSending()

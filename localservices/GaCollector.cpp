@@ -17,7 +17,7 @@ constexpr int maximumParams = 25;
 constexpr int maximumValueLength = 100;
 constexpr int maximumUserIdLength = 256;
 
-// The same for events and for their params.
+// Events and their params have the same rules for names.
 bool isName(const QString &text)
 {
     static const QRegularExpression form(QStringLiteral("\\A[A-Za-z][A-Za-z0-9_]{0,39}\\z"));
@@ -25,7 +25,7 @@ bool isName(const QString &text)
     return form.match(text).hasMatch() && !reserved.match(text).hasMatch();
 }
 
-// Collects what is wrong under the places where it is.
+// Collects the names of the parts of an event that are invalid.
 class Validation
 {
 public:

@@ -13,9 +13,9 @@
 namespace LocalServices {
 
 /**
- * Stands in for the collector of the Measurement Protocol of Google Analytics 4: answers a POST to
- * "/mp/collect" by 204 whatever it holds, as the real one does, and judges it by the rules of the real
- * one's validation server. To be reached under the real host's name through a Proxy.
+ * A local collector for the Measurement Protocol of Google Analytics 4. Like the real one, it answers every
+ * request to "/mp/collect" with status 204. It records the events and validates them by the rules of the
+ * real validation server. Use a Proxy to reach it under the real host name.
  */
 class GaCollector
 {
@@ -24,20 +24,20 @@ public:
     {
         HttpServer::Request request;
         QJsonObject body;
-        QStringList problems; ///< what the validation finds; empty for a good event
+        QStringList problems; ///< found by the validation; empty for a valid event
     };
 
-    /** Is told of each event before its answer goes out, in a thread of the event's connection. */
+    /** Called for each event before the response is sent, in the thread of the connection. */
     using Watcher = std::function<void(const Event &)>;
 
     explicit GaCollector(Watcher watcher = {});
 
     QUrl url() const { return m_server.url(QStringLiteral("/mp/collect")); }
 
-    /** The events so far. Any thread. */
+    /** Returns the events so far. Thread-safe. */
     QList<Event> events() const;
 
-    /** How many connections are open. Any thread. */
+    /** Returns the number of open connections. Thread-safe. */
     int openConnections() const { return m_server.openConnections(); }
 
 private:
@@ -47,8 +47,8 @@ private:
 
     const Watcher m_watcher;
     mutable std::mutex m_mutex;
-    QList<Event> m_events; ///< under m_mutex
-    HttpServer m_server; ///< goes first: its threads use the rest
+    QList<Event> m_events; ///< guarded by m_mutex
+    HttpServer m_server; ///< last, so that its threads end before the other members are destroyed
 };
 
 } // namespace LocalServices

@@ -12,9 +12,9 @@ namespace LocalServices {
 namespace {
 
 constexpr int attempts = 5;
-constexpr int patienceMs = 20000;
+constexpr int timeoutMs = 20000;
 
-// Not every user has the folders of servers in the search path.
+// The search path of ordinary users may lack the directories of servers.
 QString program()
 {
     QString found = QStandardPaths::findExecutable(QStringLiteral("nginx"));
@@ -35,7 +35,7 @@ void write(const QString &path, const QByteArray &content)
 {
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-        qFatal("A local service can't write its configuration");
+        qFatal("local services: cannot write %s", qPrintable(path));
 }
 
 } // namespace
@@ -52,7 +52,7 @@ Nginx::Nginx(const Certificate &certificate, const QString &protocols)
     QDir(m_directory.path()).mkdir(QStringLiteral("www"));
     write(m_directory.filePath(QStringLiteral("certificate")), certificate.certificate);
     write(m_directory.filePath(QStringLiteral("key")), certificate.privateKey);
-    // nginx can't choose a port by itself, and another program may take the free one first.
+    // nginx cannot use any free port, and another program may take the port first.
     for (int i = 0; i < attempts && !m_isRunning; ++i)
         m_isRunning = start();
 }
@@ -99,16 +99,16 @@ bool Nginx::start()
     write(path, configuration.toUtf8());
     m_process.setProcessChannelMode(QProcess::MergedChannels);
     m_process.start(program(), {QStringLiteral("-c"), path, QStringLiteral("-p"), m_directory.path()});
-    return m_process.waitForStarted(patienceMs) && waitUntilItAnswers();
+    return m_process.waitForStarted(timeoutMs) && waitForConnection();
 }
 
-bool Nginx::waitUntilItAnswers()
+bool Nginx::waitForConnection()
 {
     constexpr int pauseMs = 10;
-    for (int waited = 0; waited < patienceMs; waited += pauseMs) {
+    for (int waited = 0; waited < timeoutMs; waited += pauseMs) {
         QTcpSocket socket;
         socket.connectToHost(QHostAddress::LocalHost, m_port);
-        if (socket.waitForConnected(patienceMs))
+        if (socket.waitForConnected(timeoutMs))
             return true;
         if (m_process.waitForFinished(pauseMs))
             return false;

@@ -10,33 +10,34 @@
 
 namespace LocalServices {
 
-/** A real nginx on loopback that serves a folder of its own, in a configuration of its own. */
+/** An nginx process on loopback with its own configuration. It serves the files of a temporary directory. */
 class Nginx
 {
 public:
-    /** False where nginx isn't installed. */
+    /** Returns false if nginx is not installed. */
     static bool isAvailable();
 
     /**
-     * Starts it, under TLS where a certificate is given.
+     * Starts nginx, with TLS if a certificate is passed.
      *
-     * @param protocols nginx's "ssl_protocols", such as "TLSv1.2"
+     * @param protocols the value of "ssl_protocols", for example "TLSv1.2"
      */
     explicit Nginx(const Certificate &certificate = {},
                    const QString &protocols = QStringLiteral("TLSv1.2 TLSv1.3"));
     ~Nginx();
 
+    /** Returns false if nginx could not be started. */
     bool isRunning() const { return m_isRunning; }
 
     QUrl url(const QString &path) const;
 
-    /** Where the file @p name of the served folder lies. */
+    /** Returns the path of the file @p name in the served directory. */
     QString filePath(const QString &name) const;
 
 private:
     Q_DISABLE_COPY(Nginx)
     bool start();
-    bool waitUntilItAnswers();
+    bool waitForConnection();
 
     QTemporaryDir m_directory;
     const Certificate m_certificate;

@@ -9,16 +9,16 @@ namespace LocalServices {
 class Proxy;
 
 /**
- * Stands in for the public services that tell address, country and location, each with one answer that
- * is always the same: the address 192.0.2.1, which is in Germany, in Berlin by the first source of
- * locations and in Paris by the page of the second.
+ * Local servers for the public services that return address, country and location. Each one has a fixed
+ * response: the address is 192.0.2.1, the country Germany, and the location Berlin from the first service
+ * and Paris from the page of the second.
  */
 class PublicServices
 {
 public:
     PublicServices();
 
-    /** Leads the services' names in the world here. */
+    /** Routes the real host names of the services to these servers. */
     void route(Proxy &proxy) const;
 
 private:

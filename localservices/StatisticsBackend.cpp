@@ -13,7 +13,7 @@ namespace {
 
 constexpr qint64 maximumAgeSeconds = 300;
 
-// The query's last two keys; what stands before them belongs to the backend's own address.
+// The last two keys of the query. Keys before them belong to the backend's own address.
 const QString queryForm = QStringLiteral("\\?sign=([0-9a-f]{32})&timestamp=([0-9]+)\\z");
 const QString dayForm = QStringLiteral("\\A[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}\\z");
 
@@ -26,7 +26,7 @@ const QStringList &keys()
     return list;
 }
 
-bool areTexts(const QJsonObject &body)
+bool areStrings(const QJsonObject &body)
 {
     for (const QString &key : keys()) {
         if (!body.value(key).isString())
@@ -71,7 +71,7 @@ HttpServer::Response StatisticsBackend::receive(const HttpServer::Request &reque
     check(query.hasMatch(), "query");
     check(qAbs(QDateTime::currentSecsSinceEpoch() - record.timestamp) <= maximumAgeSeconds, "timestamp");
     check(QCryptographicHash::hash(text, QCryptographicHash::Md5).toHex() == record.signature, "sign");
-    check(record.body.keys() == keys() && areTexts(record.body), "keys");
+    check(record.body.keys() == keys() && areStrings(record.body), "keys");
     check(QRegularExpression(dayForm).match(record.body.value(QStringLiteral("day")).toString()).hasMatch(),
           "day");
     if (m_watcher)

@@ -13,9 +13,9 @@
 namespace LocalServices {
 
 /**
- * A backend for statistics records: takes a POST to "/report" whose signature, time stamp and form are
- * right by 200, and refuses any other by 403. It knows the shared secret and the rules, and none of
- * the library's code.
+ * A backend for statistics records. It answers a POST to "/report" with status 200 if signature, time stamp
+ * and body are valid, and with 403 otherwise. It has its own implementation of the rules and uses no code of
+ * the library.
  */
 class StatisticsBackend
 {
@@ -23,25 +23,25 @@ public:
     struct Record
     {
         HttpServer::Request request;
-        QByteArray signature; ///< as it stood in the query
-        qint64 timestamp; ///< as it stood in the query; 0 for none
+        QByteArray signature; ///< as received in the query
+        qint64 timestamp; ///< as received in the query; 0 if missing
         QJsonObject body;
-        QStringList problems; ///< why it is refused; empty for one that was taken
+        QStringList problems; ///< why it was rejected; empty for an accepted record
     };
 
-    /** Is told of each record before its answer goes out, in a thread of the record's connection. */
+    /** Called for each record before the response is sent, in the thread of the connection. */
     using Watcher = std::function<void(const Record &)>;
 
-    /** Under TLS where a certificate is given. */
+    /** Starts the backend, with TLS if a certificate is passed. */
     explicit StatisticsBackend(const QByteArray &secret, const Certificate &certificate = {},
                                Watcher watcher = {});
 
     QUrl url() const { return m_server.url(QStringLiteral("/report")); }
 
-    /** The records so far, those that were refused too. Any thread. */
+    /** Returns the records so far, accepted and rejected. Thread-safe. */
     QList<Record> records() const;
 
-    /** How many connections are open. Any thread. */
+    /** Returns the number of open connections. Thread-safe. */
     int openConnections() const { return m_server.openConnections(); }
 
 private:
@@ -52,8 +52,8 @@ private:
     const QByteArray m_secret;
     const Watcher m_watcher;
     mutable std::mutex m_mutex;
-    QList<Record> m_records; ///< under m_mutex
-    HttpServer m_server; ///< goes first: its threads use the rest
+    QList<Record> m_records; ///< guarded by m_mutex
+    HttpServer m_server; ///< last, so that its threads end before the other members are destroyed
 };
 
 } // namespace LocalServices

@@ -8,7 +8,10 @@ struct ssl_ctx_st;
 
 namespace LocalServices {
 
-/** What connections under TLS are made from, for any version that OpenSSL knows; null for no certificate. */
+/**
+ * Returns the context of TLS connections, for all versions that OpenSSL supports. Returns null if the
+ * certificate is empty.
+ */
 std::shared_ptr<ssl_ctx_st> createTls(const Certificate &certificate);
 
 } // namespace LocalServices

@@ -12,8 +12,8 @@
  *
  * Applications use ZyBase::CGaReportManager, which contains an object of this class.
  *
- * **Threads.** Not thread-safe: use the object only in the thread that created it, which may be the
- * GUI thread.
+ * **Threads.** Not thread-safe: use the object only in the thread that created it, which may be the GUI
+ * thread.
  *
  * **Blocking.** ReportGaData() with @p sync true blocks for 10000 ms at most; Qt's coarse timer can make
  * that 10500 ms. All other functions return at once and never block.

@@ -46,9 +46,9 @@ namespace ZyBase {
  *
  * CGoogleAnalytics and CXdReport describe what is sent.
  *
- * **Threads.** Not thread-safe: use the instance only in the thread that first called getInstance(),
- * which may be the GUI thread. That thread must run an event loop. Without one, background requests are
- * never deleted, and events are never stopped.
+ * **Threads.** Not thread-safe: use the instance only in the thread that first called getInstance(), which
+ * may be the GUI thread. That thread must run an event loop. Without one, background requests are never
+ * deleted, and events are never stopped.
  *
  * **Blocking.** SendGaReport() with @p sync true blocks for 10000 ms at most; Qt's coarse timer can make
  * that 10500 ms. InitGaData() blocks while it reads the catalogue file. All other functions return at once

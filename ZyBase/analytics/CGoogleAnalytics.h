@@ -40,10 +40,10 @@
  * that could not be sent are lost: nothing is stored or logged. Qt itself can repeat a request if its
  * connection was closed before the answer.
  *
- * **Threads.** All functions and signals except the destructor are thread-safe. Any thread may create
- * the object and start requests, also the GUI thread. Delete the object in its own thread. A background
- * request runs in a thread of its own, which emits the outcome signal. A receiver in another thread gets
- * the signal queued and needs a running event loop there.
+ * **Threads.** All functions and signals except the destructor are thread-safe. Any thread may create the
+ * object and start requests, also the GUI thread. Delete the object in its own thread. A background request
+ * runs in a thread of its own, which emits the outcome signal. A receiver in another thread gets the signal
+ * queued and needs a running event loop there.
  *
  * **Blocking.** StartRequestSync() blocks for 10000 ms at most; Qt's coarse timer can make that 10500 ms.
  * It runs a nested event loop: other events of the calling thread are delivered meanwhile. All other

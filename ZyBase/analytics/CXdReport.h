@@ -30,8 +30,8 @@
  * without separators: the secret, "timestamp", the seconds, the JSON, the secret. The secret is a constant
  * of the library. "day" can be one second earlier than the time stamp.
  *
- * **Threads.** Not thread-safe: use the object only in the thread that created it, which may be the
- * GUI thread.
+ * **Threads.** Not thread-safe: use the object only in the thread that created it, which may be the GUI
+ * thread.
  *
  * **Blocking.** No function blocks.
  *

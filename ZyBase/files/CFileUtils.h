@@ -412,6 +412,10 @@ public:
      *                 date.
      * @return the time or the date; never empty
      *
+     * **Threads.** Thread-safe from the first call on. Calls of QDate::toString() and QDateTime::toString()
+     * in other threads are not protected, because Qt's first use of the locale is not thread-safe. Format one
+     * date before you start such threads.
+     *
      * @warning "Today" is the day of the first call in the process. After midnight, times of the new day are
      * shown as dates. If the application runs for days, use QDateTime::toString() instead.
      */

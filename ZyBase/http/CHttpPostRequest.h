@@ -42,8 +42,8 @@ namespace ZyBase {
  * failed requests are not repeated. Requests share no cookies, no cache and no connection. The URL may have
  * any scheme that QNetworkAccessManager supports: a "file:" URL reads a local file.
  *
- * **Threads.** All functions and signals except the destructor are thread-safe. Any thread may create
- * the object and start requests, also the GUI thread. Delete the object in its own thread. Each background
+ * **Threads.** All functions and signals except the destructor are thread-safe. Any thread may create the
+ * object and start requests, also the GUI thread. Delete the object in its own thread. Each background
  * request runs in a thread of its own, which emits the outcome signal. A receiver in another thread gets
  * the signal queued and needs a running event loop there. A direct connection, or a lambda without a
  * receiver object, runs in the request's thread.

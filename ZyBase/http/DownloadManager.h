@@ -36,15 +36,15 @@ namespace ZyBase {
  * Redirects are not followed. Such a download fails, and only the standard error stream shows the target.
  * @ref guide-following-a-redirect "docs/guide/following-a-redirect.md" shows how to follow them.
  *
- * **Threads.** Reentrant: different threads may use different objects. Use an object only in the
- * thread that created it, which may be the GUI thread. That thread must run an event loop and receives all
+ * **Threads.** Reentrant: different threads may use different objects. Use an object only in the thread
+ * that created it, which may be the GUI thread. That thread must run an event loop and receives all
  * signals.
  *
  * **Blocking.** No function blocks on the network. Data is written to the disk in this thread. There is no
  * timeout: if a server stops sending, the download stays open until StopDownload().
  *
- * **Failures.** StartDownload() returns false, or signalDownloadFinished() reports false. Progress and
- * failures are also printed to the standard output and error streams, for developers.
+ * **Failures.** StartDownload() returns false, or signalDownloadFinished() reports false. The start and the
+ * end of a download are also printed to the standard output and error streams.
  *
  * **Lifetime.** The destructor ends a running download without a signal and keeps the partial file. Call
  * StopDownload() before you delete the object.
@@ -90,9 +90,9 @@ public:
      * keep it, download to a different directory and then rename the new file.
      *
      * @warning Some failures are reported as success. If the disk is full, the file is cut short. If a
-     * connection breaks off, Qt can treat it as the end of the file. If the first bytesTotal is not -1,
-     * compare it with the size of the file. If it is -1, as for a chunked answer, compare a digest: the
-     * last bytesTotal is then only the number of bytes received.
+     * connection breaks off, Qt sometimes treats it as the end of the file. Compare the size of the file
+     * with the last bytesTotal. For a chunked answer compare a digest, because its last bytesTotal is only
+     * the number of bytes received.
      */
     bool StartDownload(const QUrl &url, const QString &strSaveDir);
 
@@ -143,7 +143,8 @@ Q_SIGNALS:
      * Emitted when Qt reports progress, about ten times a second at most.
      *
      * @param bytesReceived bytes of the body received so far
-     * @param bytesTotal bytes of the whole body; -1 if the server does not send the length
+     * @param bytesTotal bytes of the whole body; -1 if the server does not send the length; the last signal
+     * of a download then has the number of bytes received
      * @param strSpeed mean speed since the start, for display: "512.0 bytes/sec", "1.5 kB/s" or "12.3
      * MB/s". A kB has 1024 bytes. In the first millisecond it can be "inf MB/s" or "nan MB/s".
      */

@@ -15,7 +15,7 @@
 namespace ZyBase {
 
 /**
- * Returns the public IP address and the location of the machine, and tests the name lookup.
+ * Queries the public IP address and the location of the machine, and tests the name lookup.
  *
  * The data comes from free public web services, which @ref services "docs/services.md" lists. They see the
  * user's IP address, can limit the number of requests, and can disappear. Let nothing important depend on
@@ -31,8 +31,8 @@ namespace ZyBase {
  *
  * Every call sends a new request. Nothing is cached, repeated or logged.
  *
- * **Threads.** All functions are thread-safe. They may be called from the GUI thread, but see
- * Blocking.
+ * **Threads.** All functions are thread-safe. They may be called from the GUI thread, where they do not
+ * freeze the windows: see Blocking.
  *
  * **Blocking.** Each request blocks for 10000 ms at most; Qt's coarse timer can make that 10500 ms.
  * GetIPInfo() can send two requests. IsNetWorkOnline() blocks until the system's name lookup ends, without

@@ -324,8 +324,8 @@ public:
      *
      * **Threads.** This function is thread-safe. It needs no application object.
      *
-     * **Blocking.** Uses the processor: about a millisecond for a short string, some ten for a long one.
-     * Large images take longer.
+     * **Blocking.** Uses the processor for less than a millisecond for a short string and some milliseconds
+     * for a long one. Large images take longer.
      *
      * @warning The symbol has no margin. Scanners need a white margin that is four modules wide: draw the
      * image on a white background.

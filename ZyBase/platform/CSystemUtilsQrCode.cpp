@@ -34,8 +34,8 @@ struct Modules
     static bool isBlack(unsigned char nByte) { return (nByte & nBlackBit) != 0; }
 };
 
-// Draws each black module by itself on a white background. Used if a module is much smaller than a pixel,
-// where QPainter does not simply colour the pixels whose centres a rectangle covers.
+// Draws each black module by itself on a white background. Needed for sides of one or two pixels: modules are
+// then so small that QPainter colours other pixels than those whose centres they cover.
 void paint(QImage *pImage, const Modules &modules)
 {
     const int nSide = pImage->width();

@@ -22,11 +22,11 @@ using ZyBase::CStringUtils;
 
 namespace {
 
-constexpr qint64 hashedSize = 1LL << 30;
-constexpr int chunkSize = 4096;
+constexpr qint64 hashedSizeBytes = 1LL << 30;
+constexpr int chunkSizeBytes = 4096;
 constexpr int pieceLength = 100;
-constexpr int takenNames = 100;
-constexpr long long moment = 1700000000;
+constexpr int existingNames = 100;
+constexpr long long secondsSinceEpoch = 1700000000;
 
 QTemporaryDir &directory()
 {
@@ -34,24 +34,24 @@ QTemporaryDir &directory()
     return instance;
 }
 
-// Sparse: no disk has a part in what is measured.
+// A sparse file, so that the speed of the disk is not measured.
 QString hashedFile()
 {
     static const QString path = [] {
         const QString name = directory().filePath(QStringLiteral("large.bin"));
         QFile file(name);
         file.open(QIODevice::WriteOnly);
-        file.resize(hashedSize);
+        file.resize(hashedSizeBytes);
         return name;
     }();
     return path;
 }
 
-QString takenFile()
+QString existingFile()
 {
     static const QString path = [] {
-        const QString name = directory().filePath(QStringLiteral("taken.txt"));
-        for (int i = 0; i < takenNames; ++i) {
+        const QString name = directory().filePath(QStringLiteral("existing.txt"));
+        for (int i = 0; i < existingNames; ++i) {
             QFile file(CFileUtils::getUniqueFileName(name, QString()));
             file.open(QIODevice::WriteOnly);
         }
@@ -60,20 +60,20 @@ QString takenFile()
     return path;
 }
 
-double peakMegabytes()
+double peakMebibytes()
 {
     rusage usage = {};
     getrusage(RUSAGE_SELF, &usage);
     return double(usage.ru_maxrss) / 1024;
 }
 
-void hashWithTheLibrary(benchmark::State &state)
+void hashWithLibrary(benchmark::State &state)
 {
     const QString path = hashedFile();
-    const double before = peakMegabytes();
+    const double before = peakMebibytes();
     for (auto _ : state)
         benchmark::DoNotOptimize(getBigFileMd5(path));
-    state.counters["MB_more"] = peakMegabytes() - before;
+    state.counters["MiB_added"] = peakMebibytes() - before;
 }
 
 void hashWithQt(benchmark::State &state)
@@ -83,8 +83,8 @@ void hashWithQt(benchmark::State &state)
         QFile file(path);
         file.open(QIODevice::ReadOnly);
         QCryptographicHash hash(QCryptographicHash::Md5);
-        char buffer[chunkSize];
-        for (qint64 length = 0; (length = file.read(buffer, chunkSize)) > 0;)
+        char buffer[chunkSizeBytes];
+        for (qint64 length = 0; (length = file.read(buffer, chunkSizeBytes)) > 0;)
             hash.addData(buffer, int(length));
         benchmark::DoNotOptimize(hash.result());
     }
@@ -98,7 +98,7 @@ void hashWithMd5sum(benchmark::State &state)
                           {QStringLiteral("-c"), QStringLiteral("md5sum '%1' >/dev/null").arg(path)});
 }
 
-void splitWithTheLibrary(benchmark::State &state)
+void splitWithLibrary(benchmark::State &state)
 {
     const QString text(int(state.range(0)), QLatin1Char('x'));
     for (auto _ : state)
@@ -116,31 +116,34 @@ void splitByJoining(benchmark::State &state)
     }
 }
 
-void checkNameWithTheLibrary(benchmark::State &state)
+QString fileName()
 {
-    const QString name = QStringLiteral("quarterly report (final).pdf");
+    return QStringLiteral("quarterly report (final).pdf");
+}
+
+QString drivePath()
+{
+    return QStringLiteral("C:\\documents\\quarterly report (final).pdf");
+}
+
+void checkWithLibrary(benchmark::State &state, bool (*check)(const QString &), QString (*checked)())
+{
+    const QString name = checked();
     for (auto _ : state)
-        benchmark::DoNotOptimize(CFileUtils::CheckFileNameValid(name));
+        benchmark::DoNotOptimize(check(name));
 }
 
 void checkNameWithQt(benchmark::State &state)
 {
-    const QString name = QStringLiteral("quarterly report (final).pdf");
+    const QString name = fileName();
     const QString pattern = QStringLiteral("[\\\\/:*?\"<>|]+");
     for (auto _ : state)
         benchmark::DoNotOptimize(!name.contains(QRegularExpression(pattern)));
 }
 
-void checkPathWithTheLibrary(benchmark::State &state)
-{
-    const QString path = QStringLiteral("C:\\documents\\quarterly report (final).pdf");
-    for (auto _ : state)
-        benchmark::DoNotOptimize(CFileUtils::CheckFilePathValid(path));
-}
-
 void checkPathWithQt(benchmark::State &state)
 {
-    const QString path = QStringLiteral("C:\\documents\\quarterly report (final).pdf");
+    const QString path = drivePath();
     const QString pattern = QStringLiteral("[:*?\"<>|]+");
     for (auto _ : state) {
         benchmark::DoNotOptimize(path.contains(QLatin1Char(':'))
@@ -148,7 +151,7 @@ void checkPathWithQt(benchmark::State &state)
     }
 }
 
-void formatSizeWithTheLibrary(benchmark::State &state)
+void formatSizeWithLibrary(benchmark::State &state)
 {
     for (auto _ : state)
         benchmark::DoNotOptimize(CFileUtils::FormatFileSize(123456789));
@@ -164,33 +167,33 @@ void formatSizeWithQt(benchmark::State &state)
     }
 }
 
-void formatTimeWithTheLibrary(benchmark::State &state)
+void formatTimeWithLibrary(benchmark::State &state)
 {
     for (auto _ : state)
-        benchmark::DoNotOptimize(CFileUtils::FormatOpenTime(moment));
+        benchmark::DoNotOptimize(CFileUtils::FormatOpenTime(secondsSinceEpoch));
 }
 
 void formatTimeWithQt(benchmark::State &state)
 {
     const QDate today = QDate::currentDate();
     for (auto _ : state) {
-        const QDateTime time = QDateTime::fromSecsSinceEpoch(moment, Qt::LocalTime);
+        const QDateTime time = QDateTime::fromSecsSinceEpoch(secondsSinceEpoch, Qt::LocalTime);
         const QString format =
             time.date() == today ? QStringLiteral("HH:mm:ss") : QStringLiteral("MM/dd/yyyy");
         benchmark::DoNotOptimize(time.toString(format));
     }
 }
 
-void findNameWithTheLibrary(benchmark::State &state)
+void findNameWithLibrary(benchmark::State &state)
 {
-    const QString path = takenFile();
+    const QString path = existingFile();
     for (auto _ : state)
         benchmark::DoNotOptimize(CFileUtils::getUniqueFileName(path, QString()));
 }
 
 void findNameWithQt(benchmark::State &state)
 {
-    const QString path = takenFile();
+    const QString path = existingFile();
     for (auto _ : state) {
         const QFileInfo information(path);
         QString name = QStringLiteral("%1/%2.%3")
@@ -209,22 +212,24 @@ void once(benchmark::internal::Benchmark *benchmark)
     benchmark->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(5);
 }
 
-BENCHMARK(hashWithTheLibrary)->Name("hash/getBigFileMd5")->Apply(once);
+BENCHMARK(hashWithLibrary)->Name("hash/getBigFileMd5")->Apply(once);
 BENCHMARK(hashWithQt)->Name("hash/Qt")->Apply(once);
 BENCHMARK(hashWithMd5sum)->Name("hash/md5sum")->Apply(once);
-BENCHMARK(splitWithTheLibrary)->Name("split/1M")->Arg(1000000)->Unit(benchmark::kMillisecond);
-BENCHMARK(splitWithTheLibrary)->Name("split/10M")->Arg(10000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(splitWithLibrary)->Name("split/1M")->Arg(1000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(splitWithLibrary)->Name("split/10M")->Arg(10000000)->Unit(benchmark::kMillisecond);
 BENCHMARK(splitByJoining)->Name("join/1M")->Arg(1000000)->Unit(benchmark::kMillisecond);
 BENCHMARK(splitByJoining)->Name("join/10M")->Arg(10000000)->Unit(benchmark::kMillisecond);
-BENCHMARK(checkNameWithTheLibrary)->Name("name/CheckFileNameValid");
+BENCHMARK_CAPTURE(checkWithLibrary, name, &CFileUtils::CheckFileNameValid, fileName)
+    ->Name("name/CheckFileNameValid");
 BENCHMARK(checkNameWithQt)->Name("name/Qt");
-BENCHMARK(checkPathWithTheLibrary)->Name("path/CheckFilePathValid");
+BENCHMARK_CAPTURE(checkWithLibrary, path, &CFileUtils::CheckFilePathValid, drivePath)
+    ->Name("path/CheckFilePathValid");
 BENCHMARK(checkPathWithQt)->Name("path/Qt");
-BENCHMARK(formatSizeWithTheLibrary)->Name("size/FormatFileSize");
+BENCHMARK(formatSizeWithLibrary)->Name("size/FormatFileSize");
 BENCHMARK(formatSizeWithQt)->Name("size/Qt");
-BENCHMARK(formatTimeWithTheLibrary)->Name("time/FormatOpenTime");
+BENCHMARK(formatTimeWithLibrary)->Name("time/FormatOpenTime");
 BENCHMARK(formatTimeWithQt)->Name("time/Qt");
-BENCHMARK(findNameWithTheLibrary)->Name("free/getUniqueFileName");
+BENCHMARK(findNameWithLibrary)->Name("free/getUniqueFileName");
 BENCHMARK(findNameWithQt)->Name("free/Qt");
 
 } // namespace
@@ -233,14 +238,15 @@ int main(int argc, char **argv)
 {
     return runWithRatios(
         argc, argv,
-        {{"hash 1 GiB, to a bare loop of Qt", "hash/getBigFileMd5", "hash/Qt", 1.02},
+        {{"hash 1 GiB, to a loop with QFile and QCryptographicHash", "hash/getBigFileMd5", "hash/Qt", 1.02},
          {"hash 1 GiB, to md5sum", "hash/getBigFileMd5", "hash/md5sum", 0},
-         {"wrap 1 million characters, to cutting and joining", "split/1M", "join/1M", 0.5},
-         {"wrap 10 million characters, to cutting and joining", "split/10M", "join/10M", 0.5},
-         {"wrap 10 million characters, to 1 million (linear is 10)", "split/10M", "split/1M", 0},
+         {"split 1 million characters, to QStringList::join()", "split/1M", "join/1M", 0.5},
+         {"split 10 million characters, to QStringList::join()", "split/10M", "join/10M", 0.5},
+         {"split 10 million characters, to 1 million (linear is 10)", "split/10M", "split/1M", 0},
          {"check a name, to plain Qt", "name/CheckFileNameValid", "name/Qt", 1.0},
          {"check a path, to plain Qt", "path/CheckFilePathValid", "path/Qt", 1.0},
          {"format a size, to plain Qt", "size/FormatFileSize", "size/Qt", 1.0},
          {"format a time, to plain Qt", "time/FormatOpenTime", "time/Qt", 1.0},
-         {"find the free name behind 100 taken, to plain Qt", "free/getUniqueFileName", "free/Qt", 1.0}});
+         {"find a free name after 100 existing ones, to plain Qt", "free/getUniqueFileName", "free/Qt",
+          1.0}});
 }

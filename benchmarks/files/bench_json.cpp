@@ -56,7 +56,7 @@ QJsonObject savedObject()
     return {{QStringLiteral("events"), createCatalogue()}};
 }
 
-void parseWithTheLibrary(benchmark::State &state)
+void parseWithLibrary(benchmark::State &state)
 {
     const QString path = catalogueFile();
     for (auto _ : state)
@@ -73,7 +73,7 @@ void parseWithQt(benchmark::State &state)
     }
 }
 
-void saveWithTheLibrary(benchmark::State &state)
+void saveWithLibrary(benchmark::State &state)
 {
     const QJsonObject object = savedObject();
     for (auto _ : state)
@@ -90,9 +90,9 @@ void saveWithQt(benchmark::State &state)
     }
 }
 
-BENCHMARK(parseWithTheLibrary)->Name("parse/CJsonReader")->Unit(benchmark::kMillisecond);
+BENCHMARK(parseWithLibrary)->Name("parse/CJsonReader")->Unit(benchmark::kMillisecond);
 BENCHMARK(parseWithQt)->Name("parse/Qt")->Unit(benchmark::kMillisecond);
-BENCHMARK(saveWithTheLibrary)->Name("save/CJsonReader")->Unit(benchmark::kMillisecond);
+BENCHMARK(saveWithLibrary)->Name("save/CJsonReader")->Unit(benchmark::kMillisecond);
 BENCHMARK(saveWithQt)->Name("save/Qt")->Unit(benchmark::kMillisecond);
 
 } // namespace

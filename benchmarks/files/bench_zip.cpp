@@ -18,21 +18,21 @@ using ZyBase::ZipManager;
 
 namespace {
 
-constexpr int smallFiles = 5000;
-constexpr int smallSize = 2000;
-constexpr int largeSize = 512 << 20;
+constexpr int smallFileCount = 5000;
+constexpr int smallSizeBytes = 2000;
+constexpr int largeSizeBytes = 512 << 20;
 
-// In memory where there is room, so that no disk has a part in what is measured.
-QString place()
+// Returns a directory in memory if it has enough space, so that the speed of the disk is not measured.
+QString parentDirectory()
 {
     const QString memory = QStringLiteral("/dev/shm");
     const QStorageInfo storage(memory);
-    return storage.isValid() && storage.bytesAvailable() > 2LL * largeSize ? memory : QDir::tempPath();
+    return storage.isValid() && storage.bytesAvailable() > 2LL * largeSizeBytes ? memory : QDir::tempPath();
 }
 
 QTemporaryDir &directory()
 {
-    static QTemporaryDir instance(QDir(place()).filePath(QStringLiteral("bench_zip-XXXXXX")));
+    static QTemporaryDir instance(QDir(parentDirectory()).filePath(QStringLiteral("bench_zip-XXXXXX")));
     return instance;
 }
 
@@ -59,39 +59,37 @@ void addEntry(QuaZip &zip, const QString &name, const QByteArray &content)
     file.close();
 }
 
+// Creates an archive and extracts it once, so that each measured extraction replaces existing files.
+QString createArchive(const QString &name, void (*addEntries)(QuaZip &zip))
+{
+    const QString path = directory().filePath(name);
+    QuaZip zip(path);
+    zip.open(QuaZip::mdCreate);
+    addEntries(zip);
+    zip.close();
+    ZipManager::QuaUnzipFile(path, target(), true);
+    return path;
+}
+
 QString smallArchive()
 {
-    static const QString path = [] {
-        const QString name = directory().filePath(QStringLiteral("small.zip"));
-        QuaZip zip(name);
-        zip.open(QuaZip::mdCreate);
-        const QByteArray content = sample(smallSize);
-        for (int i = 0; i < smallFiles; ++i)
+    static const QString path = createArchive(QStringLiteral("small.zip"), [](QuaZip &zip) {
+        const QByteArray content = sample(smallSizeBytes);
+        for (int i = 0; i < smallFileCount; ++i)
             addEntry(zip, QStringLiteral("%1/%2.txt").arg(i / 100).arg(i), content);
-        zip.close();
-        // Once ahead: all that are measured write over what lies there.
-        ZipManager::QuaUnzipFile(name, target(), true);
-        return name;
-    }();
+    });
     return path;
 }
 
 QString largeArchive()
 {
-    static const QString path = [] {
-        const QString name = directory().filePath(QStringLiteral("large.zip"));
-        QuaZip zip(name);
-        zip.open(QuaZip::mdCreate);
-        addEntry(zip, QStringLiteral("large.txt"), sample(1 << 20).repeated(largeSize >> 20));
-        zip.close();
-        // Once ahead: all that are measured write over what lies there.
-        ZipManager::QuaUnzipFile(name, target(), true);
-        return name;
-    }();
+    static const QString path = createArchive(QStringLiteral("large.zip"), [](QuaZip &zip) {
+        addEntry(zip, QStringLiteral("large.txt"), sample(1 << 20).repeated(largeSizeBytes >> 20));
+    });
     return path;
 }
 
-void extractWithTheLibrary(benchmark::State &state, QString (*archive)())
+void extractWithLibrary(benchmark::State &state, QString (*archive)())
 {
     const QString path = archive();
     for (auto _ : state)
@@ -134,14 +132,14 @@ void large(benchmark::internal::Benchmark *benchmark)
     benchmark->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(3);
 }
 
-BENCHMARK_CAPTURE(extractWithTheLibrary, small, smallArchive)
+BENCHMARK_CAPTURE(extractWithLibrary, small, smallArchive)
     ->Name("small/QuaUnzipFile")
     ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(extractWithQuaZip, small, smallArchive)
     ->Name("small/QuaZip")
     ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(extractWithUnzip, small, smallArchive)->Name("small/unzip")->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(extractWithTheLibrary, large, largeArchive)->Name("large/QuaUnzipFile")->Apply(large);
+BENCHMARK_CAPTURE(extractWithLibrary, large, largeArchive)->Name("large/QuaUnzipFile")->Apply(large);
 BENCHMARK_CAPTURE(extractWithQuaZip, large, largeArchive)->Name("large/QuaZip")->Apply(large);
 BENCHMARK_CAPTURE(extractWithUnzip, large, largeArchive)->Name("large/unzip")->Apply(large);
 
@@ -149,7 +147,7 @@ BENCHMARK_CAPTURE(extractWithUnzip, large, largeArchive)->Name("large/unzip")->A
 
 int main(int argc, char **argv)
 {
-    // The library says of each entry what became of it; where to is the host's choice.
+    // The library logs one message for each entry. They are not printed.
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
     return runWithRatios(
         argc, argv,

@@ -17,15 +17,15 @@ using ZyBase::CSystemUtils;
 
 namespace {
 
-// The encoder takes most of the time on both sides: many short runs find the machine's quiet moments.
-constexpr double shortRun = 0.02; // s
-constexpr int manyRuns = 40;
+// The encoder takes most of the time on both sides. Many short runs include some without other load.
+constexpr double minimumRunSeconds = 0.02;
+constexpr int repetitions = 40;
 
 const char *const shortText = "https://example.org/";
 const std::string longText(1000, 'x');
 
-// What a host would write on libqrencode and QPainter.
-QImage paintedByQt(const QString &text, int side)
+// What an application would write with libqrencode and QPainter.
+QImage paintedImage(const QString &text, int side)
 {
     QRcode *const symbol = QRcode_encodeString(text.toStdString().c_str(), 2, QR_ECLEVEL_Q, QR_MODE_8, 1);
     QImage image(side, side, QImage::Format_ARGB32);
@@ -47,33 +47,33 @@ QImage paintedByQt(const QString &text, int side)
     return image;
 }
 
-// What no painting can go below.
-void encoderAlone(benchmark::State &state)
+// The lower limit for every way of painting.
+void callEncoder(benchmark::State &state)
 {
     for (auto _ : state)
         QRcode_free(QRcode_encodeString(longText.c_str(), 2, QR_ECLEVEL_Q, QR_MODE_8, 1));
 }
 
-void withTheLibrary(benchmark::State &state, const QString &text, int side)
+void callLibrary(benchmark::State &state, const QString &text, int side)
 {
     for (auto _ : state)
         benchmark::DoNotOptimize(CSystemUtils::GenerateQRCode(text, QSize(side, side)));
 }
 
-void withQPainter(benchmark::State &state, const QString &text, int side)
+void paintWithQt(benchmark::State &state, const QString &text, int side)
 {
     for (auto _ : state)
-        benchmark::DoNotOptimize(paintedByQt(text, side));
+        benchmark::DoNotOptimize(paintedImage(text, side));
 }
 
 void add(const std::string &name, const QString &text, int side)
 {
-    for (const auto &way : {std::make_pair("GenerateQRCode", &withTheLibrary),
-                            std::make_pair("libqrencode and QPainter", &withQPainter)}) {
-        benchmark::RegisterBenchmark((name + '/' + way.first).c_str(), way.second, text, side)
+    for (const auto &[method, function] : {std::make_pair("GenerateQRCode", &callLibrary),
+                                           std::make_pair("libqrencode and QPainter", &paintWithQt)}) {
+        benchmark::RegisterBenchmark((name + '/' + method).c_str(), function, text, side)
             ->Unit(benchmark::kMicrosecond)
-            ->MinTime(shortRun)
-            ->Repetitions(manyRuns);
+            ->MinTime(minimumRunSeconds)
+            ->Repetitions(repetitions);
     }
 }
 
@@ -81,23 +81,23 @@ void add(const std::string &name, const QString &text, int side)
 
 int main(int argc, char **argv)
 {
-    benchmark::RegisterBenchmark("long/libqrencode alone", &encoderAlone)
+    benchmark::RegisterBenchmark("long/libqrencode alone", &callEncoder)
         ->Unit(benchmark::kMicrosecond)
-        ->MinTime(shortRun)
-        ->Repetitions(manyRuns);
+        ->MinTime(minimumRunSeconds)
+        ->Repetitions(repetitions);
     add("short 256", QString::fromLatin1(shortText), 256);
     add("short 1024", QString::fromLatin1(shortText), 1024);
     add("long 256", QString::fromStdString(longText), 256);
     add("long 1024", QString::fromStdString(longText), 1024);
     return runWithRatios(argc, argv,
-                         {{"20 bytes at 256 pixels, to libqrencode and QPainter", "short 256/GenerateQRCode",
-                           "short 256/libqrencode and QPainter", 0.6},
-                          {"20 bytes at 1024 pixels, to libqrencode and QPainter",
+                         {{"20 bytes at 256 pixels, relative to libqrencode and QPainter",
+                           "short 256/GenerateQRCode", "short 256/libqrencode and QPainter", 0.6},
+                          {"20 bytes at 1024 pixels, relative to libqrencode and QPainter",
                            "short 1024/GenerateQRCode", "short 1024/libqrencode and QPainter", 0.6},
-                          {"1000 bytes at 256 pixels, to libqrencode and QPainter", "long 256/GenerateQRCode",
-                           "long 256/libqrencode and QPainter", 0.6},
-                          {"1000 bytes at 1024 pixels, to libqrencode and QPainter",
+                          {"1000 bytes at 256 pixels, relative to libqrencode and QPainter",
+                           "long 256/GenerateQRCode", "long 256/libqrencode and QPainter", 0.6},
+                          {"1000 bytes at 1024 pixels, relative to libqrencode and QPainter",
                            "long 1024/GenerateQRCode", "long 1024/libqrencode and QPainter", 0.6},
-                          {"1000 bytes without an image, to the same at 256 pixels", "long/libqrencode alone",
-                           "long 256/libqrencode and QPainter", 0}});
+                          {"1000 bytes without an image, relative to the same at 256 pixels",
+                           "long/libqrencode alone", "long 256/libqrencode and QPainter", 0}});
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 
-// The theme where nothing tells, which takes the most: all of this machine's own tools are run, in a home
-// without settings.
+// IsDarkTheme() if no setting decides, which takes the longest. The tools of this machine run with an empty
+// configuration directory.
 
 #include <ZyBase/platform/COperateSystem.h>
 
@@ -28,15 +28,15 @@ void get(const char *schema, const char *key)
     run("gsettings", {QStringLiteral("get"), QString::fromLatin1(schema), QString::fromLatin1(key)});
 }
 
-void withTheLibrary(benchmark::State &state)
+void callLibrary(benchmark::State &state)
 {
     for (auto _ : state) {
         if (COperateSystem::IsDarkTheme())
-            state.SkipWithError("this machine is set to dark for all its users");
+            state.SkipWithError("this machine has a dark theme for all users");
     }
 }
 
-void bareProcesses(benchmark::State &state)
+void runProcesses(benchmark::State &state)
 {
     for (auto _ : state) {
         run("which", {QStringLiteral("gsettings")});
@@ -50,8 +50,8 @@ void bareProcesses(benchmark::State &state)
     }
 }
 
-BENCHMARK(withTheLibrary)->Name("theme/IsDarkTheme")->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(bareProcesses)->Name("theme/bare processes")->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(callLibrary)->Name("theme/IsDarkTheme")->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(runProcesses)->Name("theme/QProcess")->Unit(benchmark::kMillisecond)->UseRealTime();
 
 } // namespace
 
@@ -64,6 +64,6 @@ int main(int argc, char **argv)
         qunsetenv(variable);
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
     return runWithRatios(argc, argv,
-                         {{"the theme where nothing tells, to its eight processes bare", "theme/IsDarkTheme",
-                           "theme/bare processes", 1.05}});
+                         {{"the theme if no setting decides, relative to its eight processes",
+                           "theme/IsDarkTheme", "theme/QProcess", 1.05}});
 }

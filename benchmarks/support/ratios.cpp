@@ -15,8 +15,8 @@ namespace {
 constexpr const char *repetitions = "--benchmark_repetitions=9";
 constexpr const char *interleaving = "--benchmark_enable_random_interleaving=true";
 
-// Shows each benchmark's median and keeps its fastest repetition: what the work itself takes, without
-// what else the machine did meanwhile.
+// Prints the median of each benchmark and stores its fastest repetition, which other processes disturbed
+// least.
 class RatioReporter : public benchmark::ConsoleReporter
 {
 public:
@@ -68,7 +68,7 @@ private:
 
 int runWithRatios(int argc, char **argv, const std::vector<Ratio> &ratios)
 {
-    // The caller's own arguments come last and win.
+    // The arguments of the command line come last, so they override these.
     std::vector<std::string> arguments {argv[0], repetitions, interleaving};
     arguments.insert(arguments.end(), argv + 1, argv + argc);
     std::vector<char *> pointers;
@@ -81,7 +81,7 @@ int runWithRatios(int argc, char **argv, const std::vector<Ratio> &ratios)
 
     RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
-    std::printf("\nRatios of the fastest repetitions\n");
+    std::printf("\nTime relative to the baseline, fastest repetitions\n");
     for (const Ratio &ratio : ratios)
         reporter.print(ratio);
     return 0;

@@ -5,19 +5,19 @@
 #include <string>
 #include <vector>
 
-/** Two benchmarks of one program that do the same work, ours and what it is measured against. */
+/** Compares two benchmarks of one program that do the same work. */
 struct Ratio
 {
-    const char *what;
-    const char *ours;
-    const char *baseline;
-    double bound; ///< what the ratio should not exceed; 0 for none
+    const char *what; ///< what is compared, for the output
+    const char *ours; ///< name of the benchmark of the library
+    const char *baseline; ///< name of the benchmark that it is compared with
+    double bound; ///< the ratio should not be larger; 0 for no bound
 };
 
 /**
- * Runs the registered benchmarks, repeated and in random order so that all meet the machine in the
- * same state,, and prints the ratios of their fastest repetitions below Google Benchmark's own table.
+ * Runs the registered benchmarks and prints the ratios of their fastest repetitions after the table of Google
+ * Benchmark. The repetitions run in random order, so that the state of the machine affects all benchmarks.
  *
- * @return the program's exit code
+ * @return the exit code of the program
  */
 int runWithRatios(int argc, char **argv, const std::vector<Ratio> &ratios);

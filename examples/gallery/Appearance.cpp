@@ -23,7 +23,7 @@ const Colours &dark()
     return colours;
 }
 
-bool s_isDark = false;
+bool isDarkAppearance = false;
 
 QPalette paletteOf(const Colours &colours)
 {
@@ -43,7 +43,7 @@ QPalette paletteOf(const Colours &colours)
     return palette;
 }
 
-// The style sheet with each "@name" replaced by that colour.
+// Returns the style sheet, with each "@name" replaced by a colour.
 QString styleSheetOf(const Colours &colours)
 {
     QFile file(QStringLiteral(":/style.qss"));
@@ -64,12 +64,12 @@ QString styleSheetOf(const Colours &colours)
 
 const Colours &currentColours()
 {
-    return s_isDark ? dark() : light();
+    return isDarkAppearance ? dark() : light();
 }
 
 void setAppearance(bool isDark)
 {
-    s_isDark = isDark;
+    isDarkAppearance = isDark;
     QApplication::setPalette(paletteOf(currentColours()));
     qApp->setStyleSheet(styleSheetOf(currentColours()));
 }

@@ -4,7 +4,7 @@
 
 #include <QColor>
 
-/** The gallery's colours. The style sheet knows them by these names. */
+/** The gallery's colours. The style sheet uses these names. */
 struct Colours
 {
     QColor window;
@@ -13,17 +13,17 @@ struct Colours
     QColor field;
     QColor line;
     QColor text;
-    QColor quiet; ///< text of second rank
+    QColor quiet; ///< less important text
     QColor accent;
     QColor onaccent; ///< text on the accent
-    QColor soft; ///< a breath of the accent, behind what is selected
+    QColor soft; ///< background of the selection
     QColor good;
     QColor warning;
     QColor bad;
 };
 
-/** Gives the whole application the light or the dark look. */
+/** Sets the light or the dark theme for the whole application. */
 void setAppearance(bool isDark);
 
-/** The colours of the look that was set last. */
+/** Returns the colours of the current theme. */
 const Colours &currentColours();

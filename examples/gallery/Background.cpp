@@ -6,21 +6,21 @@
 
 namespace {
 
-// More than pages have calls that wait. They cost no processor.
-constexpr int mostWaitingCalls = 16;
+// More than all blocking calls of the pages. They take no processor time.
+constexpr int maxBlockingCalls = 16;
 
 } // namespace
 
-// The application's own pool, for whose calls it waits at its end.
-QThreadPool *waitingThreads()
+// The global pool: the application object waits for its calls when it is destroyed.
+QThreadPool *blockingCallThreads()
 {
     QThreadPool *const pool = QThreadPool::globalInstance();
-    if (pool->maxThreadCount() < mostWaitingCalls)
-        pool->setMaxThreadCount(mostWaitingCalls);
+    if (pool->maxThreadCount() < maxBlockingCalls)
+        pool->setMaxThreadCount(maxBlockingCalls);
     return pool;
 }
 
-void tidyThread()
+void deleteLeftObjects()
 {
     QCoreApplication::sendPostedEvents();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

@@ -6,15 +6,20 @@
 #include <QThreadPool>
 #include <QtConcurrent/QtConcurrentRun>
 
-/** Threads for calls that wait; one that hangs doesn't keep the others from running. */
-QThreadPool *waitingThreads();
-
-/** Deletes what a call with an event loop of its own left to the next one, which this thread never runs. */
-void tidyThread();
+/** Returns the threads for blocking calls. There are enough that no call waits for another. */
+QThreadPool *blockingCallThreads();
 
 /**
- * Runs the blocking call @p work in a thread of its own, and then @p done with its result in that of
- * @p receiver, if that still lives. @p work must refer to nothing that may go earlier.
+ * Deletes the objects that a call left to the event loop with deleteLater(). The threads of the pool run no
+ * event loop.
+ */
+void deleteLeftObjects();
+
+/**
+ * Calls @p work in another thread, and then @p done with its result in the thread of @p receiver.
+ *
+ * @p done is not called if @p receiver is destroyed first. @p work must not use objects that may be destroyed
+ * while it runs.
  */
 template <typename Work, typename Done> void inBackground(QObject *receiver, Work work, Done done)
 {
@@ -23,9 +28,9 @@ template <typename Work, typename Done> void inBackground(QObject *receiver, Wor
         watcher->deleteLater();
         done(watcher->result());
     });
-    watcher->setFuture(QtConcurrent::run(waitingThreads(), [work] {
+    watcher->setFuture(QtConcurrent::run(blockingCallThreads(), [work] {
         auto result = work();
-        tidyThread();
+        deleteLeftObjects();
         return result;
     }));
 }

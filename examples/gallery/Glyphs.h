@@ -4,8 +4,8 @@
 
 #include <QIcon>
 
-/** The drawings of the navigation. */
+/** The icons of the navigation. */
 enum class Glyph { Log, Request, Download, Archive, QrCode, Machine, Reports };
 
-/** The drawing in the current colours. */
+/** Returns the icon in the colours of the current theme. */
 QIcon glyphIcon(Glyph glyph);

@@ -17,24 +17,27 @@
 #include <ZyBase/platform/CSystemUtils.h>
 
 #include <QDir>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QListWidget>
+#include <QScreen>
+#include <QScrollArea>
 #include <QStackedWidget>
 
 namespace {
 
-enum Appearances { LikeTheDesktop, Light, Dark };
+enum Appearances { SameAsDesktop, Light, Dark };
 
 constexpr int sideWidth = 212;
 constexpr int navigationHeight = 40;
-const QSize firstSize(1040, 720);
+const QSize initialSize(1040, 720);
 
-// What the local services serve.
+// Files of the local services.
 constexpr const char *smallFile = "files/version.json";
 constexpr const char *slowFile = "bytes/40000000/holiday.zip?rate=4000000";
 
-// Empty where there are no local services.
-QString below(const QString &address, const char *path)
+// Returns an empty string if there are no local services.
+QString urlBelow(const QString &address, const char *path)
 {
     return address.isEmpty() ? QString() : address + QLatin1String(path);
 }
@@ -45,8 +48,8 @@ MainWindow::MainWindow(const QString &directory, const DevelopmentServices &serv
     : QWidget(parent)
     , m_navigation(new QListWidget)
     , m_pages(new QStackedWidget)
-    , m_appearance(new Choice({tr("Like the desktop"), tr("Light"), tr("Dark")}, "appearance"))
-    , m_verdict(hint(QString(), "verdict"))
+    , m_appearance(new Choice({tr("Same as desktop"), tr("Light"), tr("Dark")}, "appearance"))
+    , m_desktopTheme(hint(QString(), "desktopTheme"))
 {
     Q_INIT_RESOURCE(gallery);
     QDir().mkpath(directory);
@@ -56,22 +59,22 @@ MainWindow::MainWindow(const QString &directory, const DevelopmentServices &serv
     auto *const layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(createSide());
-    layout->addWidget(m_pages, 1);
+    layout->addWidget(createSidebar());
+    layout->addWidget(createScrollArea(), 1);
 
     add(Glyph::Log, new LogPage(directory));
-    add(Glyph::Request, new RequestPage(below(services.downloads, smallFile)));
-    add(Glyph::Download, new DownloadPage(below(services.downloads, slowFile), directory));
+    add(Glyph::Request, new RequestPage(urlBelow(services.downloads, smallFile)));
+    add(Glyph::Download, new DownloadPage(urlBelow(services.downloads, slowFile), directory));
     add(Glyph::Archive, new ArchivePage(directory));
     add(Glyph::QrCode, new QrCodePage);
     add(Glyph::Machine, new MachinePage);
     add(Glyph::Reports, new ReportsPage(services.statistics));
     m_navigation->setCurrentRow(0);
-    resize(firstSize);
+    resize(initialSize.boundedTo(QGuiApplication::primaryScreen()->availableSize()));
     followDesktop();
 }
 
-QWidget *MainWindow::createSide()
+QWidget *MainWindow::createSidebar()
 {
     auto *const side = new QFrame;
     side->setObjectName(QStringLiteral("side"));
@@ -85,16 +88,26 @@ QWidget *MainWindow::createSide()
     auto *const layout = new QVBoxLayout(side);
     layout->setContentsMargins(14, 26, 14, 20);
     QLabel *const name = heading(tr("ZyBase"));
-    QLabel *const motto = hint(tr("Every service at work"));
-    for (QLabel *const label : {name, motto, m_verdict})
+    QLabel *const motto = hint(tr("All services in one window"));
+    for (QLabel *const label : {name, motto, m_desktopTheme})
         label->setContentsMargins(10, 0, 0, 0);
     layout->addWidget(name);
     layout->addWidget(motto);
     layout->addSpacing(18);
     layout->addWidget(m_navigation, 1);
     layout->addWidget(m_appearance);
-    layout->addWidget(m_verdict);
+    layout->addWidget(m_desktopTheme);
     return side;
+}
+
+// A small screen shows a part of a page.
+QWidget *MainWindow::createScrollArea()
+{
+    auto *const area = new QScrollArea;
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setWidget(m_pages);
+    return area;
 }
 
 void MainWindow::add(Glyph glyph, Page *page)
@@ -113,20 +126,20 @@ void MainWindow::stopServices()
 
 void MainWindow::chooseAppearance(int choice)
 {
-    if (choice == LikeTheDesktop)
+    if (choice == SameAsDesktop)
         return followDesktop();
-    m_verdict->clear();
+    m_desktopTheme->clear();
     showAppearance(choice == Dark);
 }
 
-// The library asks up to eight tools, any of which may hang for half a minute: never wait here.
+// IsDarkTheme() starts up to eight programs, each of which may run for 30 seconds.
 void MainWindow::followDesktop()
 {
-    m_verdict->setText(tr("Asking the desktop …"));
+    m_desktopTheme->setText(tr("Reading the desktop …"));
     inBackground(this, &ZyBase::CSystemUtils::IsDarkTheme, [this](bool isDark) {
-        if (m_appearance->currentIndex() != LikeTheDesktop)
+        if (m_appearance->currentIndex() != SameAsDesktop)
             return;
-        m_verdict->setText(isDark ? tr("The desktop is dark") : tr("The desktop is light"));
+        m_desktopTheme->setText(isDark ? tr("The desktop is dark") : tr("The desktop is light"));
         showAppearance(isDark);
     });
 }

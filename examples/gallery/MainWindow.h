@@ -14,20 +14,21 @@ class QLabel;
 class QListWidget;
 class QStackedWidget;
 
-/** The gallery: a page for each service, and the choice of light or dark. */
+/** The gallery: a page for each service, and the choice of a light or dark theme. */
 class MainWindow : public QWidget
 {
     Q_OBJECT
 
 public:
-    /** @param directory the folder that log, downloads and extracted files go to; it is made */
+    /** @param directory of log, downloads and extracted files; it is created */
     MainWindow(const QString &directory, const DevelopmentServices &services, QWidget *parent = nullptr);
 
-    /** Has all that runs stop, which it does while the event loop runs on for a moment. */
+    /** Starts to stop everything that runs. The event loop must run until it has stopped. */
     void stopServices();
 
 private:
-    QWidget *createSide();
+    QWidget *createSidebar();
+    QWidget *createScrollArea();
     void add(Glyph glyph, Page *page);
     void chooseAppearance(int choice);
     void followDesktop();
@@ -36,5 +37,5 @@ private:
     QListWidget *m_navigation;
     QStackedWidget *m_pages;
     Choice *m_appearance;
-    QLabel *m_verdict;
+    QLabel *m_desktopTheme;
 };

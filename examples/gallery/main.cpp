@@ -3,32 +3,22 @@
 #include "MainWindow.h"
 
 #include <DevelopmentServices.h>
+#include <QuitInTime.h>
+#include <RunningRequests.h>
 
 #include <ZyBase/platform/CSystemUtils.h>
 
 #include <QApplication>
-#include <QEventLoop>
 #include <QStandardPaths>
 #include <QStyleFactory>
-#include <QTimer>
 
 namespace {
 
-constexpr int lastMomentMs = 1500;
+constexpr std::chrono::milliseconds timeToStop(500);
+constexpr std::chrono::milliseconds timeToQuit(2000);
 
-// What was told to stop ends while the event loop runs.
-void runForALastMoment()
+int runGallery(int &argc, char **argv)
 {
-    QEventLoop loop;
-    QTimer::singleShot(lastMomentMs, &loop, &QEventLoop::quit);
-    loop.exec();
-}
-
-} // namespace
-
-int main(int argc, char **argv)
-{
-    ZyBase::CSystemUtils::EnableHighDPISupport(true);
     const DevelopmentServices services = useDevelopmentServices();
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("zybase-gallery"));
@@ -36,8 +26,17 @@ int main(int argc, char **argv)
 
     MainWindow window(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation), services);
     window.show();
-    const int result = QApplication::exec();
+    const int exitCode = QApplication::exec();
+    endProcessAfter(timeToQuit, exitCode);
     window.stopServices();
-    runForALastMoment();
-    return result;
+    RunningRequests().stopAll(timeToStop); // stops reports too
+    return exitCode;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    ZyBase::CSystemUtils::EnableHighDPISupport(true);
+    endProcess(runGallery(argc, argv));
 }

@@ -7,22 +7,22 @@
 
 #include <QJsonObject>
 
-/** One thing that a host sent to a collector, and what the collector says of it. */
+/** One event or record that an application sent to a collector, and the result of its validation. */
 struct Arrival
 {
-    /** What stands in a list in the place of all that was cleared from it. */
+    /** The kind of the entry that replaces all arrivals when the list is cleared. */
     static QString cleared() { return QStringLiteral("cleared"); }
     static QString event() { return QStringLiteral("event"); }
     static QString record() { return QStringLiteral("record"); }
 
-    qint64 id = 0; ///< grows with each arrival and is never used again; 0 before it is kept
+    qint64 id = 0; ///< increases with each arrival and is never reused; 0 before the arrival is stored
     QString kind;
     QString time; ///< ISO 8601 in UTC, with milliseconds
     QString name; ///< of the event, or the action of the record
     QString detail; ///< category and label of the event, or the status of the record
     LocalServices::HttpServer::Request request;
-    QString signature; ///< "good", or "bad: " and why; empty for what is never signed
-    QStringList problems; ///< what else the collector finds
+    QString signature; ///< "good", or "bad: " and the reason; empty for events, which have no signature
+    QStringList problems; ///< further problems found by the collector
 
     static Arrival of(const LocalServices::GaCollector::Event &event);
     static Arrival of(const LocalServices::StatisticsBackend::Record &record);

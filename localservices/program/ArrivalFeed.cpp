@@ -12,7 +12,7 @@ ArrivalFeed::ArrivalFeed(ArrivalStore &store)
 void ArrivalFeed::add(const Arrival &arrival)
 {
     if (m_store.add(arrival) == 0)
-        qWarning("An arrival can't be kept in the database.");
+        qWarning("local-services: an arrival cannot be stored in the database");
     count(arrival);
     wakeReaders();
 }
@@ -44,10 +44,10 @@ QList<Arrival> ArrivalFeed::waitAfter(qint64 id, std::chrono::milliseconds time)
     std::unique_lock<std::mutex> lock(m_mutex);
     const quint64 changes = m_changes;
     lock.unlock();
-    const QList<Arrival> there = after(id);
-    if (!there.isEmpty())
-        return there;
-    // What came since the look into the store has changed the number.
+    const QList<Arrival> found = after(id);
+    if (!found.isEmpty())
+        return found;
+    // An arrival after the query above has changed the number.
     lock.lock();
     m_change.wait_for(lock, time, [&] { return m_changes != changes || m_isStopped; });
     lock.unlock();

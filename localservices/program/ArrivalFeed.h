@@ -8,16 +8,16 @@
 #include <condition_variable>
 
 /**
- * What arrives, as it arrives, for any number of readers that each know the last arrival they have seen.
- * Nothing is queued for a reader: the store has it all. All functions may be called from any thread.
+ * Reports arrivals to any number of readers. A reader passes the id of its last arrival and receives the
+ * later ones from the store; there are no queues. All functions are thread-safe.
  */
 class ArrivalFeed
 {
 public:
-    /** How many of those that it missed a reader is given at most. */
+    /** The maximum number of arrivals that one call returns. */
     static constexpr int newest = 500;
 
-    /** How many came since the feed was made, and how many of them were good. */
+    /** The numbers of arrivals since the feed was created, all and good ones. */
     struct Counts
     {
         int events = 0;
@@ -28,26 +28,27 @@ public:
 
     explicit ArrivalFeed(ArrivalStore &store);
 
-    /** Keeps it and wakes the readers. */
+    /** Stores the arrival and wakes the readers. */
     void add(const Arrival &arrival);
 
-    /** Removes all that came so far; the readers are told. */
+    /** Removes all arrivals and wakes the readers. */
     void clear();
 
-    /** The arrivals behind the id; waits for one until the time has passed or the feed is stopped. */
+    /** Returns the arrivals after the id. If there are none, waits for one, for @p time at most or until
+     * stop(). */
     QList<Arrival> waitAfter(qint64 id, std::chrono::milliseconds time);
 
-    /** The same without a wait. */
+    /** Returns the arrivals after the id without waiting. */
     QList<Arrival> after(qint64 id) const { return m_store.after(id, newest); }
 
     qint64 lastId() const { return m_store.lastId(); }
     Counts counts() const;
 
-    /** From now on nobody waits. */
+    /** Ends all waits, the present ones and later ones. */
     void stop();
     bool isStopped() const;
 
-    /** The arrival as one server-sent event: its id, its kind, and its JSON on one line. */
+    /** Returns the arrival as one server-sent event: its id, its kind, and its JSON on one line. */
     static QByteArray toServerSentEvent(const Arrival &arrival);
 
 private:
@@ -59,7 +60,7 @@ private:
     ArrivalStore &m_store;
     mutable std::mutex m_mutex;
     std::condition_variable m_change;
-    quint64 m_changes = 0; ///< under m_mutex
-    bool m_isStopped = false; ///< under m_mutex
-    Counts m_counts; ///< under m_mutex
+    quint64 m_changes = 0; ///< guarded by m_mutex
+    bool m_isStopped = false; ///< guarded by m_mutex
+    Counts m_counts; ///< guarded by m_mutex
 };

@@ -11,9 +11,9 @@
 
 namespace {
 
-constexpr int patienceMs = 5000; // with another program that reads the file
+constexpr int timeoutMs = 5000; // for the lock of another program that reads the file
 
-// Readers never wait for a writer, and no write waits for the disk.
+// With these settings, readers do not wait for a writer, and writes do not wait for the disk.
 constexpr const char *setUp = "PRAGMA journal_mode = WAL;"
                               "PRAGMA synchronous = NORMAL;"
                               "CREATE TABLE IF NOT EXISTS arrivals ("
@@ -33,10 +33,10 @@ constexpr const char *insertOne = "INSERT INTO arrivals (kind, time, name, detai
 constexpr const char *selectNewest = "SELECT id, kind, time, name, detail, method, target, headers, body,"
                                      " signature, problems FROM arrivals WHERE id > ?"
                                      " ORDER BY id DESC LIMIT ?";
-// AUTOINCREMENT remembers it, whatever is removed.
+// AUTOINCREMENT keeps the last id here when rows are removed.
 constexpr const char *selectLastId = "SELECT seq FROM sqlite_sequence WHERE name = 'arrivals'";
 
-// One run of a statement: its values are bound and its columns are read from left to right.
+// One execution of a statement. Values are bound and columns are read from left to right.
 class Statement
 {
 public:
@@ -60,13 +60,13 @@ public:
     }
     Statement &bindBytes(const QByteArray &bytes)
     {
-        // An empty one isn't the missing one, which a null pointer stands for.
+        // A null pointer would store NULL instead of an empty value.
         sqlite3_bind_blob(m_statement, ++m_bound, bytes.isEmpty() ? "" : bytes.constData(), bytes.size(),
                           SQLITE_TRANSIENT);
         return *this;
     }
 
-    /** Goes to the next row; false when there is none. */
+    /** Moves to the next row. Returns false if there is none. */
     bool next()
     {
         m_read = -1;
@@ -151,7 +151,7 @@ ArrivalStore::ArrivalStore(const QString &path)
     sqlite3 *database = nullptr;
     sqlite3_open(QFile::encodeName(path).constData(), &database);
     m_database.reset(database);
-    sqlite3_busy_timeout(database, patienceMs);
+    sqlite3_busy_timeout(database, timeoutMs);
     if (!run(setUp))
         m_error = QString::fromUtf8(sqlite3_errmsg(database));
 }

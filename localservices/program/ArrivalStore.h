@@ -10,8 +10,8 @@
 struct sqlite3;
 
 /**
- * Keeps arrivals in an SQLite file, beyond the end of the process: table "arrivals", one row each, with
- * headers and problems as JSON texts. All functions may be called from any thread.
+ * Stores arrivals in an SQLite file, where the next run finds them. The table "arrivals" has one row for
+ * each; headers and problems are JSON arrays. All functions are thread-safe.
  */
 class ArrivalStore
 {
@@ -19,22 +19,22 @@ public:
     explicit ArrivalStore(const QString &path);
     ~ArrivalStore();
 
-    /** Empty, or why the file can't be used. */
+    /** Returns why the file cannot be used, or an empty string if it can. */
     QString error() const;
 
-    /** @return its id; 0 where it can't be kept */
+    /** Stores the arrival. Returns its id, or 0 after a failure. */
     qint64 add(const Arrival &arrival);
 
     /**
-     * Removes all, and leaves one arrival of the kind "cleared" in their place: whoever reads on behind an
-     * id learns that way that what came before is gone.
+     * Removes all arrivals and adds one of the kind "cleared". A reader that continues after an id learns
+     * from it that earlier arrivals are removed.
      */
     void clear();
 
-    /** The newest @p limit arrivals behind the id, the oldest of them first. */
+    /** Returns the newest @p limit arrivals after the id, in the order in which they came. */
     QList<Arrival> after(qint64 id, int limit) const;
 
-    /** The newest id; 0 for none. */
+    /** Returns the newest id, or 0 if there was no arrival yet. */
     qint64 lastId() const;
 
 private:
@@ -49,6 +49,6 @@ private:
     qint64 insert(const Arrival &arrival);
 
     mutable std::mutex m_mutex;
-    std::unique_ptr<sqlite3, Close> m_database; ///< under m_mutex
+    std::unique_ptr<sqlite3, Close> m_database; ///< guarded by m_mutex
     QString m_error;
 };

@@ -16,9 +16,9 @@ namespace {
 constexpr int notFound = 127;
 constexpr int endedBySignal = 128;
 
-// Looked for before the fork: this process has threads, and a child that can't go on to its program has
-// more to do than such a child may, which can lock it up for good.
-bool isThere(const QString &program)
+// Called before the fork. After a fork in a process with threads, a child that cannot start its program may
+// deadlock in Qt's error handling.
+bool isExecutable(const QString &program)
 {
     const QFileInfo file(program);
     if (program.contains(QLatin1Char('/')))
@@ -36,7 +36,7 @@ Command::Command(const QStringList &command, const QProcessEnvironment &environm
     m_process.setInputChannelMode(QProcess::ForwardedInputChannel);
 }
 
-int Command::complain(const QString &problem) const
+int Command::fail(const QString &problem) const
 {
     std::fprintf(stderr, "local-services: %s: %s\n", m_command.first().toLocal8Bit().constData(),
                  problem.toLocal8Bit().constData());
@@ -48,12 +48,12 @@ int Command::run(Termination &termination)
     QEventLoop loop;
     QObject::connect(&m_process, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), &loop,
                      &QEventLoop::quit);
-    if (!isThere(m_command.first()))
-        return complain(QStringLiteral("not found"));
+    if (!isExecutable(m_command.first()))
+        return fail(QStringLiteral("not found"));
     m_process.start(m_command.first(), m_command.mid(1));
-    constexpr int forEver = -1;
-    if (!m_process.waitForStarted(forEver))
-        return complain(m_process.errorString());
+    constexpr int forever = -1;
+    if (!m_process.waitForStarted(forever))
+        return fail(m_process.errorString());
     termination.setHandler([this](int signal, bool isFromTerminal) {
         if (!isFromTerminal)
             ::kill(pid_t(m_process.processId()), signal);

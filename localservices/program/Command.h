@@ -7,23 +7,24 @@
 
 class Termination;
 
-/** Runs a command on this program's own standard streams, as a shell would. */
+/** Runs a command with the standard streams of this program. */
 class Command
 {
 public:
     Command(const QStringList &command, const QProcessEnvironment &environment);
 
     /**
-     * Runs it to its end; signals that ask for this program's end are passed on to it.
+     * Runs the command and waits for its end. SIGINT and SIGTERM to this program are sent to the command.
      *
-     * @return its exit code; 128 and the number of the signal that ended it; 127 where it can't be started
+     * @return the exit code of the command, 128 plus the number of the signal that ended it, or 127 if it
+     * cannot be started
      */
     int run(Termination &termination);
 
 private:
     Q_DISABLE_COPY(Command)
 
-    int complain(const QString &problem) const;
+    int fail(const QString &problem) const;
 
     const QStringList m_command;
     QProcess m_process;

@@ -14,7 +14,7 @@ namespace {
 constexpr mode_t onlyMine = 0700;
 constexpr mode_t others = 0077;
 
-bool make(const QString &path)
+bool create(const QString &path)
 {
     QDir().mkpath(QFileInfo(path).path());
     return ::mkdir(QFile::encodeName(path).constData(), onlyMine) == 0 || QFileInfo(path).isDir();
@@ -33,14 +33,15 @@ Folder::Folder(const QString &path)
     : m_path(QDir::cleanPath(QDir(path).absolutePath()))
     , m_lock(std::make_unique<QLockFile>(filePath(QStringLiteral("lock"))))
 {
-    m_lock->setStaleLockTime(0); // that of a process that is gone is stale all the same
-    if (!make(m_path))
-        m_error = QStringLiteral("the folder %1 can't be made").arg(m_path);
+    m_lock->setStaleLockTime(0); // a lock is stale only if its process has ended
+    if (!create(m_path))
+        m_error = QStringLiteral("the folder %1 cannot be created").arg(m_path);
     else if (!isPrivate(m_path))
-        m_error = QStringLiteral("the folder %1 is open to others; name another by --folder").arg(m_path);
+        m_error =
+            QStringLiteral("other users can read the folder %1; use --folder to choose another").arg(m_path);
     else if (!m_lock->tryLock())
-        m_error = QStringLiteral("the folder %1 is in use by another local-services, or can't be written to")
-                      .arg(m_path);
+        m_error =
+            QStringLiteral("the folder %1 is used by another local-services or is not writable").arg(m_path);
 }
 
 QString Folder::filePath(const QString &name) const

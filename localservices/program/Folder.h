@@ -7,22 +7,23 @@
 
 #include <memory>
 
-/** A folder that one run of the program has to itself, and that no other user can look into. */
+/** The private directory of one run. Only one run can use it, and other users cannot read it. */
 class Folder
 {
 public:
-    /** Makes it where it isn't there. */
+    /** Creates the directory if it does not exist. */
     explicit Folder(const QString &path);
 
-    /** Empty, or why the folder can't be used. */
+    /** Returns why the directory cannot be used, or an empty string if it can. */
     QString error() const { return m_error; }
 
-    /** The absolute path of a file in it. */
+    /** Returns the absolute path of a file in the directory. */
     QString filePath(const QString &name) const;
 
-    /** Writes the file whole or not at all. */
+    /** Writes a file atomically. Returns false after a failure. */
     bool write(const QString &name, const QByteArray &content) const;
 
+    /** Removes a file of the directory if it exists. */
     void remove(const QString &name) const;
 
 private:

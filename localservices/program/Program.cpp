@@ -13,22 +13,22 @@
 namespace {
 
 constexpr int failure = 1;
-constexpr quint16 usualPort = 8377; // so that a page that is open finds the next run
+constexpr quint16 defaultPort = 8377; // fixed, so that an open page finds the next run
 constexpr quint16 anyPort = 0;
 
 const QString servicesFile = QStringLiteral("services.json");
 const QString authorityFile = QStringLiteral("authority.pem");
 const QString arrivalsFile = QStringLiteral("arrivals.sqlite");
 
-// The standard output stream is the command's own.
-void say(const QString &text)
+// The standard output belongs to the command.
+void print(const QString &message)
 {
-    std::fprintf(stderr, "local-services: %s\n", text.toLocal8Bit().constData());
+    std::fprintf(stderr, "local-services: %s\n", message.toLocal8Bit().constData());
 }
 
-int fail(const QString &text)
+int fail(const QString &message)
 {
-    say(text);
+    print(message);
     return failure;
 }
 
@@ -36,7 +36,7 @@ std::unique_ptr<PageServer> createPage(ArrivalFeed &feed, int port, const QStrin
 {
     if (port != Options::anyPreferred)
         return std::make_unique<PageServer>(feed, quint16(port), services);
-    auto page = std::make_unique<PageServer>(feed, usualPort, services);
+    auto page = std::make_unique<PageServer>(feed, defaultPort, services);
     if (!page->isListening())
         page = std::make_unique<PageServer>(feed, anyPort, services);
     return page;
@@ -62,7 +62,7 @@ int Program::run(Termination &termination)
 {
     if (!m_folder.error().isEmpty())
         return fail(m_folder.error());
-    m_folder.remove(servicesFile); // that of a run that was killed names services that are gone
+    m_folder.remove(servicesFile); // left by a run that was killed
     ArrivalStore store(m_folder.filePath(arrivalsFile));
     if (!store.error().isEmpty())
         return fail(QStringLiteral("%1: %2").arg(m_folder.filePath(arrivalsFile), store.error()));
@@ -70,25 +70,25 @@ int Program::run(Termination &termination)
     StandIns standIns(feed);
     const auto page = createPage(feed, m_options.port, m_folder.filePath(servicesFile));
     if (!page->isListening())
-        return fail(QStringLiteral("the port %1 is taken").arg(m_options.port));
-    if (!describe(standIns, page->url()))
-        return fail(QStringLiteral("%1 can't be written").arg(m_folder.filePath(servicesFile)));
+        return fail(QStringLiteral("the port %1 is in use").arg(m_options.port));
+    if (!writeServices(standIns, page->url()))
+        return fail(QStringLiteral("%1 cannot be written").arg(m_folder.filePath(servicesFile)));
 
     int exitCode = 0;
     if (m_options.command.isEmpty()) {
-        announce(page->url());
-        waitForEnd(termination);
+        printInstructions(page->url());
+        waitForSignal(termination);
     } else {
         exitCode = runCommand(termination, standIns, page->url());
     }
     m_folder.remove(servicesFile);
     m_folder.remove(authorityFile);
-    tell(feed.counts());
+    printCounts(feed.counts());
     return exitCode;
 }
 
-// The description comes last: whoever finds it finds all that it names.
-bool Program::describe(const StandIns &standIns, const QUrl &page) const
+// services.json is written last. When it exists, everything that it names exists too.
+bool Program::writeServices(const StandIns &standIns, const QUrl &page) const
 {
     const QJsonObject services {{QStringLiteral("authority"), m_folder.filePath(authorityFile)},
                                 {QStringLiteral("downloads"), standIns.downloads().toString()},
@@ -101,7 +101,7 @@ bool Program::describe(const StandIns &standIns, const QUrl &page) const
 
 int Program::runCommand(Termination &termination, StandIns &standIns, const QUrl &page) const
 {
-    say(QStringLiteral("what arrives shows up at %1").arg(page.toString()));
+    print(QStringLiteral("what arrives shows up at %1").arg(page.toString()));
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("LOCAL_SERVICES"), m_folder.filePath(servicesFile));
     const int exitCode = Command(m_options.command, environment).run(termination);
@@ -109,7 +109,7 @@ int Program::runCommand(Termination &termination, StandIns &standIns, const QUrl
     return exitCode;
 }
 
-void Program::waitForEnd(Termination &termination)
+void Program::waitForSignal(Termination &termination)
 {
     QEventLoop loop;
     termination.setHandler([&loop](int, bool) { loop.quit(); });
@@ -117,22 +117,22 @@ void Program::waitForEnd(Termination &termination)
     termination.setHandler({});
 }
 
-void Program::announce(const QUrl &page) const
+void Program::printInstructions(const QUrl &page) const
 {
-    say(QStringLiteral("what arrives shows up at %1").arg(page.toString()));
+    print(QStringLiteral("what arrives shows up at %1").arg(page.toString()));
     std::fprintf(stderr,
                  "\n"
-                 "Have a host send it here, in either of two ways:\n"
-                 "    scripts/local-services COMMAND ARGUMENT...    runs the host and ends with it\n"
+                 "To connect an application, do one of the following:\n"
+                 "    scripts/local-services COMMAND ARGUMENT...    runs the application and ends with it\n"
                  "    export LOCAL_SERVICES=%s\n"
-                 "Its main() calls useDevelopmentServices() of examples/recipes/seeing-what-is-sent.\n"
-                 "Ctrl-C ends this.\n\n",
+                 "The application's main() must call useDevelopmentServices() of\n"
+                 "examples/recipes/seeing-what-is-sent. Press Ctrl-C to end the local services.\n\n",
                  m_folder.filePath(servicesFile).toLocal8Bit().constData());
 }
 
-void Program::tell(const ArrivalFeed::Counts &counts)
+void Program::printCounts(const ArrivalFeed::Counts &counts)
 {
-    say(QStringLiteral("%1 and %2 arrived")
-            .arg(count(counts.events, counts.goodEvents, "event"),
-                 count(counts.records, counts.goodRecords, "record")));
+    print(QStringLiteral("%1 and %2 arrived")
+              .arg(count(counts.events, counts.goodEvents, "event"),
+                   count(counts.records, counts.goodRecords, "record")));
 }

@@ -10,33 +10,33 @@
 
 class Termination;
 
-/** What the command line asks for. */
+/** The options of the command line. */
 struct Options
 {
     QString folder;
-    int port; ///< of the page; anyPreferred for the usual one, or another where that is taken
-    QStringList command; ///< empty to run until it is ended
+    int port; ///< of the page; anyPreferred uses the default port, or another one if it is in use
+    QStringList command; ///< empty to run until a signal ends the program
 
     static constexpr int anyPreferred = -1;
 };
 
-/** One run of local-services. */
+/** One run of the program. */
 class Program
 {
 public:
     explicit Program(const Options &options);
 
-    /** @return the exit code: the command's own where there is one */
+    /** Runs until the command ends, or a signal if there is no command. Returns the exit code. */
     int run(Termination &termination);
 
 private:
     Q_DISABLE_COPY(Program)
 
-    bool describe(const StandIns &standIns, const QUrl &page) const;
+    bool writeServices(const StandIns &standIns, const QUrl &page) const;
     int runCommand(Termination &termination, StandIns &standIns, const QUrl &page) const;
-    static void waitForEnd(Termination &termination);
-    void announce(const QUrl &page) const;
-    static void tell(const ArrivalFeed::Counts &counts);
+    static void waitForSignal(Termination &termination);
+    void printInstructions(const QUrl &page) const;
+    static void printCounts(const ArrivalFeed::Counts &counts);
 
     const Options m_options;
     const Folder m_folder;

@@ -59,13 +59,13 @@ bool StandIns::isQuiet()
            && m_backend.openConnections() == 0;
 }
 
-// A connection that has just been made may not be counted yet, so one look isn't enough.
+// A new connection may not be counted yet, so one check is not enough.
 void StandIns::settle()
 {
-    constexpr int enoughLooks = 3;
-    int quietLooks = 0;
-    for (const QDeadlineTimer deadline(settlingMs); quietLooks < enoughLooks && !deadline.hasExpired();) {
+    constexpr int enoughChecks = 3;
+    int quietChecks = 0;
+    for (const QDeadlineTimer deadline(settlingMs); quietChecks < enoughChecks && !deadline.hasExpired();) {
         QThread::msleep(pauseMs);
-        quietLooks = isQuiet() ? quietLooks + 1 : 0;
+        quietChecks = isQuiet() ? quietChecks + 1 : 0;
     }
 }

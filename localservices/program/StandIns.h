@@ -7,27 +7,28 @@
 #include <localservices/Proxy.h>
 #include <localservices/PublicServices.h>
 
-/** The whole of the world that the library talks to, on 127.0.0.1. What hosts send goes to the feed. */
+/** Local servers for everything that the library connects to. What applications send is added to the feed. */
 class StandIns
 {
 public:
     explicit StandIns(ArrivalFeed &feed);
 
+    /** The address of the proxy that routes the fixed host names to the local servers. */
     QUrl proxy() const;
 
-    /** For CGaReportManager::InitXdData. */
+    /** The address for CGaReportManager::InitXdData(). */
     QUrl statistics() const { return m_backend.url(); }
 
     /**
-     * The address below which files lie: "files/notes.txt", "files/version.json", "files/picture.svg", and
-     * the paths of LocalServices::HttpServer, such as "bytes/1000000/large.bin?rate=200000".
+     * The base address of the downloads: "files/notes.txt", "files/version.json", "files/picture.svg", and
+     * the paths of LocalServices::HttpServer, for example "bytes/1000000/large.bin?rate=200000".
      */
     QUrl downloads() const { return m_downloads.url(QStringLiteral("/")); }
 
-    /** What a host has to trust, as PEM. */
+    /** The certificate authority that an application must trust, as PEM. */
     QByteArray authority() const { return m_authority.certificate(); }
 
-    /** Waits, for a moment, until what is under way has arrived. */
+    /** Waits until no connection is open, for two seconds at most. */
     void settle();
 
 private:

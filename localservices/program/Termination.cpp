@@ -16,7 +16,7 @@ struct Note
     bool isFromTerminal;
 };
 
-// From the signal handler, which may run in any thread, to the event loop.
+// A pipe from the signal handler, which may run in any thread, to the event loop.
 int notes[2] = {-1, -1};
 
 void note(int signal, siginfo_t *info, void *)
@@ -24,7 +24,7 @@ void note(int signal, siginfo_t *info, void *)
     const int error = errno;
     const Note written {signal, info->si_code == SI_KERNEL};
     if (::write(notes[1], &written, sizeof(written)) < 0) {
-        // It is full of others that say the same.
+        // The pipe is full, so the event loop is woken anyway.
     }
     errno = error;
 }
@@ -48,7 +48,7 @@ void setHandlers(void (*handler)(int, siginfo_t *, void *))
 Termination::Termination()
 {
     if (::pipe2(notes, O_CLOEXEC | O_NONBLOCK) != 0)
-        qFatal("No pipe for signals");
+        qFatal("local-services: cannot create a pipe for signals");
     m_notifier = std::make_unique<QSocketNotifier>(notes[0], QSocketNotifier::Read);
     QObject::connect(m_notifier.get(), &QSocketNotifier::activated, [this] { read(); });
     setHandlers(note);

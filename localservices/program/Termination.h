@@ -7,17 +7,17 @@
 #include <functional>
 #include <memory>
 
-/** Turns SIGINT and SIGTERM into calls from the event loop while it lives. One for the process. */
+/** Calls a handler from the event loop after SIGINT or SIGTERM. Only one object may exist in a process. */
 class Termination
 {
 public:
-    /** @p isFromTerminal: a key sent it to all that runs in the terminal, so that children have it too. */
+    /** @p isFromTerminal is true if a key such as Ctrl-C sent the signal; child processes received it too. */
     using Handler = std::function<void(int signal, bool isFromTerminal)>;
 
     Termination();
     ~Termination();
 
-    /** Who is told from now on; what came before is told at once. */
+    /** Sets the handler. It is also called for signals that arrived while there was none. */
     void setHandler(Handler handler) { m_handler = std::move(handler); }
 
 private:

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 
-// Stands in, on 127.0.0.1, for all that the library talks to in the world, and shows what arrives.
+// Runs local replacements for all servers that the library connects to, and shows what arrives.
 //
 //     local-services [--folder DIR] [--port N] [COMMAND ARGUMENT...]
 
@@ -25,18 +25,19 @@ int main(int argc, char **argv)
     Termination termination;
 
     QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QStringLiteral("Stands in for the services that the library talks to, and shows on a page what "
-                       "hosts send.\nRuns COMMAND with the variable LOCAL_SERVICES set and ends with its "
-                       "exit code; without one it runs until it is ended."));
+    parser.setApplicationDescription(QStringLiteral(
+        "Runs local replacements for the servers that the library connects to, and a page that "
+        "shows what applications send.\nIf COMMAND is given, runs it with the environment "
+        "variable LOCAL_SERVICES set and ends with its exit code. Otherwise runs until Ctrl-C."));
     parser.addHelpOption();
-    parser.addOption({QStringLiteral("folder"),
-                      QStringLiteral("where services.json, authority.pem and arrivals.sqlite lie"),
-                      QStringLiteral("DIR"),
-                      QCoreApplication::applicationDirPath() + QStringLiteral("/kept")});
     parser.addOption(
-        {QStringLiteral("port"), QStringLiteral("of the page; 0 for any that is free"), QStringLiteral("N")});
-    parser.addPositionalArgument(QStringLiteral("COMMAND"), QStringLiteral("a host, with its arguments"),
+        {QStringLiteral("folder"),
+         QStringLiteral("private directory for services.json, authority.pem and arrivals.sqlite"),
+         QStringLiteral("DIR"), QCoreApplication::applicationDirPath() + QStringLiteral("/kept")});
+    parser.addOption({QStringLiteral("port"), QStringLiteral("port of the page; 0 uses any free port"),
+                      QStringLiteral("N")});
+    parser.addPositionalArgument(QStringLiteral("COMMAND"),
+                                 QStringLiteral("an application, with its arguments"),
                                  QStringLiteral("[COMMAND ARGUMENT...]"));
     parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
     parser.process(application);
@@ -47,7 +48,7 @@ int main(int argc, char **argv)
         bool isNumber = false;
         options.port = parser.value(QStringLiteral("port")).toInt(&isNumber);
         if (!isNumber || options.port < 0 || options.port > std::numeric_limits<quint16>::max()) {
-            std::fputs("local-services: --port takes a number up to 65535\n", stderr);
+            std::fputs("local-services: --port must be a number from 0 to 65535\n", stderr);
             return wrongUse;
         }
     }

@@ -55,8 +55,10 @@ expect_problem(${page} "(../../examples/recipes/${name})" "()" "${name}.md: does
 expect_problem(${page} "# Saving" "Saving" "${name}.md: has no title")
 expect_problem(${page} "```cmake" "```text" "${name}.md: names no files for CMake")
 expect_problem(${page} "HEADERS +=" "# " "${name}.md: names other files for qmake")
-expect_problem(${page} "AtomicJson.h" "Json.h" "${name}.md: names a file for CMake that the recipe does not have")
-expect_problem(docs/guide/watching-the-theme.md "AUTOMOC ON" "AUTOMOC OFF" "watching-the-theme.md: sets AUTOMOC")
+expect_problem(${page} "AtomicJson.h" "Json.h"
+    "${name}.md: names a file for CMake that the recipe does not have")
+expect_problem(docs/guide/watching-the-theme.md "AUTOMOC ON" "AUTOMOC OFF"
+    "watching-the-theme.md: sets AUTOMOC")
 expect_problem(docs/guide/README.md "(${name}.md)" "()" "${name}: is not linked in README.md")
 
 make_copy()

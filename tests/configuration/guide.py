@@ -39,7 +39,8 @@ def build_problems(text, recipe):
         yield 'names no files for CMake'
     if files != files_in(QMAKE_FILES, blocks_of(text, 'qmake')):
         yield 'names other files for qmake than for CMake'
-    sources = [path.read_text(encoding='utf-8') for path in (recipe / name for name in files) if path.is_file()]
+    paths = [recipe / name for name in files]
+    sources = [path.read_text(encoding='utf-8') for path in paths if path.is_file()]
     if len(sources) < len(files):
         yield 'names a file for CMake that the recipe does not have'
     if any('Q_OBJECT' in source for source in sources) != ('AUTOMOC ON' in '\n'.join(cmake)):

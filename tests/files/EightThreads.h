@@ -3,6 +3,7 @@
 #pragma once
 
 #include <atomic>
+#include <future>
 #include <thread>
 #include <vector>
 
@@ -10,10 +11,17 @@
  * results. */
 template <class Function> int sumOfEightThreads(Function function)
 {
+    std::promise<void> start;
+    const std::shared_future<void> isStarted = start.get_future().share();
     std::atomic<int> sum {0};
     std::vector<std::thread> threads;
-    for (int i = 0; i < 8; ++i)
-        threads.emplace_back([&sum, &function, i] { sum += function(i); });
+    for (int i = 0; i < 8; ++i) {
+        threads.emplace_back([&sum, &function, isStarted, i] {
+            isStarted.wait();
+            sum += function(i);
+        });
+    }
+    start.set_value();
     for (std::thread &thread : threads)
         thread.join();
     return sum;

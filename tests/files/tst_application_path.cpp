@@ -18,8 +18,8 @@ using ZyBase::CFileUtils;
 
 namespace {
 
-constexpr int longestTold = 4095;
-constexpr int longestComponent = 200;
+constexpr int longestPathBytes = 4095;
+constexpr int componentBytes = 200;
 const QByteArray hostName = "host";
 
 QJsonObject pathsOf(HostProcess *host)
@@ -32,7 +32,7 @@ QByteArray bytes(const QJsonValue &latin1)
     return latin1.toString().toLatin1();
 }
 
-// A directory that may lie deeper, and be named otherwise, than a QString path can say.
+// A directory whose path can be longer than the system accepts in one call, and that need not be UTF-8.
 class DeepDirectory
 {
 public:
@@ -56,17 +56,17 @@ public:
         return descriptor >= 0;
     }
 
-    // Goes down until path() has this length.
-    bool enterUpTo(int length)
+    // Creates and enters subdirectories until path() has this length.
+    bool enterUntilLength(int length)
     {
-        while (length - m_path.length() > longestComponent + 2) {
-            if (!enter(QByteArray(longestComponent, 'd')))
+        while (length - m_path.length() > componentBytes + 2) {
+            if (!enter(QByteArray(componentBytes, 'd')))
                 return false;
         }
         return enter(QByteArray(length - m_path.length() - 1, 'e'));
     }
 
-    // Starts a copy of the host that lies here, from here.
+    // Copies the host program to this directory and starts the copy with this directory as current one.
     bool start(HostProcess *host) const
     {
         const int previous = open(".", O_DIRECTORY | O_CLOEXEC);
@@ -106,12 +106,12 @@ private Q_SLOTS:
     void init() { m_directory = std::make_unique<QTemporaryDir>(); }
     void cleanup()
     {
-        // Qt can't remove what lies deeper than it can say.
+        // QTemporaryDir cannot remove paths that are too long.
         QProcess::execute(QStringLiteral("rm"), {QStringLiteral("-rf"), m_directory->path()});
         m_directory.reset();
     }
 
-    void pathsAreThoseOfTheRunningExecutable()
+    void returnsPathsOfRunningExecutable()
     {
         const QString file = QCoreApplication::applicationFilePath();
         const QString directory = QCoreApplication::applicationDirPath();
@@ -123,14 +123,14 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(CFileUtils::GetResDirPath()));
     }
 
-    void pathsThatLinuxLacksAreEmptyAndNull()
+    void returnsEmptyAndNullForPathsMissingOnLinux()
     {
         QVERIFY(CFileUtils::GetMacResourcesDirPath().isEmpty());
         QVERIFY(!CFileUtils::GetMacResourcesDirPath().isNull());
         QVERIFY(CFileUtils::GetPublicDesktopPath().isNull());
     }
 
-    void symbolicLinkToTheExecutableIsResolved()
+    void resolvesSymbolicLinkToExecutable()
     {
         const QString link = m_directory->filePath(QStringLiteral("link"));
         QVERIFY(QFile::link(HostProcess::program(), link));
@@ -141,10 +141,10 @@ private Q_SLOTS:
                  QFileInfo(HostProcess::program()).canonicalFilePath());
     }
 
-    void executableInTheRootDirectoryHasAnEmptyDirectory()
+    void returnsEmptyDirectoryForExecutableInRootDirectory()
     {
         if (!Sandbox::isAvailable())
-            QSKIP("no sandbox can be made here");
+            QSKIP("this machine does not allow a sandbox");
         Sandbox sandbox;
         sandbox.freshRoot();
         sandbox.replace(QStringLiteral("/host"), HostProcess::program());
@@ -160,10 +160,10 @@ private Q_SLOTS:
         QCOMPARE(paths.value(QStringLiteral("resDirPath")).toString(), QStringLiteral("/res"));
     }
 
-    void withoutProcThePathsAreEmpty()
+    void returnsEmptyPathsWithoutProc()
     {
         if (!Sandbox::isAvailable())
-            QSKIP("no sandbox can be made here");
+            QSKIP("this machine does not allow a sandbox");
         if (ZYBASE_SANITIZED)
             QSKIP("sanitizers need /proc");
         Sandbox sandbox;
@@ -178,7 +178,7 @@ private Q_SLOTS:
         QCOMPARE(paths.value(QStringLiteral("resDirPath")).toString(), QStringLiteral("/res"));
     }
 
-    void backslashBecomesASlashInTextsOnly()
+    void replacesBackslashesOnlyInQStrings()
     {
         DeepDirectory deep(*m_directory);
         QVERIFY(deep.enter("a\\b"));
@@ -194,7 +194,7 @@ private Q_SLOTS:
         QCOMPARE(paths.value(QStringLiteral("resDirPath")).toString(), directory + QStringLiteral("/res"));
     }
 
-    void textsAreDecodedAsUtf8()
+    void decodesPathsAsUtf8()
     {
         DeepDirectory deep(*m_directory);
         QVERIFY(deep.enter("文件 \xff"));
@@ -207,22 +207,22 @@ private Q_SLOTS:
                  QDir(m_directory->path()).canonicalPath() + QStringLiteral("/文件 \ufffd"));
     }
 
-    void longestPathThatTheKernelTellsIsWhole()
+    void returnsLongestPath()
     {
         DeepDirectory deep(*m_directory);
-        QVERIFY(deep.enterUpTo(longestTold - 1 - hostName.length()));
+        QVERIFY(deep.enterUntilLength(longestPathBytes - 1 - hostName.length()));
         HostProcess host;
         QVERIFY(deep.start(&host));
         const QJsonObject paths = pathsOf(&host);
         QCOMPARE(bytes(paths.value(QStringLiteral("filePathBytes"))), deep.path() + '/' + hostName);
         QCOMPARE(bytes(paths.value(QStringLiteral("dirPathBytes"))), deep.path());
-        QCOMPARE(paths.value(QStringLiteral("filePath")).toString().length(), longestTold);
+        QCOMPARE(paths.value(QStringLiteral("filePath")).toString().length(), longestPathBytes);
     }
 
-    void longerPathIsRefusedByTheKernelAndEmpty()
+    void returnsEmptyStringForLongerPath()
     {
         DeepDirectory deep(*m_directory);
-        QVERIFY(deep.enterUpTo(longestTold - hostName.length()));
+        QVERIFY(deep.enterUntilLength(longestPathBytes - hostName.length()));
         HostProcess host;
         QVERIFY(deep.start(&host));
         const QJsonObject paths = pathsOf(&host);
@@ -231,7 +231,7 @@ private Q_SLOTS:
         QCOMPARE(paths.value(QStringLiteral("resDirPath")).toString(), QStringLiteral("/res"));
     }
 
-    void pathIsReadAnewAtEachCall()
+    void readsPathAtEachCall()
     {
         DeepDirectory deep(*m_directory);
         QVERIFY(deep.enter("before"));

@@ -3,15 +3,12 @@
 #include <ZyBase/files/CFileUtils.h>
 
 #include "Files.h"
+#include "FilesTest.h"
 #include "HostProcess.h"
-#include "MessageCapture.h"
-#include "OrdinaryUser.h"
 
 #include <QCryptographicHash>
 #include <QDir>
 #include <QRegularExpression>
-#include <QTemporaryDir>
-#include <QTest>
 
 #include <atomic>
 #include <ctime>
@@ -22,10 +19,10 @@ using ZyBase::CFileUtils;
 
 namespace {
 
-const QString md5OfNothing = QStringLiteral("d41d8cd98f00b204e9800998ecf8427e");
-constexpr qint64 mebibyte = 1024LL * 1024;
-// Ends in the middle of a chunk.
-constexpr qint64 largeSize = (ZYBASE_SANITIZED ? 16 : 128) * mebibyte + 100;
+const QString md5OfZeroBytes = QStringLiteral("d41d8cd98f00b204e9800998ecf8427e");
+constexpr qint64 bytesPerMebibyte = 1024LL * 1024;
+// Not a multiple of the chunk size.
+constexpr qint64 largeSizeBytes = (ZYBASE_SANITIZED ? 16 : 128) * bytesPerMebibyte + 100;
 
 QByteArray sample(int length)
 {
@@ -38,21 +35,21 @@ QByteArray sample(int length)
 QByteArray md5OfZeros(qint64 length)
 {
     QCryptographicHash hash(QCryptographicHash::Md5);
-    const QByteArray zeros(int(mebibyte), '\0');
-    for (qint64 done = 0; done < length; done += mebibyte)
-        hash.addData(zeros.constData(), int(qMin(mebibyte, length - done)));
+    const QByteArray zeros(int(bytesPerMebibyte), '\0');
+    for (qint64 done = 0; done < length; done += bytesPerMebibyte)
+        hash.addData(zeros.constData(), int(qMin(bytesPerMebibyte, length - done)));
     return hash.result();
 }
 
-// The most memory that the host ever held, in KiB.
-qint64 peakMemory(HostProcess *host)
+// Returns the peak memory of the process in KiB.
+qint64 peakMemoryKiB(HostProcess *host)
 {
     const QString status =
         host->call(QStringLiteral("process.readFile"), {QStringLiteral("/proc/self/status")}).toString();
     return QRegularExpression(QStringLiteral("VmHWM:\\s*(\\d+)")).match(status).captured(1).toLongLong();
 }
 
-// How far this process has read the file; -1 while it isn't open.
+// Returns the position in the file that this process reads, or -1 if the file is not open.
 qint64 readPosition(const QString &path)
 {
     const QFileInfoList descriptors = QDir(QStringLiteral("/proc/self/fd")).entryInfoList(QDir::Files);
@@ -69,7 +66,7 @@ qint64 readPosition(const QString &path)
     return -1;
 }
 
-double processorSeconds(pthread_t thread)
+double processorTimeSeconds(pthread_t thread)
 {
     clockid_t clock {};
     timespec time {};
@@ -80,26 +77,20 @@ double processorSeconds(pthread_t thread)
 
 } // namespace
 
-class TestFileHashes : public QObject
+class TestFileHashes : public FilesTest
 {
     Q_OBJECT
 
 private:
-    QString path(const char *name) const { return m_directory->filePath(QLatin1String(name)); }
-
-    std::unique_ptr<QTemporaryDir> m_directory;
-
 private Q_SLOTS:
-    void init() { m_directory = std::make_unique<QTemporaryDir>(); }
-
-    void bothHashesAreTheMd5OfTheContent_data()
+    void returnsMd5OfContent_data()
     {
         QTest::addColumn<QByteArray>("content");
         QTest::addColumn<QString>("expected");
         const auto digest = [](const QByteArray &content) {
             return QString::fromLatin1(QCryptographicHash::hash(content, QCryptographicHash::Md5).toHex());
         };
-        QTest::newRow("empty") << QByteArray() << md5OfNothing;
+        QTest::newRow("empty") << QByteArray() << md5OfZeroBytes;
         QTest::newRow("abc") << QByteArray("abc") << "900150983cd24fb0d6963f7d28e17f72";
         QTest::newRow("digest with a leading zero")
             << QByteArray("168") << "006f52e9102a8d3be2fe5614f42ba989";
@@ -108,116 +99,109 @@ private Q_SLOTS:
         for (const int length : {1, 4095, 4096, 4097, 8191, 8192, 8193, 16384, 16385, 1000003})
             QTest::newRow(QByteArray::number(length).constData()) << sample(length) << digest(sample(length));
     }
-    void bothHashesAreTheMd5OfTheContent()
+    void returnsMd5OfContent()
     {
         QFETCH(QByteArray, content);
         QFETCH(QString, expected);
         QVERIFY(writeFile(path("file"), content));
-        const MessageCapture messages;
         QCOMPARE(CFileUtils::GetFileMd5(path("file")), expected);
         const QByteArray digest = getBigFileMd5(path("file"));
         QCOMPARE(digest.size(), 16);
         QCOMPARE(QString::fromLatin1(digest.toHex()), expected);
-        QCOMPARE(messages.messages().size(), 0);
+        QCOMPARE(messages().size(), 0);
     }
 
-    void fileThatCannotBeOpenedIsNullForOneAndNothingForTheOther_data()
+    void returnsNullOrMd5OfZeroBytesIfFileCannotBeOpened_data()
     {
         QTest::addColumn<QString>("name");
         QTest::newRow("missing") << "missing";
-        QTest::newRow("directory") << ".";
+        QTest::newRow("is a directory") << ".";
         QTest::newRow("in a missing directory") << "missing/file";
         QTest::newRow("no permission") << "secret";
     }
-    void fileThatCannotBeOpenedIsNullForOneAndNothingForTheOther()
+    void returnsNullOrMd5OfZeroBytesIfFileCannotBeOpened()
     {
         QFETCH(QString, name);
-        m_directory.reset();
-        const OrdinaryUser user;
-        if (!user.isOrdinary())
-            QSKIP("root passes every permission check");
-        m_directory = std::make_unique<QTemporaryDir>();
+        if (!becomeOrdinaryUser())
+            QSKIP("permission checks do not apply to root");
         QVERIFY(writeFile(path("secret"), "secret"));
         QVERIFY(QFile::setPermissions(path("secret"), QFile::Permissions()));
 
-        const MessageCapture messages;
-        const QByteArray digest = getBigFileMd5(m_directory->filePath(name));
+        const QByteArray digest = getBigFileMd5(path(name));
         QVERIFY(digest.isNull());
-        QCOMPARE(messages.messages().size(), 0);
-        QCOMPARE(CFileUtils::GetFileMd5(m_directory->filePath(name)), md5OfNothing);
-        // Qt's own about the device that isn't open, where it says so; the library adds none.
-        for (const MessageCapture::Message &message : messages.messages())
+        QCOMPARE(messages().size(), 0);
+        QCOMPARE(CFileUtils::GetFileMd5(path(name)), md5OfZeroBytes);
+        // Qt logs a warning if the device is not open. The library logs nothing.
+        for (const Message &message : messages())
             QVERIFY(message.text.startsWith(QStringLiteral("QIODevice::read")));
     }
 
-    void emptyPathIsAFileThatCannotBeOpened()
+    void returnsNullOrMd5OfZeroBytesForEmptyPath()
     {
-        const MessageCapture messages;
         QVERIFY(getBigFileMd5(QString()).isNull());
-        QCOMPARE(CFileUtils::GetFileMd5(QString()), md5OfNothing);
+        QCOMPARE(CFileUtils::GetFileMd5(QString()), md5OfZeroBytes);
     }
 
-    void streamedHashOfAFileWithoutASizeIsThatOfNothing()
+    void returnsMd5OfZeroBytesForFileWithoutSize()
     {
         const QString status = QStringLiteral("/proc/self/status");
-        QCOMPARE(QString::fromLatin1(getBigFileMd5(status).toHex()), md5OfNothing);
-        QVERIFY(CFileUtils::GetFileMd5(status) != md5OfNothing);
+        QCOMPARE(QString::fromLatin1(getBigFileMd5(status).toHex()), md5OfZeroBytes);
+        QVERIFY(CFileUtils::GetFileMd5(status) != md5OfZeroBytes);
     }
 
-    void streamedHashKeepsMemoryFlat()
+    void keepsMemoryConstantForLargeFile()
     {
         if (ZYBASE_SANITIZED)
-            QSKIP("sanitizers hold memory of their own");
+            QSKIP("sanitizers use additional memory");
         QVERIFY(writeFile(path("large"), QByteArray()));
-        QVERIFY(QFile::resize(path("large"), largeSize));
+        QVERIFY(QFile::resize(path("large"), largeSizeBytes));
         HostProcess host;
         QVERIFY(host.start());
         QVERIFY(writeFile(path("small"), sample(100000)));
         host.call(QStringLiteral("files.bigFileMd5"), {path("small")});
-        const qint64 before = peakMemory(&host);
+        const qint64 before = peakMemoryKiB(&host);
         const QString digest = host.call(QStringLiteral("files.bigFileMd5"), {path("large")}).toString();
-        QCOMPARE(digest, QString::fromLatin1(md5OfZeros(largeSize).toHex()));
+        QCOMPARE(digest, QString::fromLatin1(md5OfZeros(largeSizeBytes).toHex()));
         QVERIFY(before > 0);
-        QVERIFY2(peakMemory(&host) - before < 256, "more than 256 KiB");
+        QVERIFY2(peakMemoryKiB(&host) - before < 256, "more than 256 KiB");
     }
 
-    void streamedHashOfAFileThatGotShorterGoesOnUntilItHasItsLengthAgain()
+    void waitsUntilShortenedFileHasItsLengthAgain()
     {
-        const QString large = QDir(m_directory->path()).canonicalPath() + QStringLiteral("/large");
+        const QString large = QDir(directoryPath()).canonicalPath() + QStringLiteral("/large");
         QVERIFY(writeFile(large, QByteArray()));
-        QVERIFY(QFile::resize(large, largeSize));
+        QVERIFY(QFile::resize(large, largeSizeBytes));
         std::atomic<bool> done {false};
         QByteArray digest;
         std::thread reader([&] {
             digest = getBigFileMd5(large);
             done = true;
         });
-        // Nothing in between may return: the thread has to be joined.
+        // No QVERIFY() before join(): it would return while the thread runs.
         const bool isReading = QTest::qWaitFor([&] { return readPosition(large) > 0; });
-        const bool isCut = QFile::resize(large, 0);
-        const double spent = processorSeconds(reader.native_handle());
-        const bool keepsTurning = QTest::qWaitFor(
-            [&] { return !done && processorSeconds(reader.native_handle()) > spent + 0.2; }, 60000);
+        const bool isShortened = QFile::resize(large, 0);
+        const double spent = processorTimeSeconds(reader.native_handle());
+        const bool isBusy = QTest::qWaitFor(
+            [&] { return !done && processorTimeSeconds(reader.native_handle()) > spent + 0.2; }, 60000);
         const bool isUnfinished = !done;
-        // Longer than before: what was added behind the size taken at the start doesn't count.
-        const bool isLong = QFile::resize(large, largeSize + mebibyte);
+        // The file becomes longer than before. Only its original length is hashed.
+        const bool isExtended = QFile::resize(large, largeSizeBytes + bytesPerMebibyte);
         reader.join();
         QVERIFY(isReading);
-        QVERIFY(isCut);
-        QVERIFY(keepsTurning);
+        QVERIFY(isShortened);
+        QVERIFY(isBusy);
         QVERIFY(isUnfinished);
-        QVERIFY(isLong);
-        QCOMPARE(digest, md5OfZeros(largeSize));
+        QVERIFY(isExtended);
+        QCOMPARE(digest, md5OfZeros(largeSizeBytes));
     }
 
-    void plainHashOfMoreThanAnArrayHoldsIsThatOfNothing()
+    void returnsMd5OfZeroBytesForFileOf2GiB()
     {
-        // Qt reads nothing of a file that doesn't fit into a QByteArray.
+        // QFile::readAll() returns nothing if a file does not fit into a QByteArray.
         QVERIFY(writeFile(path("huge"), QByteArray()));
-        if (!QFile::resize(path("huge"), 2048 * mebibyte))
-            QSKIP("no file of this size can be made here");
-        const MessageCapture messages;
-        QCOMPARE(CFileUtils::GetFileMd5(path("huge")), md5OfNothing);
+        if (!QFile::resize(path("huge"), 2048 * bytesPerMebibyte))
+            QSKIP("this file system does not allow a file of 2 GiB");
+        QCOMPARE(CFileUtils::GetFileMd5(path("huge")), md5OfZeroBytes);
     }
 };
 

@@ -3,38 +3,30 @@
 #include <ZyBase/files/CFileUtils.h>
 
 #include "Files.h"
-#include "MessageCapture.h"
-#include "Utf8.h"
+#include "FilesTest.h"
 
 #include <QDir>
 #include <QLocale>
-#include <QTemporaryDir>
-#include <QTest>
 
 #include <limits>
 
 using ZyBase::CFileUtils;
 
-class TestFileNames : public QObject
+class TestFileNames : public FilesTest
 {
     Q_OBJECT
 
 private:
-    QString path(const char *name) const { return m_directory->filePath(utf8(name)); }
-    void take(const char *name) { QVERIFY(writeFile(path(name), "taken")); }
-
-    std::unique_ptr<QTemporaryDir> m_directory;
+    void createFile(const char *name) { QVERIFY(writeFile(path(name), "existing")); }
 
 private Q_SLOTS:
-    void init() { m_directory = std::make_unique<QTemporaryDir>(); }
-
-    void nameIsValidWithoutForbiddenCharacters_data()
+    void rejectsNamesWithForbiddenCharacters_data()
     {
         QTest::addColumn<QString>("name");
         QTest::addColumn<bool>("valid");
         QTest::newRow("null") << QString() << true;
         QTest::newRow("empty") << utf8("") << true;
-        QTest::newRow("blank") << utf8(" ") << true;
+        QTest::newRow("space") << utf8(" ") << true;
         QTest::newRow("plain") << utf8("report.pdf") << true;
         QTest::newRow("backslash") << utf8("a\\b") << false;
         QTest::newRow("slash") << utf8("a/b") << false;
@@ -47,24 +39,24 @@ private Q_SLOTS:
         QTest::newRow("vertical bar") << utf8("a|b") << false;
         QTest::newRow("forbidden at the start") << utf8("*a") << false;
         QTest::newRow("forbidden at the end") << utf8("a*") << false;
-        QTest::newRow("forbidden alone") << utf8("|") << false;
+        QTest::newRow("only forbidden") << utf8("|") << false;
         QTest::newRow("forbidden on a later line") << utf8("a\nb?c") << false;
-        QTest::newRow("all other ASCII marks") << utf8("!#$%&'()+,-.;=@[]^_`{}~") << true;
-        QTest::newRow("brackets and plus of the pattern") << utf8("[a]+") << true;
+        QTest::newRow("all other ASCII punctuation") << utf8("!#$%&'()+,-.;=@[]^_`{}~") << true;
+        QTest::newRow("brackets and plus sign") << utf8("[a]+") << true;
         QTest::newRow("control characters") << utf8("a\x01\t\n\x7f") << true;
         QTest::newRow("NUL") << QString(QChar(0)) << true;
-        QTest::newRow("forbidden behind NUL") << QString(QChar(0)) + utf8("*") << false;
-        QTest::newRow("dots") << utf8("..") << true;
-        QTest::newRow("blank and dot at the end") << utf8("a. .") << true;
+        QTest::newRow("forbidden after NUL") << QString(QChar(0)) + utf8("*") << false;
+        QTest::newRow("two dots") << utf8("..") << true;
+        QTest::newRow("space and dot at the end") << utf8("a. .") << true;
         QTest::newRow("reserved device name") << utf8("CON") << true;
         QTest::newRow("very long") << QString(100000, QLatin1Char('a')) << true;
-        QTest::newRow("very long with forbidden end")
+        QTest::newRow("very long with forbidden character at the end")
             << QString(100000, QLatin1Char('a')) + utf8("?") << false;
         QTest::newRow("Chinese") << utf8("文件名") << true;
         QTest::newRow("full-width colon and slash") << utf8("：／＊？") << true;
         QTest::newRow("emoji") << utf8("😀") << true;
     }
-    void nameIsValidWithoutForbiddenCharacters()
+    void rejectsNamesWithForbiddenCharacters()
     {
         QFETCH(QString, name);
         QFETCH(bool, valid);
@@ -72,19 +64,19 @@ private Q_SLOTS:
         QCOMPARE(CFileUtils::CheckFileNameValid(name), valid);
     }
 
-    void pathIsValidWithAColonAmongItsFirstThreeCharacters_data()
+    void acceptsOnlyDrivePaths_data()
     {
         QTest::addColumn<QString>("path");
         QTest::addColumn<bool>("valid");
         QTest::newRow("null") << QString() << false;
         QTest::newRow("empty") << utf8("") << false;
         QTest::newRow("absolute Linux path") << utf8("/home/user/a.pdf") << false;
-        QTest::newRow("root") << utf8("/") << false;
-        QTest::newRow("relative") << utf8("a/b") << false;
+        QTest::newRow("root directory") << utf8("/") << false;
+        QTest::newRow("relative path") << utf8("a/b") << false;
         QTest::newRow("drive path") << utf8("C:\\Users\\a.pdf") << true;
         QTest::newRow("drive path with slashes") << utf8("C:/Users/a.pdf") << true;
-        QTest::newRow("drive alone") << utf8("C:\\") << true;
-        QTest::newRow("colon alone") << utf8(":") << false;
+        QTest::newRow("only the drive") << utf8("C:\\") << true;
+        QTest::newRow("only a colon") << utf8(":") << false;
         QTest::newRow("two characters") << utf8("C:") << false;
         QTest::newRow("three characters, colon first") << utf8(":ab") << true;
         QTest::newRow("three characters, colon second") << utf8("a:b") << true;
@@ -103,12 +95,12 @@ private Q_SLOTS:
         QTest::newRow("less-than") << utf8("C:\\a<b") << false;
         QTest::newRow("greater-than") << utf8("C:\\a>b") << false;
         QTest::newRow("vertical bar") << utf8("C:\\a|b") << false;
-        QTest::newRow("forbidden directly behind") << utf8("C:\\*") << false;
-        QTest::newRow("forbidden in the exempt part") << utf8("*:?a") << true;
+        QTest::newRow("forbidden fourth character") << utf8("C:\\*") << false;
+        QTest::newRow("forbidden in the first three characters") << utf8("*:?a") << true;
         QTest::newRow("backslashes and slashes") << utf8("C:\\a/b\\\\c//d") << true;
         QTest::newRow("Chinese") << utf8("D:\\文件\\报告.pdf") << true;
     }
-    void pathIsValidWithAColonAmongItsFirstThreeCharacters()
+    void acceptsOnlyDrivePaths()
     {
         QFETCH(QString, path);
         QFETCH(bool, valid);
@@ -116,15 +108,15 @@ private Q_SLOTS:
         QCOMPARE(CFileUtils::CheckFilePathValid(path), valid);
     }
 
-    void halfACharacterIsNoMatchForTheRegularExpression()
+    void acceptsNamesThatAreNotUtf16()
     {
-        // PCRE refuses text that is no UTF-16, and a refused match is no match.
-        const QString half = QString(QChar(0xd800));
-        QVERIFY(CFileUtils::CheckFileNameValid(half + utf8("*")));
-        QVERIFY(CFileUtils::CheckFilePathValid(utf8("C:\\") + half + utf8("*")));
+        // QRegularExpression does not match a string that is not valid UTF-16.
+        const QString halfPair = QString(QChar(0xd800));
+        QVERIFY(CFileUtils::CheckFileNameValid(halfPair + utf8("*")));
+        QVERIFY(CFileUtils::CheckFilePathValid(utf8("C:\\") + halfPair + utf8("*")));
     }
 
-    void sizeIsGivenInItsUnit_data()
+    void formatsSizeWithUnit_data()
     {
         QTest::addColumn<qlonglong>("size");
         QTest::addColumn<QString>("expected");
@@ -154,14 +146,14 @@ private Q_SLOTS:
         row(-1099511627776, "-1099511627776.00 B");
         row(std::numeric_limits<qlonglong>::min(), "-9223372036854775808.00 B");
     }
-    void sizeIsGivenInItsUnit()
+    void formatsSizeWithUnit()
     {
         QFETCH(qlonglong, size);
         QFETCH(QString, expected);
         QCOMPARE(CFileUtils::FormatFileSize(size), expected);
     }
 
-    void sizeHasAFullStopInEveryLocale()
+    void formatsSizeWithFullStopInEveryLocale()
     {
         const QLocale previous;
         QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
@@ -173,14 +165,14 @@ private Q_SLOTS:
         QCOMPARE(arabic, utf8("1.50 KB"));
     }
 
-    void freeNameIsThePathPutTogetherAgain_data()
+    void returnsPreferredNameIfFree_data()
     {
-        QTest::addColumn<QString>("wish");
+        QTest::addColumn<QString>("preferred");
         QTest::addColumn<QString>("extension");
         QTest::addColumn<QString>("expected");
-        const auto row = [](const char *wish, const char *extension, const char *expected) {
-            QTest::newRow(qPrintable(utf8(wish) + utf8(" + ") + utf8(extension)))
-                << utf8(wish) << utf8(extension) << utf8(expected);
+        const auto row = [](const char *preferred, const char *extension, const char *expected) {
+            QTest::newRow(qPrintable(utf8(preferred) + utf8(" + ") + utf8(extension)))
+                << utf8(preferred) << utf8(extension) << utf8(expected);
         };
         row("/nowhere/a.pdf", "", "/nowhere/a.pdf");
         row("/nowhere/a.pdf", "txt", "/nowhere/a.txt");
@@ -205,105 +197,105 @@ private Q_SLOTS:
         row("/nowhere/", "", "/nowhere/.");
         row(":/nowhere/a.pdf", "", ":/nowhere/a.pdf");
     }
-    void freeNameIsThePathPutTogetherAgain()
+    void returnsPreferredNameIfFree()
     {
-        QFETCH(QString, wish);
+        QFETCH(QString, preferred);
         QFETCH(QString, extension);
         QFETCH(QString, expected);
-        QCOMPARE(CFileUtils::getUniqueFileName(wish, extension), expected);
+        QCOMPARE(CFileUtils::getUniqueFileName(preferred, extension), expected);
     }
 
-    void nullExtensionIsAnEmptyOne()
+    void treatsNullExtensionAsEmpty()
     {
         QCOMPARE(CFileUtils::getUniqueFileName(path("a.pdf"), QString()), path("a.pdf"));
     }
 
-    void takenNameGetsACounter_data()
+    void addsCounterToExistingName_data()
     {
-        QTest::addColumn<QStringList>("taken");
-        QTest::addColumn<QString>("wish");
+        QTest::addColumn<QStringList>("existing");
+        QTest::addColumn<QString>("preferred");
         QTest::addColumn<QString>("extension");
         QTest::addColumn<QString>("expected");
         QStringList many {utf8("a.pdf")};
         for (int i = 1; i <= 11; ++i)
             many << utf8("a(%1).pdf").arg(i);
-        QTest::newRow("first") << QStringList {utf8("a.pdf")} << utf8("a.pdf") << "" << utf8("a(1).pdf");
-        QTest::newRow("second") << QStringList {utf8("a.pdf"), utf8("a(1).pdf")} << utf8("a.pdf") << ""
-                                << utf8("a(2).pdf");
-        QTest::newRow("twelfth") << many << utf8("a.pdf") << "" << utf8("a(12).pdf");
-        QTest::newRow("gap") << QStringList {utf8("a.pdf"), utf8("a(2).pdf")} << utf8("a.pdf") << ""
-                             << utf8("a(1).pdf");
-        QTest::newRow("counter free, name free")
+        QTest::newRow("one file exists")
+            << QStringList {utf8("a.pdf")} << utf8("a.pdf") << "" << utf8("a(1).pdf");
+        QTest::newRow("two files exist")
+            << QStringList {utf8("a.pdf"), utf8("a(1).pdf")} << utf8("a.pdf") << "" << utf8("a(2).pdf");
+        QTest::newRow("twelve files exist") << many << utf8("a.pdf") << "" << utf8("a(12).pdf");
+        QTest::newRow("gap in the counters")
+            << QStringList {utf8("a.pdf"), utf8("a(2).pdf")} << utf8("a.pdf") << "" << utf8("a(1).pdf");
+        QTest::newRow("only the name with a counter exists")
             << QStringList {utf8("a(1).pdf")} << utf8("a.pdf") << "" << utf8("a.pdf");
         QTest::newRow("two suffixes")
             << QStringList {utf8("a.tar.gz")} << utf8("a.tar.gz") << "" << utf8("a.tar(1).gz");
         QTest::newRow("no suffix") << QStringList {utf8("a.")} << utf8("a") << "" << utf8("a(1).");
-        QTest::newRow("no suffix, name taken without dot")
+        QTest::newRow("no suffix, name without dot exists")
             << QStringList {utf8("a")} << utf8("a") << "" << utf8("a.");
         QTest::newRow("hidden") << QStringList {utf8(".hidden")} << utf8(".hidden") << ""
                                 << utf8("(1).hidden");
         QTest::newRow("with extension")
             << QStringList {utf8("a.pdf"), utf8("a.txt")} << utf8("a.pdf") << "txt" << utf8("a(1).txt");
-        QTest::newRow("other extension taken")
+        QTest::newRow("other extension exists")
             << QStringList {utf8("a.pdf")} << utf8("a.pdf") << "txt" << utf8("a.txt");
-        QTest::newRow("counter in the wish")
+        QTest::newRow("counter in the preferred name")
             << QStringList {utf8("a(1).pdf")} << utf8("a(1).pdf") << "" << utf8("a(1)(1).pdf");
-        QTest::newRow("place markers in the name")
+        QTest::newRow("percent signs in the name")
             << QStringList {utf8("%1%2%3%4.pdf")} << utf8("%1%2%3%4.pdf") << "" << utf8("%1%2%3%4(1).pdf");
         QTest::newRow("other case") << QStringList {utf8("A.pdf")} << utf8("a.pdf") << "" << utf8("a.pdf");
     }
-    void takenNameGetsACounter()
+    void addsCounterToExistingName()
     {
-        QFETCH(QStringList, taken);
-        QFETCH(QString, wish);
+        QFETCH(QStringList, existing);
+        QFETCH(QString, preferred);
         QFETCH(QString, extension);
         QFETCH(QString, expected);
-        for (const QString &name : qAsConst(taken))
-            QVERIFY(writeFile(m_directory->filePath(name), "taken"));
-        const QString found = CFileUtils::getUniqueFileName(m_directory->filePath(wish), extension);
-        QCOMPARE(found, m_directory->filePath(expected));
+        for (const QString &name : qAsConst(existing))
+            QVERIFY(writeFile(path(name), "existing"));
+        const QString found = CFileUtils::getUniqueFileName(path(preferred), extension);
+        QCOMPARE(found, path(expected));
         QVERIFY(!QFile::exists(found));
     }
 
-    void directoryTakesANameToo()
+    void addsCounterIfDirectoryExists()
     {
-        QVERIFY(QDir(m_directory->path()).mkdir(utf8("a.pdf")));
+        QVERIFY(QDir(directoryPath()).mkdir(utf8("a.pdf")));
         QCOMPARE(CFileUtils::getUniqueFileName(path("a.pdf"), QString()), path("a(1).pdf"));
     }
 
-    void pathOfADirectoryWithASlashNamesAFileInIt()
+    void returnsNameInDirectoryForTrailingSlash()
     {
-        QCOMPARE(CFileUtils::getUniqueFileName(m_directory->path() + utf8("/"), QString()), path("(1)."));
+        QCOMPARE(CFileUtils::getUniqueFileName(directoryPath() + utf8("/"), QString()), path("(1)."));
     }
 
-    void linkToNothingTakesNoName()
+    void treatsDanglingLinkAsFree()
     {
         QVERIFY(QFile::link(path("missing"), path("a.pdf")));
         QCOMPARE(CFileUtils::getUniqueFileName(path("a.pdf"), QString()), path("a.pdf"));
-        take("missing");
+        createFile("missing");
         QCOMPARE(CFileUtils::getUniqueFileName(path("a.pdf"), QString()), path("a(1).pdf"));
     }
 
-    void nameWithoutADirectoryIsLookedForInTheCurrentOne()
+    void searchesCurrentDirectoryForNameWithoutDirectory()
     {
-        take("a.pdf");
+        createFile("a.pdf");
         const QString previous = QDir::currentPath();
-        QVERIFY(QDir::setCurrent(m_directory->path()));
+        QVERIFY(QDir::setCurrent(directoryPath()));
         const QString found = CFileUtils::getUniqueFileName(utf8("a.pdf"), QString());
         QVERIFY(QDir::setCurrent(previous));
         QCOMPARE(found, utf8("./a(1).pdf"));
     }
 
-    void nothingIsCreatedAndNothingSaid()
+    void createsNoFileAndLogsNothing()
     {
-        const MessageCapture messages;
         CFileUtils::getUniqueFileName(path("a.pdf"), QString());
         CFileUtils::getUniqueFileName(QString(), QString());
         CFileUtils::CheckFileNameValid(utf8("*"));
         CFileUtils::CheckFilePathValid(utf8("C:\\*"));
         CFileUtils::FormatFileSize(-1);
-        QVERIFY(QDir(m_directory->path()).isEmpty());
-        QCOMPARE(messages.messages().size(), 0);
+        QVERIFY(QDir(directoryPath()).isEmpty());
+        QCOMPARE(messages().size(), 0);
     }
 };
 

@@ -3,13 +3,10 @@
 #include <ZyBase/files/CJsonReader.h>
 
 #include "Files.h"
-#include "MessageCapture.h"
-#include "Sandbox.h"
+#include "FilesTest.h"
 
 #include <QDir>
 #include <QJsonDocument>
-#include <QTemporaryDir>
-#include <QTest>
 
 #include <atomic>
 #include <thread>
@@ -21,7 +18,7 @@ namespace {
 
 const QString key = QStringLiteral("key");
 
-// What a failed read is told from: each reader's own failure value.
+// Returns whether each function that reads returns its result for a failure.
 bool allReadersFail(const QString &path)
 {
     const QJsonValue value = CJsonReader::ParseJsonFile(path, key);
@@ -36,36 +33,26 @@ QByteArray nested(int depth)
 
 } // namespace
 
-class TestJsonReader : public QObject
+class TestJsonReader : public FilesTest
 {
     Q_OBJECT
 
 private:
-    QString path() const { return m_directory->filePath(QStringLiteral("file.json")); }
-
-    std::unique_ptr<QTemporaryDir> m_directory;
-    std::unique_ptr<MessageCapture> m_messages;
+    QString jsonFile() const { return path("file.json"); }
 
 private Q_SLOTS:
-    void init()
-    {
-        m_directory = std::make_unique<QTemporaryDir>();
-        m_messages = std::make_unique<MessageCapture>();
-    }
-    void cleanup() { m_messages.reset(); }
-
-    void badFileGivesTheFailureValuesInSilence_data()
+    void returnsFailureValuesForInvalidFile_data()
     {
         QTest::addColumn<QByteArray>("content");
         QTest::newRow("empty") << QByteArray("");
-        QTest::newRow("blanks") << QByteArray("  \n\t ");
-        QTest::newRow("no JSON") << QByteArray("hello");
+        QTest::newRow("spaces") << QByteArray("  \n\t ");
+        QTest::newRow("not JSON") << QByteArray("hello");
         QTest::newRow("cut in an object") << QByteArray("{\"key\": 1, \"o");
         QTest::newRow("cut in an array") << QByteArray("[{\"key\": 1}");
         QTest::newRow("cut in a string") << QByteArray("{\"key\": \"val");
-        QTest::newRow("text behind the end") << QByteArray("{\"key\": 1} x");
+        QTest::newRow("character after the end") << QByteArray("{\"key\": 1} x");
         QTest::newRow("two documents") << QByteArray("{\"key\": 1}{\"key\": 2}");
-        QTest::newRow("comma before the end") << QByteArray("{\"key\": 1,}");
+        QTest::newRow("comma after the last value") << QByteArray("{\"key\": 1,}");
         QTest::newRow("comment") << QByteArray("{\"key\": 1 // one\n}");
         QTest::newRow("single quotes") << QByteArray("{'key': 1}");
         QTest::newRow("number at the top") << QByteArray("17");
@@ -75,52 +62,52 @@ private Q_SLOTS:
         QTest::newRow("invalid UTF-8 in a key") << QByteArray("{\"k\xc3\": 1, \"key\": 1}");
         QTest::newRow("UTF-16") << QByteArray::fromRawData("\xff\xfe{\0}\0", 6);
         QTest::newRow("NUL bytes") << QByteArray(16, '\0');
-        QTest::newRow("nested deeper than Qt reads") << nested(1025);
-        QTest::newRow("nested without end") << QByteArray(1000000, '[');
-        QTest::newRow("object nested deeper than Qt reads")
+        QTest::newRow("array nested deeper than 1024") << nested(1025);
+        QTest::newRow("nested without closing brackets") << QByteArray(1000000, '[');
+        QTest::newRow("object nested deeper than 1024")
             << QByteArray("{\"key\":").repeated(1025) + "1" + QByteArray(1025, '}');
     }
-    void badFileGivesTheFailureValuesInSilence()
+    void returnsFailureValuesForInvalidFile()
     {
         QFETCH(QByteArray, content);
-        QVERIFY(writeFile(path(), content));
-        QVERIFY(allReadersFail(path()));
-        QCOMPARE(m_messages->messages().size(), 0);
+        QVERIFY(writeFile(jsonFile(), content));
+        QVERIFY(allReadersFail(jsonFile()));
+        QCOMPARE(messages().size(), 0);
     }
 
-    void pathWithoutAFileGivesTheFailureValuesInSilence_data()
+    void returnsFailureValuesIfFileCannotBeOpened_data()
     {
         QTest::addColumn<QString>("name");
         QTest::newRow("missing") << "missing.json";
         QTest::newRow("in a missing directory") << "missing/file.json";
-        QTest::newRow("a directory") << ".";
-        QTest::newRow("below a file") << "plain/file.json";
+        QTest::newRow("is a directory") << ".";
+        QTest::newRow("below a plain file") << "plain/file.json";
     }
-    void pathWithoutAFileGivesTheFailureValuesInSilence()
+    void returnsFailureValuesIfFileCannotBeOpened()
     {
         QFETCH(QString, name);
-        QVERIFY(writeFile(m_directory->filePath(QStringLiteral("plain")), "{\"key\": 1}"));
-        QVERIFY(allReadersFail(m_directory->filePath(name)));
-        QCOMPARE(m_messages->messages().size(), 0);
+        QVERIFY(writeFile(path(QStringLiteral("plain")), "{\"key\": 1}"));
+        QVERIFY(allReadersFail(path(name)));
+        QCOMPARE(messages().size(), 0);
     }
 
-    void emptyAndNullPathsGiveTheFailureValues()
+    void returnsFailureValuesForEmptyPath()
     {
         QVERIFY(allReadersFail(QStringLiteral("")));
         QVERIFY(allReadersFail(QString()));
     }
 
-    void unreadableFileGivesTheFailureValues()
+    void returnsFailureValuesForUnreadableFile()
     {
-        if (geteuid() == 0)
-            QSKIP("root passes every permission check");
-        QVERIFY(writeFile(path(), "{\"key\": 1}"));
-        QVERIFY(QFile::setPermissions(path(), QFile::Permissions()));
-        QVERIFY(allReadersFail(path()));
-        QCOMPARE(m_messages->messages().size(), 0);
+        if (!becomeOrdinaryUser())
+            QSKIP("permission checks do not apply to root");
+        QVERIFY(writeFile(jsonFile(), "{\"key\": 1}"));
+        QVERIFY(QFile::setPermissions(jsonFile(), QFile::Permissions()));
+        QVERIFY(allReadersFail(jsonFile()));
+        QCOMPARE(messages().size(), 0);
     }
 
-    void keyGivesItsValue_data()
+    void returnsValueOfKey_data()
     {
         QTest::addColumn<QByteArray>("content");
         QTest::addColumn<QJsonValue>("value");
@@ -133,109 +120,109 @@ private Q_SLOTS:
                                 << QJsonValue(QJsonObject {{QStringLiteral("a"), 1}});
         QTest::newRow("array") << QByteArray("{\"key\": [1, \"b\"]}")
                                << QJsonValue(QJsonArray {1, QStringLiteral("b")});
-        QTest::newRow("non-ASCII text")
+        QTest::newRow("non-ASCII string")
             << QByteArray("{\"key\": \"Größe 文件 😀\"}") << QJsonValue(QStringLiteral("Größe 文件 😀"));
         QTest::newRow("escapes") << QByteArray("{\"key\": \"a\\\"\\\\n\\u00e9\"}")
                                  << QJsonValue(QStringLiteral("a\"\\n\u00e9"));
-        QTest::newRow("among others") << QByteArray("{\"a\": 1, \"key\": 2, \"z\": 3}") << QJsonValue(2);
-        QTest::newRow("named twice: the later") << QByteArray("{\"key\": 1, \"key\": 2}") << QJsonValue(2);
+        QTest::newRow("among other keys") << QByteArray("{\"a\": 1, \"key\": 2, \"z\": 3}") << QJsonValue(2);
+        QTest::newRow("duplicate key: last value") << QByteArray("{\"key\": 1, \"key\": 2}") << QJsonValue(2);
         QTest::newRow("with a byte order mark") << QByteArray("\xef\xbb\xbf{\"key\": 1}") << QJsonValue(1);
-        QTest::newRow("with blanks around") << QByteArray("\r\n\t {\"key\" : 1 } \n\n") << QJsonValue(1);
+        QTest::newRow("with spaces around") << QByteArray("\r\n\t {\"key\" : 1 } \n\n") << QJsonValue(1);
     }
-    void keyGivesItsValue()
+    void returnsValueOfKey()
     {
         QFETCH(QByteArray, content);
         QFETCH(QJsonValue, value);
-        QVERIFY(writeFile(path(), content));
-        const QJsonValue read = CJsonReader::ParseJsonFile(path(), key);
+        QVERIFY(writeFile(jsonFile(), content));
+        const QJsonValue read = CJsonReader::ParseJsonFile(jsonFile(), key);
         QVERIFY(!read.isUndefined());
         QCOMPARE(read, value);
     }
 
-    void keyThatTheObjectLacksGivesUndefined_data()
+    void returnsUndefinedForMissingKey_data()
     {
         QTest::addColumn<QByteArray>("content");
         QTest::newRow("other keys only") << QByteArray("{\"other\": 1}");
         QTest::newRow("other case") << QByteArray("{\"KEY\": 1}");
-        QTest::newRow("key one level down") << QByteArray("{\"other\": {\"key\": 1}}");
+        QTest::newRow("key at the second level") << QByteArray("{\"other\": {\"key\": 1}}");
     }
-    void keyThatTheObjectLacksGivesUndefined()
+    void returnsUndefinedForMissingKey()
     {
         QFETCH(QByteArray, content);
-        QVERIFY(writeFile(path(), content));
-        QVERIFY(CJsonReader::ParseJsonFile(path(), key).isUndefined());
+        QVERIFY(writeFile(jsonFile(), content));
+        QVERIFY(CJsonReader::ParseJsonFile(jsonFile(), key).isUndefined());
     }
 
-    void emptyKeyIsAKeyLikeAnother()
+    void returnsValueOfEmptyKey()
     {
-        QVERIFY(writeFile(path(), "{\"\": \"nameless\"}"));
-        QCOMPARE(CJsonReader::ParseJsonFile(path(), QString()), QJsonValue(QStringLiteral("nameless")));
-        QVERIFY(CJsonReader::ParseJsonFile(path(), key).isUndefined());
+        QVERIFY(writeFile(jsonFile(), "{\"\": \"nameless\"}"));
+        QCOMPARE(CJsonReader::ParseJsonFile(jsonFile(), QString()), QJsonValue(QStringLiteral("nameless")));
+        QVERIFY(CJsonReader::ParseJsonFile(jsonFile(), key).isUndefined());
     }
 
-    void keyOfAnEmptyObjectGivesNull()
+    void returnsNullForKeyOfEmptyObject()
     {
-        QVERIFY(writeFile(path(), "{}"));
-        const QJsonValue value = CJsonReader::ParseJsonFile(path(), key);
+        QVERIFY(writeFile(jsonFile(), "{}"));
+        const QJsonValue value = CJsonReader::ParseJsonFile(jsonFile(), key);
         QVERIFY(value.isNull());
         QVERIFY(!value.isUndefined());
     }
 
-    void keyOfAnArrayGivesNull()
+    void returnsNullForKeyOfArray()
     {
-        QVERIFY(writeFile(path(), "[{\"key\": 1}]"));
-        const QJsonValue value = CJsonReader::ParseJsonFile(path(), key);
+        QVERIFY(writeFile(jsonFile(), "[{\"key\": 1}]"));
+        const QJsonValue value = CJsonReader::ParseJsonFile(jsonFile(), key);
         QVERIFY(value.isNull());
         QVERIFY(!value.isUndefined());
     }
 
-    void topLevelOfTheOtherKindIsEmpty()
+    void returnsEmptyResultForOtherTopLevelType()
     {
-        QVERIFY(writeFile(path(), "[{\"key\": 1}]"));
-        QCOMPARE(CJsonReader::ParseJsonFileToObject(path()), QJsonObject());
-        QCOMPARE(CJsonReader::ParseJsonFileToArray(path()).size(), 1);
-        QVERIFY(writeFile(path(), "{\"key\": [1]}"));
-        QCOMPARE(CJsonReader::ParseJsonFileToArray(path()), QJsonArray());
-        QCOMPARE(CJsonReader::ParseJsonFileToObject(path()).size(), 1);
+        QVERIFY(writeFile(jsonFile(), "[{\"key\": 1}]"));
+        QCOMPARE(CJsonReader::ParseJsonFileToObject(jsonFile()), QJsonObject());
+        QCOMPARE(CJsonReader::ParseJsonFileToArray(jsonFile()).size(), 1);
+        QVERIFY(writeFile(jsonFile(), "{\"key\": [1]}"));
+        QCOMPARE(CJsonReader::ParseJsonFileToArray(jsonFile()), QJsonArray());
+        QCOMPARE(CJsonReader::ParseJsonFileToObject(jsonFile()).size(), 1);
     }
 
-    void arrayKeepsItsOrder()
+    void keepsOrderOfArray()
     {
-        QVERIFY(writeFile(path(), "[3, \"a\", null, [1], {\"key\": 2}]"));
+        QVERIFY(writeFile(jsonFile(), "[3, \"a\", null, [1], {\"key\": 2}]"));
         const QJsonArray expected {3, QStringLiteral("a"), QJsonValue(), QJsonArray {1},
                                    QJsonObject {{key, 2}}};
-        QCOMPARE(CJsonReader::ParseJsonFileToArray(path()), expected);
+        QCOMPARE(CJsonReader::ParseJsonFileToArray(jsonFile()), expected);
     }
 
-    void nestingUpToQtsLimitIsRead()
+    void readsNestingUpToLimitOfQt()
     {
-        QVERIFY(writeFile(path(), nested(1024)));
-        QCOMPARE(CJsonReader::ParseJsonFileToArray(path()).size(), 1);
+        QVERIFY(writeFile(jsonFile(), nested(1024)));
+        QCOMPARE(CJsonReader::ParseJsonFileToArray(jsonFile()).size(), 1);
     }
 
-    void fiftyMegabytesAreRead()
+    void readsFiftyMegabytes()
     {
         const QByteArray element = "{\"key\":\"" + QByteArray(1000, 'x') + "\"}";
         constexpr int count = 50 * 1024;
         QByteArray content = "[" + (element + ',').repeated(count);
         content.chop(1);
-        QVERIFY(writeFile(path(), content + ']'));
-        const QJsonArray array = CJsonReader::ParseJsonFileToArray(path());
+        QVERIFY(writeFile(jsonFile(), content + ']'));
+        const QJsonArray array = CJsonReader::ParseJsonFileToArray(jsonFile());
         QCOMPARE(array.size(), count);
         QCOMPARE(array.last().toObject().value(key).toString().size(), 1000);
     }
 
-    void relativePathIsTakenFromTheCurrentDirectory()
+    void usesPathRelativeToCurrentDirectory()
     {
         const QString previous = QDir::currentPath();
-        QVERIFY(QDir::setCurrent(m_directory->path()));
+        QVERIFY(QDir::setCurrent(directoryPath()));
         CJsonReader::SaveJsonFile(QStringLiteral("relative.json"), {{key, 1}});
         QCOMPARE(CJsonReader::ParseJsonFile(QStringLiteral("relative.json"), key), QJsonValue(1));
         QVERIFY(QDir::setCurrent(previous));
-        QVERIFY(QFile::exists(m_directory->filePath(QStringLiteral("relative.json"))));
+        QVERIFY(QFile::exists(path(QStringLiteral("relative.json"))));
     }
 
-    void savedObjectIsReadBack()
+    void readsSavedObject()
     {
         const QJsonObject object {
             {QStringLiteral("text"), QStringLiteral("Größe \"文件\" 😀\n")},
@@ -245,116 +232,113 @@ private Q_SLOTS:
             {QStringLiteral("nothing"), QJsonValue()},
             {QStringLiteral("array"), QJsonArray {1, QJsonObject {{key, QStringLiteral("v")}}}},
             {QStringLiteral(""), QStringLiteral("nameless")}};
-        CJsonReader::SaveJsonFile(path(), object);
-        QCOMPARE(CJsonReader::ParseJsonFileToObject(path()), object);
-        QCOMPARE(m_messages->messages().size(), 0);
+        CJsonReader::SaveJsonFile(jsonFile(), object);
+        QCOMPARE(CJsonReader::ParseJsonFileToObject(jsonFile()), object);
+        QCOMPARE(messages().size(), 0);
     }
 
-    void savedTextIsIndentedUtf8()
+    void writesIndentedUtf8()
     {
         CJsonReader::SaveJsonFile(
-            path(), {{QStringLiteral("b"), QJsonArray {1}}, {QStringLiteral("a"), QStringLiteral("é")}});
-        QCOMPARE(readFile(path()), QByteArray("{\n    \"a\": \"é\",\n    \"b\": [\n        1\n    ]\n}\n"));
+            jsonFile(), {{QStringLiteral("b"), QJsonArray {1}}, {QStringLiteral("a"), QStringLiteral("é")}});
+        QCOMPARE(readFile(jsonFile()),
+                 QByteArray("{\n    \"a\": \"é\",\n    \"b\": [\n        1\n    ]\n}\n"));
     }
 
-    void emptyObjectIsSavedAsOne()
+    void writesEmptyObject()
     {
-        CJsonReader::SaveJsonFile(path(), QJsonObject());
-        QCOMPARE(readFile(path()), QByteArray("{\n}\n"));
+        CJsonReader::SaveJsonFile(jsonFile(), QJsonObject());
+        QCOMPARE(readFile(jsonFile()), QByteArray("{\n}\n"));
     }
 
-    void saveLeavesNothingOfALongerFile()
+    void writesShorterContentOverLonger()
     {
-        QVERIFY(writeFile(path(), QByteArray(100000, 'x')));
-        CJsonReader::SaveJsonFile(path(), {{key, 1}});
-        QCOMPARE(readFile(path()), QByteArray("{\n    \"key\": 1\n}\n"));
+        QVERIFY(writeFile(jsonFile(), QByteArray(100000, 'x')));
+        CJsonReader::SaveJsonFile(jsonFile(), {{key, 1}});
+        QCOMPARE(readFile(jsonFile()), QByteArray("{\n    \"key\": 1\n}\n"));
     }
 
-    void saveRewritesInPlace()
+    void writesInPlace()
     {
-        // Same file behind both names, no file beside it: no rename, no temporary file, no backup.
-        QVERIFY(writeFile(path(), "{}"));
-        const QString second = m_directory->filePath(QStringLiteral("second.json"));
-        QCOMPARE(link(QFile::encodeName(path()).constData(), QFile::encodeName(second).constData()), 0);
-        QVERIFY(QFile::setPermissions(path(), QFile::ReadOwner | QFile::WriteOwner));
-        const QFile::Permissions permissions = QFile::permissions(path());
-        CJsonReader::SaveJsonFile(path(), {{key, 1}});
+        // The hard link shows that the file was not replaced. No other file shows that there is no backup.
+        QVERIFY(writeFile(jsonFile(), "{}"));
+        const QString second = path(QStringLiteral("second.json"));
+        QCOMPARE(link(QFile::encodeName(jsonFile()).constData(), QFile::encodeName(second).constData()), 0);
+        QVERIFY(QFile::setPermissions(jsonFile(), QFile::ReadOwner | QFile::WriteOwner));
+        const QFile::Permissions permissions = QFile::permissions(jsonFile());
+        CJsonReader::SaveJsonFile(jsonFile(), {{key, 1}});
         QCOMPARE(CJsonReader::ParseJsonFile(second, key), QJsonValue(1));
-        QCOMPARE(QFile::permissions(path()), permissions);
-        QCOMPARE(QDir(m_directory->path()).entryList(QDir::Files).size(), 2);
+        QCOMPARE(QFile::permissions(jsonFile()), permissions);
+        QCOMPARE(QDir(directoryPath()).entryList(QDir::Files).size(), 2);
     }
 
-    void saveThroughASymbolicLinkKeepsTheLink()
+    void keepsSymbolicLink()
     {
-        QVERIFY(writeFile(path(), "{}"));
-        const QString link = m_directory->filePath(QStringLiteral("link.json"));
-        QVERIFY(QFile::link(path(), link));
+        QVERIFY(writeFile(jsonFile(), "{}"));
+        const QString link = path(QStringLiteral("link.json"));
+        QVERIFY(QFile::link(jsonFile(), link));
         CJsonReader::SaveJsonFile(link, {{key, 1}});
         QVERIFY(QFileInfo(link).isSymLink());
-        QCOMPARE(CJsonReader::ParseJsonFile(path(), key), QJsonValue(1));
+        QCOMPARE(CJsonReader::ParseJsonFile(jsonFile(), key), QJsonValue(1));
     }
 
-    void saveWhereNoFileCanBeOpenedDoesNothing_data()
+    void ignoresFileThatCannotBeWritten_data()
     {
         QTest::addColumn<QString>("name");
         QTest::newRow("in a missing directory") << "missing/file.json";
-        QTest::newRow("on a directory") << "folder";
-        QTest::newRow("below a file") << "plain/file.json";
+        QTest::newRow("is a directory") << "folder";
+        QTest::newRow("below a plain file") << "plain/file.json";
     }
-    void saveWhereNoFileCanBeOpenedDoesNothing()
+    void ignoresFileThatCannotBeWritten()
     {
         QFETCH(QString, name);
-        QVERIFY(QDir(m_directory->path()).mkdir(QStringLiteral("folder")));
-        QVERIFY(writeFile(m_directory->filePath(QStringLiteral("plain")), "kept"));
-        CJsonReader::SaveJsonFile(m_directory->filePath(name), {{key, 1}});
-        QCOMPARE(QDir(m_directory->path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+        QVERIFY(QDir(directoryPath()).mkdir(QStringLiteral("folder")));
+        QVERIFY(writeFile(path(QStringLiteral("plain")), "kept"));
+        CJsonReader::SaveJsonFile(path(name), {{key, 1}});
+        QCOMPARE(QDir(directoryPath()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
                  QStringList({QStringLiteral("folder"), QStringLiteral("plain")}));
-        QVERIFY(QDir(m_directory->filePath(QStringLiteral("folder"))).isEmpty());
-        QCOMPARE(readFile(m_directory->filePath(QStringLiteral("plain"))), QByteArray("kept"));
-        // The only word on it is Qt's own about the device; the library has none.
-        QCOMPARE(m_messages->messages().size(), 1);
-        QVERIFY(m_messages->messages().first().text.startsWith(QStringLiteral("QIODevice::write")));
+        QVERIFY(QDir(path(QStringLiteral("folder"))).isEmpty());
+        QCOMPARE(readFile(path(QStringLiteral("plain"))), QByteArray("kept"));
+        // Only Qt logs a warning.
+        QCOMPARE(messages().size(), 1);
+        QVERIFY(messages().first().text.startsWith(QStringLiteral("QIODevice::write")));
     }
 
-    void saveOnAFullDiskReturns()
+    void returnsIfDiskIsFull()
     {
         CJsonReader::SaveJsonFile(QStringLiteral("/dev/full"), {{key, 1}});
-        QCOMPARE(m_messages->messages().size(), 0);
+        QCOMPARE(messages().size(), 0);
     }
 
-    void threadsReadAndWriteTheirOwnFiles()
+    void isThreadSafe()
     {
-        std::vector<std::thread> threads;
-        std::atomic<int> good {0};
-        for (int thread = 0; thread < 8; ++thread) {
-            threads.emplace_back([this, thread, &good] {
-                const QString own = m_directory->filePath(QString::number(thread));
-                for (int i = 0; i < 100; ++i) {
-                    CJsonReader::SaveJsonFile(own, {{key, i}});
-                    good += CJsonReader::ParseJsonFile(own, key) == QJsonValue(i);
-                }
-            });
-        }
-        for (std::thread &thread : threads)
-            thread.join();
-        QCOMPARE(good.load(), 800);
+        const int successes = sumOfEightThreads([this](int thread) {
+            int count = 0;
+            const QString own = path(QString::number(thread));
+            for (int i = 0; i < 100; ++i) {
+                CJsonReader::SaveJsonFile(own, {{key, i}});
+                count += CJsonReader::ParseJsonFile(own, key) == QJsonValue(i);
+            }
+            return count;
+        });
+        QCOMPARE(successes, 800);
     }
 
-    void readerBesideAWriterSeesTheWholeOrAFailure()
+    void returnsWholeObjectOrFailureDuringSave()
     {
         QJsonObject object;
         for (int i = 0; i < 5000; ++i)
             object.insert(QString::number(i), i);
-        CJsonReader::SaveJsonFile(path(), object);
+        CJsonReader::SaveJsonFile(jsonFile(), object);
         std::atomic<bool> done {false};
         std::thread writer([&] {
             for (int i = 0; i < 100; ++i)
-                CJsonReader::SaveJsonFile(path(), object);
+                CJsonReader::SaveJsonFile(jsonFile(), object);
             done = true;
         });
         bool onlyWholeOrEmpty = true;
         while (!done) {
-            const QJsonObject read = CJsonReader::ParseJsonFileToObject(path());
+            const QJsonObject read = CJsonReader::ParseJsonFileToObject(jsonFile());
             onlyWholeOrEmpty = onlyWholeOrEmpty && (read.isEmpty() || read == object);
         }
         writer.join();

@@ -3,14 +3,11 @@
 #include <ZyBase/files/CFileUtils.h>
 
 #include "Files.h"
-#include "MessageCapture.h"
+#include "FilesTest.h"
 #include "RecordedPrograms.h"
-#include "Utf8.h"
 
 #include <QDesktopServices>
 #include <QDir>
-#include <QTemporaryDir>
-#include <QTest>
 #include <QUrl>
 
 #include <csignal>
@@ -20,13 +17,13 @@ using ZyBase::CFileUtils;
 namespace {
 
 constexpr const char *desktopVariable = "XDG_CURRENT_DESKTOP";
-constexpr int patience = 60000;
+constexpr int timeoutMs = 60000;
 const QStringList fileManagers {QStringLiteral("nautilus"), QStringLiteral("dolphin"),
                                 QStringLiteral("thunar"), QStringLiteral("xdg-open")};
 
 } // namespace
 
-// Takes what Qt is asked to open.
+// Records the addresses that QDesktopServices opens.
 class UrlHandler : public QObject
 {
     Q_OBJECT
@@ -41,44 +38,52 @@ public Q_SLOTS:
     void handle(const QUrl &url) { urls << url; }
 };
 
-class TestReveal : public QObject
+class TestReveal : public FilesTest
 {
     Q_OBJECT
 
 private:
-    QString path(const char *name) const { return m_directory->filePath(utf8(name)); }
-
-    // The one call that comes of showing this path.
-    static QStringList shown(const QString &path)
+    // Returns the command that is started for the path.
+    static QStringList startedCommand(const QString &path)
     {
         const RecordedPrograms programs(fileManagers);
         CFileUtils::OpenFolderAndSelectFile(path);
-        if (!QTest::qWaitFor([&] { return !programs.calls().isEmpty(); }, patience))
+        if (!QTest::qWaitFor([&] { return !programs.calls().isEmpty(); }, timeoutMs))
             return {};
         return programs.calls().size() == 1 ? programs.calls().first().command : QStringList();
     }
 
-    std::unique_ptr<QTemporaryDir> m_directory;
-    std::unique_ptr<MessageCapture> m_messages;
+    // Verifies that one warning was logged, in the default category and without a source location.
+    void verifyOnlyWarning(const QString &text) const
+    {
+        QCOMPARE(messages().size(), 1);
+        const Message message = messages().first();
+        QCOMPARE(message.type, QtWarningMsg);
+        QCOMPARE(message.text, text);
+        QCOMPARE(message.category, utf8("default"));
+        QVERIFY(message.file.isNull());
+        QVERIFY(message.function.isNull());
+        QCOMPARE(message.line, 0);
+    }
+
     std::unique_ptr<UrlHandler> m_urls;
 
 private Q_SLOTS:
     void init()
     {
-        m_directory = std::make_unique<QTemporaryDir>();
-        m_messages = std::make_unique<MessageCapture>();
+        FilesTest::init();
         m_urls = std::make_unique<UrlHandler>();
         QVERIFY(writeFile(path("file.txt"), "shown"));
-        QVERIFY(QDir(m_directory->path()).mkdir(utf8("folder")));
+        QVERIFY(QDir(directoryPath()).mkdir(utf8("folder")));
         qunsetenv(desktopVariable);
     }
     void cleanup()
     {
         m_urls.reset();
-        m_messages.reset();
+        FilesTest::cleanup();
     }
 
-    void desktopDecidesOnTheFileManager_data()
+    void startsFileManagerOfDesktop_data()
     {
         QTest::addColumn<QByteArray>("desktop");
         QTest::addColumn<QString>("program");
@@ -109,7 +114,7 @@ private Q_SLOTS:
         row("\xff\xfe:KDE", "dolphin");
         row("", "xdg-open");
     }
-    void desktopDecidesOnTheFileManager()
+    void startsFileManagerOfDesktop()
     {
         QFETCH(QByteArray, desktop);
         QFETCH(QString, program);
@@ -120,93 +125,86 @@ private Q_SLOTS:
         else if (program == utf8("thunar"))
             expected << path("file.txt");
         else
-            expected << m_directory->path();
-        QCOMPARE(shown(path("file.txt")), expected);
-        QCOMPARE(m_messages->messages().size(), 0);
+            expected << directoryPath();
+        QCOMPARE(startedCommand(path("file.txt")), expected);
+        QCOMPARE(messages().size(), 0);
         QCOMPARE(m_urls->urls.size(), 0);
     }
 
-    void noDesktopOpensTheFolder()
+    void opensDirectoryWithoutDesktop()
     {
-        QCOMPARE(shown(path("file.txt")), QStringList({utf8("xdg-open"), m_directory->path()}));
+        QCOMPARE(startedCommand(path("file.txt")), QStringList({utf8("xdg-open"), directoryPath()}));
     }
 
-    void relativePathReachesTheFileManagerAsAnAbsoluteOne()
+    void passesAbsolutePath()
     {
         const QString previous = QDir::currentPath();
-        QVERIFY(QDir::setCurrent(m_directory->path()));
+        QVERIFY(QDir::setCurrent(directoryPath()));
         const QString here = QDir::currentPath();
         qputenv(desktopVariable, "XFCE");
-        const QStringList thunar = shown(utf8("file.txt"));
+        const QStringList thunar = startedCommand(utf8("file.txt"));
         qputenv(desktopVariable, "MATE");
-        const QStringList opened = shown(utf8("file.txt"));
+        const QStringList opened = startedCommand(utf8("file.txt"));
         QVERIFY(QDir::setCurrent(previous));
         QCOMPARE(thunar, QStringList({utf8("thunar"), here + utf8("/file.txt")}));
         QCOMPARE(opened, QStringList({utf8("xdg-open"), here}));
     }
 
-    void directoryIsSelectedOrItsParentOpened()
+    void selectsDirectoryOrOpensItsParent()
     {
         for (const char *desktop : {"GNOME", "KDE"}) {
             qputenv(desktopVariable, desktop);
-            QCOMPARE(shown(path("folder")).mid(1), QStringList({utf8("--select"), path("folder")}));
+            QCOMPARE(startedCommand(path("folder")).mid(1), QStringList({utf8("--select"), path("folder")}));
         }
         qputenv(desktopVariable, "UKUI");
-        QCOMPARE(shown(path("folder")), QStringList({utf8("xdg-open"), m_directory->path()}));
-        QCOMPARE(shown(path("folder/")), QStringList({utf8("xdg-open"), path("folder")}));
+        QCOMPARE(startedCommand(path("folder")), QStringList({utf8("xdg-open"), directoryPath()}));
+        QCOMPARE(startedCommand(path("folder/")), QStringList({utf8("xdg-open"), path("folder")}));
     }
 
-    void oddNamesArriveAsTheyAre_data()
+    void passesUnusualNamesUnchanged_data()
     {
         QTest::addColumn<QString>("name");
-        QTest::newRow("blanks") << utf8("a b  c.txt");
+        QTest::newRow("spaces") << utf8("a b  c.txt");
         QTest::newRow("quotes") << utf8("a'b\"c.txt");
-        QTest::newRow("shell") << utf8("$(touch x);`y`&|*.txt");
+        QTest::newRow("shell characters") << utf8("$(touch x);`y`&|*.txt");
         QTest::newRow("Chinese") << utf8("文件.txt");
-        QTest::newRow("option") << utf8("--quit");
-        QTest::newRow("percent") << utf8("%u %20.txt");
+        QTest::newRow("looks like an option") << utf8("--quit");
+        QTest::newRow("percent signs") << utf8("%u %20.txt");
     }
-    void oddNamesArriveAsTheyAre()
+    void passesUnusualNamesUnchanged()
     {
         QFETCH(QString, name);
-        const QString file = m_directory->filePath(name);
+        const QString file = path(name);
         QVERIFY(writeFile(file, "shown"));
         qputenv(desktopVariable, "KDE");
-        QCOMPARE(shown(file), QStringList({utf8("dolphin"), utf8("--select"), file}));
+        QCOMPARE(startedCommand(file), QStringList({utf8("dolphin"), utf8("--select"), file}));
     }
 
-    void missingFileIsAWarningAndNothingStarts_data()
+    void logsWarningForMissingFile_data()
     {
         QTest::addColumn<QString>("path");
         QTest::newRow("missing") << "/nowhere/missing file.txt";
         QTest::newRow("relative") << "no such file.txt";
         QTest::newRow("empty") << "";
     }
-    void missingFileIsAWarningAndNothingStarts()
+    void logsWarningForMissingFile()
     {
-        // A start would fail here, and say so.
+        // No program is on the search path, so an attempt to start one would log a second warning.
         QFETCH(QString, path);
         const RecordedPrograms none;
         CFileUtils::OpenFolderAndSelectFile(path);
-        QCOMPARE(m_messages->messages().size(), 1);
-        const MessageCapture::Message message = m_messages->messages().first();
-        QCOMPARE(message.type, QtWarningMsg);
-        QCOMPARE(message.text, utf8("File does not exist: \"%1\"").arg(path));
-        QCOMPARE(message.category, utf8("default"));
-        QVERIFY(message.file.isNull());
-        QVERIFY(message.function.isNull());
-        QCOMPARE(message.line, 0);
+        verifyOnlyWarning(utf8("File does not exist: \"%1\"").arg(path));
         QCOMPARE(m_urls->urls.size(), 0);
     }
 
-    void linkToNothingIsMissing()
+    void logsWarningForDanglingLink()
     {
         QVERIFY(QFile::link(path("missing"), path("link")));
         CFileUtils::OpenFolderAndSelectFile(path("link"));
-        QCOMPARE(m_messages->messages().size(), 1);
+        QCOMPARE(messages().size(), 1);
     }
 
-    void fileManagerThatIsNotInstalledIsAWarningAndQtOpensTheFolder_data()
+    void logsWarningAndOpensDirectoryIfFileManagerIsMissing_data()
     {
         QTest::addColumn<QByteArray>("desktop");
         QTest::addColumn<QString>("command");
@@ -215,65 +213,58 @@ private Q_SLOTS:
         QTest::newRow("XFCE") << QByteArray("XFCE") << utf8("\"thunar\" (\"FILE\")");
         QTest::newRow("UKUI") << QByteArray("UKUI") << utf8("\"xdg-open\" (\"FOLDER\")");
     }
-    void fileManagerThatIsNotInstalledIsAWarningAndQtOpensTheFolder()
+    void logsWarningAndOpensDirectoryIfFileManagerIsMissing()
     {
         QFETCH(QByteArray, desktop);
         QFETCH(QString, command);
         qputenv(desktopVariable, desktop);
         const RecordedPrograms none;
         CFileUtils::OpenFolderAndSelectFile(path("file.txt"));
-        command.replace(utf8("FILE"), path("file.txt")).replace(utf8("FOLDER"), m_directory->path());
-        QCOMPARE(m_messages->messages().size(), 1);
-        const MessageCapture::Message message = m_messages->messages().first();
-        QCOMPARE(message.type, QtWarningMsg);
-        QCOMPARE(message.text, utf8("Failed to execute: ") + command);
-        QCOMPARE(message.category, utf8("default"));
-        QVERIFY(message.file.isNull());
-        QVERIFY(message.function.isNull());
-        QCOMPARE(message.line, 0);
-        QCOMPARE(m_urls->urls, QList<QUrl> {QUrl::fromLocalFile(m_directory->path())});
+        command.replace(utf8("FILE"), path("file.txt")).replace(utf8("FOLDER"), directoryPath());
+        verifyOnlyWarning(utf8("Failed to execute: ") + command);
+        QCOMPARE(m_urls->urls, QList<QUrl> {QUrl::fromLocalFile(directoryPath())});
     }
 
-    void onlyTheChosenFileManagerIsTried()
+    void startsNoOtherFileManager()
     {
         const RecordedPrograms others({utf8("dolphin"), utf8("thunar"), utf8("xdg-open")});
         qputenv(desktopVariable, "GNOME");
         CFileUtils::OpenFolderAndSelectFile(path("file.txt"));
-        QCOMPARE(m_messages->messages().size(), 1);
+        QCOMPARE(messages().size(), 1);
         QCOMPARE(m_urls->urls.size(), 1);
     }
 
-    void lastResortWithoutAGuiApplicationIsQtsWarning()
+    void logsWarningOfQtWithoutGuiApplication()
     {
         m_urls.reset();
         const RecordedPrograms none;
         CFileUtils::OpenFolderAndSelectFile(path("file.txt"));
-        QCOMPARE(m_messages->messages().size(), 2);
-        QVERIFY(m_messages->messages().last().text.startsWith(utf8("QDesktopServices::openUrl")));
+        QCOMPARE(messages().size(), 2);
+        QVERIFY(messages().last().text.startsWith(utf8("QDesktopServices::openUrl")));
     }
 
-    void fileManagerThatFailsIsNotNoticed()
+    void logsNothingIfFileManagerFails()
     {
         RecordedPrograms programs;
         programs.addFailing(utf8("dolphin"));
         qputenv(desktopVariable, "KDE");
         CFileUtils::OpenFolderAndSelectFile(path("file.txt"));
-        QVERIFY(QTest::qWaitFor([&] { return !programs.calls().isEmpty(); }, patience));
-        QCOMPARE(m_messages->messages().size(), 0);
+        QVERIFY(QTest::qWaitFor([&] { return !programs.calls().isEmpty(); }, timeoutMs));
+        QCOMPARE(messages().size(), 0);
         QCOMPARE(m_urls->urls.size(), 0);
     }
 
-    void callReturnsWhileTheFileManagerRuns()
+    void returnsWhileFileManagerRuns()
     {
         RecordedPrograms programs;
         programs.addEndless(utf8("dolphin"));
         qputenv(desktopVariable, "KDE");
         CFileUtils::OpenFolderAndSelectFile(path("file.txt"));
-        QVERIFY(QTest::qWaitFor([&] { return !programs.calls().isEmpty(); }, patience));
+        QVERIFY(QTest::qWaitFor([&] { return !programs.calls().isEmpty(); }, timeoutMs));
         const auto processId = pid_t(programs.calls().first().processId);
         QCOMPARE(kill(processId, 0), 0);
         QCOMPARE(kill(processId, SIGKILL), 0);
-        QCOMPARE(m_messages->messages().size(), 0);
+        QCOMPARE(messages().size(), 0);
     }
 };
 

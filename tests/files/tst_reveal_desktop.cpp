@@ -23,16 +23,17 @@ using ZyBase::CFileUtils;
 
 namespace {
 
-constexpr int patience = 60000;
-constexpr int coloursOfAWindow = 30;
+constexpr int timeoutMs = 60000;
+// An empty display has fewer colours, a window has more.
+constexpr int coloursOfWindow = 30;
 
 bool isInstalled(const char *program)
 {
     return !QStandardPaths::findExecutable(QLatin1String(program)).isEmpty();
 }
 
-// A desktop's floor: a display without a screen, a session bus and a home of its own, seen by all that
-// this process starts. What runs on the display ends with it.
+// A virtual display, a session bus and a home directory for the programs that this process starts. They end
+// with the display.
 class Desktop
 {
 public:
@@ -50,7 +51,7 @@ public:
     ~Desktop()
     {
         m_bus.terminate();
-        m_bus.waitForFinished(patience);
+        m_bus.waitForFinished(timeoutMs);
     }
 
 private:
@@ -60,7 +61,7 @@ private:
         m_bus.start(QStringLiteral("dbus-daemon"), {QStringLiteral("--session"), QStringLiteral("--nofork"),
                                                     QStringLiteral("--print-address")});
         while (!m_bus.canReadLine()) {
-            if (!m_bus.waitForReadyRead(patience))
+            if (!m_bus.waitForReadyRead(timeoutMs))
                 return false;
         }
         qputenv("DBUS_SESSION_BUS_ADDRESS", m_bus.readLine().trimmed());
@@ -77,7 +78,7 @@ QImage screenshot()
     return QGuiApplication::primaryScreen()->grabWindow(0).toImage();
 }
 
-int colours(const QImage &image)
+int colourCount(const QImage &image)
 {
     QSet<QRgb> found;
     for (int y = 0; y < image.height(); y += 2) {
@@ -89,7 +90,7 @@ int colours(const QImage &image)
 
 } // namespace
 
-// With the real thing: a file manager on a display that no one sees.
+// Runs a real file manager on a virtual display.
 class TestRevealDesktop : public QObject
 {
     Q_OBJECT
@@ -103,29 +104,29 @@ private Q_SLOTS:
         if (const char *tool = Desktop::missingTool())
             QSKIP(qPrintable(QLatin1String(tool) + QStringLiteral(" is not installed")));
         if (!qobject_cast<QGuiApplication *>(QCoreApplication::instance()))
-            QSKIP("this user can start no display");
+            QSKIP("this user cannot start a display");
     }
     void init() { m_directory = std::make_unique<QTemporaryDir>(); }
 
-    // The window, with the file selected, is kept as "reveal.png" beside the test.
-    void folderOfTheFileIsShown()
+    // Saves a picture of the window as "reveal.png" in the build directory of the tests.
+    void showsDirectoryOfFile()
     {
         const QDir folder(m_directory->filePath(QStringLiteral("folder of the file")));
         QVERIFY(folder.mkpath(QStringLiteral(".")));
         QVERIFY(writeFile(folder.filePath(QStringLiteral("report.txt")), "shown"));
         QVERIFY(writeFile(folder.filePath(QStringLiteral("other.txt")), "beside"));
-        const int before = colours(screenshot());
+        const int before = colourCount(screenshot());
         qputenv("XDG_CURRENT_DESKTOP", "XFCE");
         const MessageCapture messages;
         CFileUtils::OpenFolderAndSelectFile(folder.filePath(QStringLiteral("report.txt")));
-        QVERIFY(QTest::qWaitFor([] { return colours(screenshot()) > coloursOfAWindow; }, patience));
-        QVERIFY(before < coloursOfAWindow);
+        QVERIFY(QTest::qWaitFor([] { return colourCount(screenshot()) > coloursOfWindow; }, timeoutMs));
+        QVERIFY(before < coloursOfWindow);
         QCOMPARE(messages.messages().size(), 0);
-        QVERIFY(QTest::qWaitFor([&] { return titles().contains(folder.dirName()); }, patience));
+        QVERIFY(QTest::qWaitFor([&] { return windowTitles().contains(folder.dirName()); }, timeoutMs));
         screenshot().save(QStringLiteral(ZYBASE_ARTEFACTS "/reveal.png"));
     }
 
-    void withoutTheFileManagerQtOpensTheFolder()
+    void opensDirectoryWithQtIfFileManagerIsMissing()
     {
         const RecordedPrograms programs({QStringLiteral("xdg-open")});
         qputenv("XDG_CURRENT_DESKTOP", "GNOME");
@@ -133,19 +134,19 @@ private Q_SLOTS:
         const QString file = m_directory->filePath(QStringLiteral("file.txt"));
         QVERIFY(writeFile(file, "shown"));
         CFileUtils::OpenFolderAndSelectFile(file);
-        QVERIFY(QTest::qWaitFor([&] { return !programs.calls().isEmpty(); }, patience));
+        QVERIFY(QTest::qWaitFor([&] { return !programs.calls().isEmpty(); }, timeoutMs));
         QCOMPARE(messages.messages().size(), 1);
         const QStringList command = programs.calls().first().command;
         QCOMPARE(QUrl(command.value(1)).toLocalFile(), m_directory->path());
     }
 
 private:
-    // The names of all windows.
-    static QString titles()
+    // Returns the titles of all windows.
+    static QString windowTitles()
     {
         QProcess process;
         process.start(QStringLiteral("xwininfo"), {QStringLiteral("-root"), QStringLiteral("-tree")});
-        process.waitForFinished(patience);
+        process.waitForFinished(timeoutMs);
         return QString::fromUtf8(process.readAllStandardOutput());
     }
 };

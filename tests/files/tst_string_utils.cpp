@@ -11,7 +11,7 @@ namespace {
 
 constexpr int pieceLength = 100;
 
-// No two places of it alike within a piece, so that a lost or moved character shows.
+// Returns a string without repeated characters in a piece, so that a lost or moved one is noticed.
 QString sample(int length)
 {
     QString text;
@@ -20,7 +20,7 @@ QString sample(int length)
     return text;
 }
 
-QString cutAndJoined(const QString &text)
+QString joinedPieces(const QString &text)
 {
     QStringList pieces;
     for (int position = 0; position < text.length(); position += pieceLength)
@@ -35,7 +35,7 @@ class TestStringUtils : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void lineFeedStandsAfterEvery100Characters_data()
+    void addsLineFeedAfterEvery100Characters_data()
     {
         QTest::addColumn<int>("length");
         QTest::addColumn<int>("lineFeeds");
@@ -50,46 +50,46 @@ private Q_SLOTS:
         QTest::newRow("10,000") << 10000 << 99;
         QTest::newRow("1,000,001") << 1000001 << 10000;
     }
-    void lineFeedStandsAfterEvery100Characters()
+    void addsLineFeedAfterEvery100Characters()
     {
         QFETCH(int, length);
         QFETCH(int, lineFeeds);
         const QString text = sample(length);
         const QString wrapped = CStringUtils::SplitString(text);
-        QCOMPARE(wrapped, cutAndJoined(text));
+        QCOMPARE(wrapped, joinedPieces(text));
         QCOMPARE(wrapped.length(), length + lineFeeds);
         QCOMPARE(wrapped.count(QLatin1Char('\n')), lineFeeds);
         QVERIFY(!wrapped.endsWith(QLatin1Char('\n')));
     }
 
-    void emptyTextGivesANullOne()
+    void returnsNullStringForEmptyString()
     {
         QVERIFY(CStringUtils::SplitString(QString()).isNull());
         QVERIFY(CStringUtils::SplitString(QStringLiteral("")).isNull());
-        QVERIFY(cutAndJoined(QString()).isNull());
+        QVERIFY(joinedPieces(QString()).isNull());
     }
 
-    void hundredAndOneCharactersAreHundredAndOne()
+    void splits101Characters()
     {
         const QString text = sample(101);
         QCOMPARE(CStringUtils::SplitString(text), text.left(100) + QLatin1Char('\n') + text.right(1));
     }
 
-    void lineFeedsInTheTextCountAsCharacters()
+    void countsLineFeedsAsCharacters()
     {
         const QString text = QStringLiteral("0123456789\n").repeated(20);
-        QCOMPARE(CStringUtils::SplitString(text), cutAndJoined(text));
+        QCOMPARE(CStringUtils::SplitString(text), joinedPieces(text));
         const QString feeds(101, QLatin1Char('\n'));
         QCOMPARE(CStringUtils::SplitString(feeds), QString(102, QLatin1Char('\n')));
     }
 
-    void wordsAreNotRespected()
+    void splitsWords()
     {
         const QString text = QString(98, QLatin1Char('a')) + QStringLiteral(" word");
         QCOMPARE(CStringUtils::SplitString(text), QString(98, QLatin1Char('a')) + QStringLiteral(" w\nord"));
     }
 
-    void surrogatePairCanBeParted()
+    void splitsSurrogatePairs()
     {
         const QString face = QStringLiteral("😀");
         const QString wrapped = CStringUtils::SplitString(QString(99, QLatin1Char('a')) + face);
@@ -99,10 +99,10 @@ private Q_SLOTS:
         QCOMPARE(wrapped.at(101), face.at(1));
     }
 
-    void nulIsACharacterLikeAnother()
+    void countsNulAsCharacter()
     {
         const QString text = QString(250, QChar(0));
-        QCOMPARE(CStringUtils::SplitString(text), cutAndJoined(text));
+        QCOMPARE(CStringUtils::SplitString(text), joinedPieces(text));
     }
 };
 

@@ -12,8 +12,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#define TEXT_OF(text) #text
-#define EXPANDED(macro) TEXT_OF(macro)
+#define STRING_OF(tokens) #tokens
+#define EXPANSION_OF(macro) STRING_OF(macro)
 
 namespace {
 
@@ -40,7 +40,7 @@ QStringList captured(const QString &text, const QString &pattern)
 
 } // namespace
 
-// The library as a loader and a linker see it.
+// Verifies what a loader and a linker use of the library.
 class TestBoundary : public QObject
 {
     Q_OBJECT
@@ -52,15 +52,16 @@ private Q_SLOTS:
             QSKIP("binutils are not installed");
     }
 
-    void exportsTheListedNamesAndNoOthers_data()
+    void exportsOnlyListedSymbols_data()
     {
         QTest::addColumn<QString>("file");
         QTest::addColumn<QString>("list");
         QTest::newRow("libZyBase.so") << library << QStringLiteral(ZYBASE_EXPORTS);
         if (qstrlen(LOG4QT_LIBRARY) > 0)
-            QTest::newRow("libZyLog4Qt.so") << QStringLiteral(LOG4QT_LIBRARY) << QStringLiteral(LOG4QT_EXPORTS);
+            QTest::newRow("libZyLog4Qt.so")
+                << QStringLiteral(LOG4QT_LIBRARY) << QStringLiteral(LOG4QT_EXPORTS);
     }
-    void exportsTheListedNamesAndNoOthers()
+    void exportsOnlyListedSymbols()
     {
         QFETCH(QString, file);
         QFETCH(QString, list);
@@ -74,7 +75,7 @@ private Q_SLOTS:
         QCOMPARE(names, expected);
     }
 
-    void fileAndSonameAreTheSamePlainName()
+    void hasSonameEqualToFileName()
     {
         QCOMPARE(QFileInfo(library).fileName(), QStringLiteral("libZyBase.so"));
         QVERIFY(!QFileInfo(library).isSymLink());
@@ -83,7 +84,7 @@ private Q_SLOTS:
                  QStringList {QStringLiteral("libZyBase.so")});
     }
 
-    void siblingsAreLookedForBesideTheLibrary()
+    void searchesSiblingsInOwnDirectory()
     {
         const QString dynamic = output(QStringLiteral("readelf"), {QStringLiteral("-dW"), library});
         const QStringList paths = captured(dynamic, QStringLiteral(R"(\((?:RUNPATH|RPATH)\).*\[(.*)\])"));
@@ -91,10 +92,10 @@ private Q_SLOTS:
         QCOMPARE(paths.first().split(QLatin1Char(':')).first(), QStringLiteral("$ORIGIN"));
     }
 
-    void nothingButTheUsedIsLinked()
+    void linksOnlyUsedLibraries()
     {
         if (isInstrumented)
-            QSKIP("instrumented libraries link what their instruments need");
+            QSKIP("an instrumented library links additional libraries");
         const QString dynamic = output(QStringLiteral("readelf"), {QStringLiteral("-dW"), library});
         QStringList needed = captured(dynamic, QStringLiteral(R"(\(NEEDED\).*\[(.*)\])"));
         needed = needed.filter(QRegularExpression(
@@ -104,17 +105,17 @@ private Q_SLOTS:
                                       QStringLiteral("libQt5Network.so.5")}));
     }
 
-    void onlyTheVocabularyIsBuiltAtLoadTime()
+    void runsOnlyStringConstructorsAtLoadTime()
     {
         if (isInstrumented)
-            QSKIP("instruments start at load time");
+            QSKIP("an instrumented library runs code at load time");
         const QString dynamic = output(QStringLiteral("readelf"), {QStringLiteral("-dW"), library});
-        // One entry is the compiler's own start file, one is the words for statistics records.
+        // One entry is from the compiler's start file, one creates the strings of statistics records.
         QCOMPARE(captured(dynamic, QStringLiteral(R"(\(INIT_ARRAYSZ\)\s+(\d+))")),
                  QStringList {QString::number(2 * sizeof(void *))});
     }
 
-    void vocabularyOfRecordsIsInTheLibrary()
+    void containsWordsOfStatisticsRecords()
     {
         const QByteArray content = readFile(library);
         for (const char *word :
@@ -122,7 +123,7 @@ private Q_SLOTS:
               "crash", "server_run", "start", "end", "cancel", "fail", "none"}) {
             const QString text = QString::fromLatin1(word) + QChar(0);
             const QByteArray utf16(reinterpret_cast<const char *>(text.utf16()), 2 * text.size());
-            // A word of its own, not the end of a longer one.
+            // The match must not be the end of a longer word.
             int position = content.indexOf(utf16);
             while (position > 0 && content.at(position - 1) == 0 && content.at(position - 2) != 0)
                 position = content.indexOf(utf16, position + 1);
@@ -130,7 +131,7 @@ private Q_SLOTS:
         }
     }
 
-    void callsInsideTheLibraryAreBoundThere()
+    void bindsInternalCallsInsideLibrary()
     {
         const QString relocations =
             output(QStringLiteral("sh"),
@@ -144,28 +145,28 @@ private Q_SLOTS:
         QCOMPARE(slots, QStringList());
     }
 
-    void libraryLoadsIntoAHostThatDoesNotLinkIt()
+    void loadsWithoutBeingLinked()
     {
         if (isInstrumented)
-            QSKIP("the instruments take a second copy of the library for a mistake");
-        // Moved away from where it was built, with its sibling, as hosts ship it.
-        const QTemporaryDir host;
+            QSKIP("instrumentation does not allow a second copy of the library");
+        // Copied with its sibling to another directory, as it is installed with an application.
+        const QTemporaryDir application;
         const QFileInfo original(library);
         const QFileInfoList siblings = original.dir().entryInfoList({QStringLiteral("lib*.so")}, QDir::Files);
         for (const QFileInfo &sibling : siblings)
-            QVERIFY(QFile::copy(sibling.filePath(), host.filePath(sibling.fileName())));
-        QLibrary loaded(host.filePath(original.fileName()));
+            QVERIFY(QFile::copy(sibling.filePath(), application.filePath(sibling.fileName())));
+        QLibrary loaded(application.filePath(original.fileName()));
         QVERIFY2(loaded.load(), qPrintable(loaded.errorString()));
         QVERIFY(loaded.resolve("_ZN6ZyBase12LoggerObject4infoEPKc"));
     }
 
-    void hostsThatHideTheirSymbolsSeeThoseOfTheLibrary()
+    void exportsSymbolsIfApplicationHidesItsOwn()
     {
-        QCOMPARE(EXPANDED(ZYBASE_EXPORT), EXPANDED(Q_DECL_IMPORT));
-        QVERIFY(strstr(EXPANDED(ZYBASE_EXPORT), "default"));
+        QCOMPARE(EXPANSION_OF(ZYBASE_EXPORT), EXPANSION_OF(Q_DECL_IMPORT));
+        QVERIFY(strstr(EXPANSION_OF(ZYBASE_EXPORT), "default"));
     }
 
-    void oneHeaderBringsAllClasses()
+    void includesAllClassesWithOneHeader()
     {
         ZyBase::LoggerObject::debug("off");
         QVERIFY(LoggerObjectPrivate::getInstance() != nullptr);

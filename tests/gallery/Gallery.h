@@ -18,7 +18,7 @@
 
 enum Pages { Log, Request, Download, Archive, QrCode, Machine, Reports };
 
-/** The gallery under the hand of a user. */
+/** A gallery, with what a user does with it. */
 class Gallery
 {
 public:
@@ -32,7 +32,7 @@ public:
     {
         auto *const widget = m_window.findChild<Widget *>(QLatin1String(name));
         if (!widget)
-            qFatal("The gallery has no \"%s\"", name);
+            qFatal("The gallery has no widget \"%s\"", name);
         return widget;
     }
 
@@ -55,7 +55,7 @@ public:
         QTest::keyClick(line, Qt::Key_Delete);
         if (text == QString::fromLatin1(text.toLatin1()) && text == QString::fromUtf8(text.toLatin1()))
             return QTest::keyClicks(line, text);
-        QApplication::clipboard()->setText(text); // there is no key for it
+        QApplication::clipboard()->setText(text); // QTest can only type Latin-1 characters
         QTest::keyClick(line, Qt::Key_V, Qt::ControlModifier);
     }
     void choose(const char *name, const QString &item) const
@@ -70,7 +70,7 @@ public:
     QString document(const char *name) const { return find<QPlainTextEdit>(name)->toPlainText(); }
     bool isEnabled(const char *name) const { return find(name)->isEnabled(); }
 
-    /** The rows of a table, their columns joined by " | ". */
+    /** Returns the rows of a table, with the columns joined by " | ". */
     QStringList rows(const char *name) const
     {
         QStringList result;

@@ -4,20 +4,20 @@
 
 #include <localservices/RawServer.h>
 
-/** Sends three fifths of a file and then hardly anything more. */
+/** Sends three fifths of a file at once, and then one byte from time to time. */
 class HalfServer : public LocalServices::RawServer
 {
 public:
-    static constexpr int total = 25 * 1024 * 1024;
-    static constexpr int sent = total / 5 * 3;
-    static constexpr int pauseMs = 150;
+    static constexpr int totalBytes = 25 * 1024 * 1024;
+    static constexpr int firstBytes = totalBytes / 5 * 3;
+    static constexpr int intervalMs = 150;
 
     HalfServer()
         : RawServer([](LocalServices::Connection &client) {
-            client.write("HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(total) + "\r\n\r\n");
-            client.write(QByteArray(sent, 'x'));
-            // Qt tells of progress when data comes, and not of all.
-            while (client.sleep(pauseMs) && client.write("x")) {}
+            client.write("HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(totalBytes) + "\r\n\r\n");
+            client.write(QByteArray(firstBytes, 'x'));
+            // Qt reports progress only when data arrives, and skips some of it.
+            while (client.sleep(intervalMs) && client.write("x")) {}
         })
     {
     }

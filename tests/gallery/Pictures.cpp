@@ -6,9 +6,9 @@
 
 namespace {
 
-// Of 255, over all pixels and colours. Another release of the font's renderer stays well below; a control
-// that moved or went does not.
-constexpr double mostMeanDifference = 2.0;
+// Mean over all pixels and colours, of 255. Another version of the font renderer differs less; a control that
+// was moved or removed differs more.
+constexpr double maxMeanDifference = 2.0;
 
 QString pathOf(const QString &directory, const QString &name)
 {
@@ -33,7 +33,7 @@ double meanDifference(const QImage &one, const QImage &other)
 
 } // namespace
 
-bool Pictures::keep(const QImage &picture, const QString &name)
+bool Pictures::save(const QImage &picture, const QString &name)
 {
     const QString directory = QStringLiteral(ZYBASE_PICTURES);
     return QDir().mkpath(directory) && picture.save(pathOf(directory, name));
@@ -47,7 +47,7 @@ QString Pictures::difference(const QImage &picture, const QString &name)
     if (picture.size() != shown.size())
         return path + QStringLiteral(" has another size") + remedy;
     const double mean = meanDifference(picture, shown);
-    if (mean > mostMeanDifference)
-        return path + QStringLiteral(" differs by %1 on the mean").arg(mean) + remedy;
+    if (mean > maxMeanDifference)
+        return path + QStringLiteral(" differs by %1 on average").arg(mean) + remedy;
     return QString();
 }

@@ -5,15 +5,15 @@
 #include <QImage>
 #include <QString>
 
-/** Pictures of the gallery in the build folder, and those of them that docs/pictures shows. */
+/** Saves pictures of the gallery in the build directory and compares them with docs/pictures. */
 namespace Pictures {
 
-/** Keeps it as NAME.png. @return false where the build folder is another user's */
-bool keep(const QImage &picture, const QString &name);
+/** Saves the picture as NAME.png. @return false if the directory is not writable */
+bool save(const QImage &picture, const QString &name);
 
 /**
- * What tells the picture from docs/pictures/NAME.png, small differences in the drawing of letters aside;
- * empty when nothing does.
+ * Returns how the picture differs from docs/pictures/NAME.png, or an empty string. Small differences in the
+ * drawing of characters are ignored.
  */
 QString difference(const QImage &picture, const QString &name);
 

@@ -1,29 +1,29 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 
+#include "GalleryFixture.h"
 #include "HalfServer.h"
 #include "Pictures.h"
-#include "Stage.h"
 
 #include <QDir>
 #include <QProgressBar>
 
 namespace {
 
-constexpr int patience = Stage::patience;
+constexpr int timeoutMs = GalleryFixture::timeoutMs;
 const QSize windowSize(1040, 720);
 
 } // namespace
 
-// Each page in both looks, in the middle of its work, as a picture in the build folder.
+// Saves a picture of each page in both themes, with a service at work, in the build directory.
 class TestGalleryPictures : public QObject
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<Stage> m_stage;
+    std::unique_ptr<GalleryFixture> m_fixture;
     QMap<QString, QImage> m_pictures;
 
-    Gallery &gallery() { return m_stage->gallery(); }
+    Gallery &gallery() { return m_fixture->gallery(); }
 
     void writeLog()
     {
@@ -33,23 +33,24 @@ private:
         gallery().click("logWarning");
         gallery().type("logMessage", QStringLiteral("page 3 can't be printed"));
         gallery().click("logError");
-        QTRY_VERIFY_WITH_TIMEOUT(gallery().document("logFile").contains(QStringLiteral(" ERROR ")), patience);
+        QTRY_VERIFY_WITH_TIMEOUT(gallery().document("logFile").contains(QStringLiteral(" ERROR ")),
+                                 timeoutMs);
     }
     void request()
     {
         gallery().type("requestUrl", QStringLiteral("http://service.example.org/orders/4711"));
         gallery().click("requestSend");
-        QTRY_COMPARE_WITH_TIMEOUT(gallery().text("requestOutcome"), QStringLiteral("Answered"), patience);
+        QTRY_COMPARE_WITH_TIMEOUT(gallery().text("requestOutcome"), QStringLiteral("Answered"), timeoutMs);
     }
     void download()
     {
         startDownload(QStringLiteral("http://downloads.example.org/bytes/3000000/manual.pdf"));
-        QTRY_VERIFY_WITH_TIMEOUT(gallery().isEnabled("downloadStart"), patience);
+        QTRY_VERIFY_WITH_TIMEOUT(gallery().isEnabled("downloadStart"), timeoutMs);
         startDownload(QStringLiteral("http://files.example.org/holiday.zip"));
         gallery().click("downloadStop");
         startDownload(QStringLiteral("http://files.example.org/holiday.zip"));
         auto *const bar = gallery().find<QProgressBar>("downloadBar");
-        QTRY_COMPARE_WITH_TIMEOUT(bar->value(), bar->maximum() * 3 / 5, patience);
+        QTRY_COMPARE_WITH_TIMEOUT(bar->value(), bar->maximum() * 3 / 5, timeoutMs);
     }
     void startDownload(const QString &url)
     {
@@ -59,16 +60,16 @@ private:
     void extract()
     {
         gallery().click("archiveExtract");
-        QTRY_VERIFY_WITH_TIMEOUT(gallery().isEnabled("archiveExtract"), patience);
-        QVERIFY(QFile::remove(m_stage->filePath(QStringLiteral("extracted/figures/sales.csv"))));
+        QTRY_VERIFY_WITH_TIMEOUT(gallery().isEnabled("archiveExtract"), timeoutMs);
+        QVERIFY(QFile::remove(m_fixture->filePath(QStringLiteral("extracted/figures/sales.csv"))));
         gallery().click("archiveExtract");
-        QTRY_VERIFY_WITH_TIMEOUT(gallery().isEnabled("archiveExtract"), patience);
+        QTRY_VERIFY_WITH_TIMEOUT(gallery().isEnabled("archiveExtract"), timeoutMs);
     }
-    void ask()
+    void requestFacts()
     {
-        for (const char *question : {"identify", "locate", "askForPdf"}) {
-            gallery().click(question);
-            QTRY_VERIFY_WITH_TIMEOUT(gallery().isEnabled(question), patience);
+        for (const char *button : {"identify", "locate", "checkPdf"}) {
+            gallery().click(button);
+            QTRY_VERIFY_WITH_TIMEOUT(gallery().isEnabled(button), timeoutMs);
         }
     }
     void report()
@@ -79,8 +80,8 @@ private:
         gallery().choose("reportStatus", QStringLiteral("end"));
         gallery().click("reportSendRecord");
     }
-    // Of the pages that docs/pictures shows.
-    void hideWhatVaries()
+    // On the pages in docs/pictures.
+    void replaceVaryingTexts()
     {
         gallery().find<QLabel>("downloadSpeed")->setText(QStringLiteral("4.2 MB/s"));
         gallery()
@@ -91,9 +92,9 @@ private:
     {
         using Fill = void (TestGalleryPictures::*)();
         const QMap<int, Fill> pages {
-            {Log, &TestGalleryPictures::writeLog},      {Request, &TestGalleryPictures::request},
-            {Download, &TestGalleryPictures::download}, {Archive, &TestGalleryPictures::extract},
-            {Machine, &TestGalleryPictures::ask},       {Reports, &TestGalleryPictures::report}};
+            {Log, &TestGalleryPictures::writeLog},         {Request, &TestGalleryPictures::request},
+            {Download, &TestGalleryPictures::download},    {Archive, &TestGalleryPictures::extract},
+            {Machine, &TestGalleryPictures::requestFacts}, {Reports, &TestGalleryPictures::report}};
         for (auto page = pages.begin(); page != pages.end(); ++page) {
             gallery().open(page.key());
             (this->*page.value())();
@@ -105,50 +106,50 @@ private:
 private Q_SLOTS:
     void initTestCase()
     {
-        if (const char *obstacle = Stage::obstacle())
-            QSKIP(obstacle);
-        m_stage = std::make_unique<Stage>();
+        if (const char *skipReason = GalleryFixture::skipReason())
+            QSKIP(skipReason);
+        m_fixture = std::make_unique<GalleryFixture>();
     }
     void cleanupTestCase()
     {
-        if (m_stage)
-            m_stage->close();
-        Stage::lastMoment();
+        if (m_fixture)
+            m_fixture->close();
+        GalleryFixture::waitForDeletionOfRequests();
     }
 
-    void pages_data()
+    void drawsPages_data()
     {
         QTest::addColumn<QString>("look");
         QTest::newRow("light") << QStringLiteral("light");
         QTest::newRow("dark") << QStringLiteral("dark");
     }
-    void pages()
+    void drawsPages()
     {
         QFETCH(QString, look);
         const HalfServer files;
-        m_stage->world().route("files.example.org", files.url());
-        m_stage->open("Adwaita-" + look.toLatin1());
+        m_fixture->world().route("files.example.org", files.url());
+        m_fixture->open("Adwaita-" + look.toLatin1());
         gallery().window().setFixedSize(windowSize);
         fillPages();
         const char *const names[] = {"log", "request", "download", "archive", "qrcode", "machine", "reports"};
         for (int page = Log; page <= Reports; ++page) {
             gallery().open(page);
-            hideWhatVaries();
+            replaceVaryingTexts();
             const QString name = QStringLiteral("%1-%2").arg(QLatin1String(names[page]), look);
             m_pictures.insert(name, gallery().picture());
             QCOMPARE(m_pictures.value(name).size(), windowSize);
-            Pictures::keep(m_pictures.value(name), name);
+            Pictures::save(m_pictures.value(name), name);
         }
-        m_stage->close();
+        m_fixture->close();
     }
 
-    void committedPicturesAreOfToday_data()
+    void matchesCommittedPictures_data()
     {
         QTest::addColumn<QString>("page");
         QTest::newRow("gallery-light") << QStringLiteral("download-light");
         QTest::newRow("gallery-dark") << QStringLiteral("qrcode-dark");
     }
-    void committedPicturesAreOfToday()
+    void matchesCommittedPictures()
     {
         if (qgetenv("ZYBASE_COMPARE_PICTURES") != "1")
             QSKIP("ZYBASE_COMPARE_PICTURES is not 1");
@@ -160,7 +161,7 @@ private Q_SLOTS:
 
 int main(int argc, char **argv)
 {
-    return Stage::run<TestGalleryPictures>(argc, argv);
+    return GalleryFixture::run<TestGalleryPictures>(argc, argv);
 }
 
 #include "tst_gallery_pictures.moc"

@@ -1,20 +1,20 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 
+#include "GalleryFixture.h"
 #include "Resolver.h"
-#include "Stage.h"
 
 #include <QElapsedTimer>
 #include <QThreadPool>
 
 namespace {
 
-constexpr int patience = Stage::patience;
+constexpr int timeoutMs = GalleryFixture::timeoutMs;
 
-// A call that waits where the window's events are handled keeps them for seconds, up to ten.
+// A blocking call in the thread of the window would delay its events for up to ten seconds.
 constexpr int longestGapMs = ZYBASE_SANITIZED ? 4000 : 2000;
-constexpr int enoughTicks = 300;
+constexpr int expectedTicks = 300;
 
-/** Measures how long the events of this thread have to wait while it lives. */
+/** Measures the longest delay of a timer event in this thread. */
 class Ticker : public QObject
 {
 public:
@@ -41,36 +41,36 @@ private:
 
 } // namespace
 
-// While all that can hang does.
+// Every service that can block does so.
 class TestGalleryWaiting : public QObject
 {
     Q_OBJECT
 
 private:
-    std::unique_ptr<Stage> m_stage;
+    std::unique_ptr<GalleryFixture> m_fixture;
 
 private Q_SLOTS:
     void initTestCase()
     {
-        if (const char *obstacle = Stage::obstacle())
-            QSKIP(obstacle);
-        m_stage = std::make_unique<Stage>();
-        m_stage->open();
+        if (const char *skipReason = GalleryFixture::skipReason())
+            QSKIP(skipReason);
+        m_fixture = std::make_unique<GalleryFixture>();
+        m_fixture->open();
     }
     void cleanupTestCase()
     {
-        if (!m_stage)
+        if (!m_fixture)
             return;
-        m_stage->close();
-        QThreadPool::globalInstance()->waitForDone(patience);
-        Stage::lastMoment();
+        m_fixture->close();
+        QThreadPool::globalInstance()->waitForDone(timeoutMs);
+        GalleryFixture::waitForDeletionOfRequests();
     }
 
-    void windowStaysResponsive()
+    void keepsWindowResponsive()
     {
-        m_stage->holdTheme();
-        Gallery &gallery = m_stage->reopen(m_stage->services());
-        m_stage->world().setSilent(true);
+        m_fixture->holdTheme();
+        Gallery &gallery = m_fixture->reopen(m_fixture->services());
+        m_fixture->world().setSilent(true);
         Resolver::hold();
 
         const Ticker ticker;
@@ -83,31 +83,33 @@ private Q_SLOTS:
         gallery.open(Download);
         gallery.type("downloadUrl", QStringLiteral("http://downloads.example.org/never/file.bin"));
         gallery.click("downloadStart");
-        QTRY_VERIFY_WITH_TIMEOUT(ticker.ticks() > enoughTicks, patience);
+        QTRY_VERIFY_WITH_TIMEOUT(ticker.ticks() > expectedTicks, timeoutMs);
 
-        QCOMPARE(gallery.text("verdict"), QStringLiteral("Asking the desktop …"));
-        QCOMPARE(gallery.text("location"), QStringLiteral("Asking …"));
-        QCOMPARE(gallery.text("network"), QStringLiteral("Asking …"));
+        QCOMPARE(gallery.text("desktopTheme"), QStringLiteral("Reading the desktop …"));
+        QCOMPARE(gallery.text("location"), QStringLiteral("Checking …"));
+        QCOMPARE(gallery.text("network"), QStringLiteral("Checking …"));
         QCOMPARE(gallery.text("requestOutcome"), QStringLiteral("Waiting"));
         QCOMPARE(gallery.text("downloadState"), QStringLiteral("Running"));
-        QTRY_COMPARE_WITH_TIMEOUT(gallery.text("requestOutcome"), QStringLiteral("Timeout"), patience);
+        QTRY_COMPARE_WITH_TIMEOUT(gallery.text("requestOutcome"), QStringLiteral("Timeout"), timeoutMs);
         QVERIFY2(ticker.longestGap() < longestGapMs, qPrintable(QString::number(ticker.longestGap())));
 
-        // What waited goes on as soon as it can.
+        // All calls continue when their services answer.
         gallery.click("downloadStop");
-        m_stage->releaseTheme();
-        m_stage->world().setSilent(false);
+        m_fixture->releaseTheme();
+        m_fixture->world().setSilent(false);
         Resolver::release();
-        QTRY_COMPARE_WITH_TIMEOUT(gallery.text("verdict"), QStringLiteral("The desktop is light"), patience);
-        QTRY_COMPARE_WITH_TIMEOUT(gallery.text("location"), QStringLiteral("No service answers"), patience);
-        QTRY_COMPARE_WITH_TIMEOUT(gallery.text("network"), QStringLiteral("Names are resolved"), patience);
+        QTRY_COMPARE_WITH_TIMEOUT(gallery.text("desktopTheme"), QStringLiteral("The desktop is light"),
+                                  timeoutMs);
+        QTRY_COMPARE_WITH_TIMEOUT(gallery.text("location"), QStringLiteral("No service answered"), timeoutMs);
+        QTRY_COMPARE_WITH_TIMEOUT(gallery.text("network"), QStringLiteral("Names can be resolved"),
+                                  timeoutMs);
         QVERIFY(gallery.text("downloadState").startsWith(QStringLiteral("Stopped")));
     }
 };
 
 int main(int argc, char **argv)
 {
-    return Stage::run<TestGalleryWaiting>(argc, argv);
+    return GalleryFixture::run<TestGalleryWaiting>(argc, argv);
 }
 
 #include "tst_gallery_waiting.moc"

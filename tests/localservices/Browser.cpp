@@ -2,7 +2,10 @@
 
 #include "Browser.h"
 
+#include "Files.h"
 #include "Requests.h"
+
+#include <localservices/HttpStatus.h>
 
 #include <QDir>
 #include <QJsonDocument>
@@ -10,17 +13,20 @@
 #include <QStandardPaths>
 #include <QTest>
 
+#include <csignal>
+#include <sys/prctl.h>
 #include <unistd.h>
+
+namespace HttpStatus = LocalServices::HttpStatus;
 
 namespace {
 
-constexpr int patienceMs = 120000;
-constexpr int ok = 200;
+constexpr int timeoutMs = 120000;
 
 const QString browserName = QStringLiteral("chromium");
 const QString driverName = QStringLiteral("chromedriver");
 
-// How the protocol calls an element's reference.
+// The key of an element's reference in the protocol.
 const QString elementKey = QStringLiteral("element-6066-11e4-a52e-4f735466cecf");
 
 QStringList flags(const QString &home)
@@ -37,7 +43,7 @@ QStringList flags(const QString &home)
                       QStringLiteral("--hide-scrollbars"),
                       QStringLiteral("--user-data-dir=") + home};
     if (::geteuid() == 0)
-        list << QStringLiteral("--no-sandbox"); // root has none
+        list << QStringLiteral("--no-sandbox"); // the sandbox does not work as root
     return list;
 }
 
@@ -46,13 +52,28 @@ QProcessEnvironment environment(const QString &home)
     QProcessEnvironment result = QProcessEnvironment::systemEnvironment();
     for (const char *name : {"HOME", "TMPDIR", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_RUNTIME_DIR"})
         result.insert(QLatin1String(name), home);
-    // A browser's own processes are none of the sanitizers' business.
+    // The sanitizers must not check the browser.
     for (const char *name : {"ASAN_OPTIONS", "LSAN_OPTIONS", "TSAN_OPTIONS", "UBSAN_OPTIONS", "LD_PRELOAD"})
         result.remove(QLatin1String(name));
     return result;
 }
 
+// Returns the path of a script that starts Chromium so that it ends with chromedriver.
+QString createLauncher(const QString &home)
+{
+    const QString path = home + QStringLiteral("/launcher");
+    writeFile(path, "#!/bin/sh\nexec setpriv --pdeathsig KILL "
+                        + QFile::encodeName(QStandardPaths::findExecutable(browserName)) + " \"$@\"\n");
+    QFile::setPermissions(path, QFile::ReadOwner | QFile::ExeOwner);
+    return path;
+}
+
 } // namespace
+
+void EndingProcess::setupChildProcess()
+{
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+}
 
 bool Browser::isAvailable()
 {
@@ -67,9 +88,9 @@ Browser::~Browser()
     if (!m_session.isEmpty())
         send("DELETE", QString());
     m_driver.terminate();
-    if (!m_driver.waitForFinished(patienceMs))
+    if (!m_driver.waitForFinished(timeoutMs))
         m_driver.kill();
-    m_driver.waitForFinished(patienceMs);
+    m_driver.waitForFinished(timeoutMs);
 }
 
 bool Browser::start()
@@ -84,13 +105,13 @@ bool Browser::start()
             output += QString::fromUtf8(m_driver.readAll());
             return started.match(output).hasMatch();
         },
-        patienceMs);
+        timeoutMs);
     if (!isRunning) {
         m_error = output;
         return false;
     }
     m_address = QUrl(QStringLiteral("http://127.0.0.1:%1/session").arg(started.match(output).captured(1)));
-    const QJsonObject options {{QStringLiteral("binary"), QStandardPaths::findExecutable(browserName)},
+    const QJsonObject options {{QStringLiteral("binary"), createLauncher(m_home.path())},
                                {QStringLiteral("args"), QJsonArray::fromStringList(flags(m_home.path()))}};
     const QJsonObject wanted {{QStringLiteral("goog:chromeOptions"), options},
                               {QStringLiteral("goog:loggingPrefs"),
@@ -109,7 +130,7 @@ QJsonValue Browser::send(const QByteArray &method, const QString &path, const QJ
     const Answer answer =
         request(method, QUrl(m_address.toString() + session + path),
                 method == "POST" ? QJsonDocument(body).toJson(QJsonDocument::Compact) : QByteArray());
-    if (answer.status != ok)
+    if (answer.status != HttpStatus::Ok)
         m_error = QString::fromUtf8(answer.body);
     return QJsonDocument::fromJson(answer.body).object().value(QStringLiteral("value"));
 }
@@ -130,9 +151,9 @@ QJsonValue Browser::run(const QString &script, const QJsonArray &arguments)
 bool Browser::waitFor(const QString &script, const QJsonValue &value)
 {
     QJsonValue last;
-    const bool isThere = QTest::qWaitFor([&] { return (last = run(script)) == value; }, patienceMs);
+    const bool isThere = QTest::qWaitFor([&] { return (last = run(script)) == value; }, timeoutMs);
     if (!isThere)
-        qWarning().noquote() << script << "gives" << last;
+        qWarning().noquote() << script << "returns" << last;
     return isThere;
 }
 

@@ -8,32 +8,40 @@
 #include <QTemporaryDir>
 #include <QUrl>
 
+/** A process that the kernel kills when the thread that started it ends. */
+class EndingProcess : public QProcess
+{
+protected:
+    void setupChildProcess() override;
+};
+
 /**
- * A Chromium without a window, in a home of its own, driven through chromedriver by the WebDriver protocol
- * on loopback.
+ * A Chromium without a window, controlled through chromedriver by the WebDriver protocol. It has a temporary
+ * home directory. Both programs end with the test process, even if it is killed.
  */
 class Browser
 {
 public:
-    /** False where Chromium or its driver isn't installed. */
+    /** Returns false if Chromium or chromedriver is not installed. */
     static bool isAvailable();
 
     Browser();
     ~Browser();
 
-    /** False where it can't run, with the reason in error(). */
+    /** Starts the browser. Returns false after a failure; error() is the reason. */
     bool start();
     QString error() const { return m_error; }
 
+    /** Opens a page. Returns false after a failure. */
     bool open(const QUrl &url);
 
-    /** What the script, the body of a function, returns in the page. */
+    /** Runs a script, the body of a function, in the page. Returns its result. */
     QJsonValue run(const QString &script, const QJsonArray &arguments = {});
 
-    /** Runs the script again and again until it returns @p value. */
+    /** Runs the script repeatedly until it returns @p value. Returns false after a timeout. */
     bool waitFor(const QString &script, const QJsonValue &value = true);
 
-    /** Clicks and types as a user does. */
+    /** Click an element and type into it, as a user does. */
     bool click(const QString &selector);
     bool type(const QString &selector, const QString &text);
 
@@ -41,7 +49,7 @@ public:
     void setSize(int width, int height);
     QByteArray screenshot();
 
-    /** What the page wrote to the console as errors, the policy's refusals too. */
+    /** Returns the errors in the console, including violations of the content security policy. */
     QStringList errors();
 
 private:
@@ -52,7 +60,7 @@ private:
     void emulate(const QString &command, const QJsonObject &parameters);
 
     QTemporaryDir m_home;
-    QProcess m_driver;
+    EndingProcess m_driver;
     QUrl m_address;
     QString m_session;
     QString m_error;

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr int patienceMs = 60000;
+constexpr int timeoutMs = 60000;
 const QByteArray endOfHead = QByteArrayLiteral("\r\n\r\n");
 
 } // namespace
@@ -26,7 +26,7 @@ Answer request(const QByteArray &method, const QUrl &url, const QByteArray &body
     QNetworkReply *const reply = manager.sendCustomRequest(request, method, body);
     QEventLoop loop;
     QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
-    QTimer::singleShot(patienceMs, reply, &QNetworkReply::abort);
+    QTimer::singleShot(timeoutMs, reply, &QNetworkReply::abort);
     loop.exec();
     Answer answer;
     answer.status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
@@ -43,7 +43,7 @@ Answer rawRequest(const QUrl &url, const QByteArray &lines)
     socket.setProxy(QNetworkProxy::NoProxy);
     socket.connectToHost(url.host(), quint16(url.port()));
     socket.write(lines + "\r\n");
-    while (socket.state() != QAbstractSocket::UnconnectedState && socket.waitForReadyRead(patienceMs)) {}
+    while (socket.state() != QAbstractSocket::UnconnectedState && socket.waitForReadyRead(timeoutMs)) {}
     const QByteArray bytes = socket.readAll();
     const int head = bytes.indexOf(endOfHead);
     return {bytes.split(' ').value(1).toInt(), {}, bytes.mid(head + endOfHead.size())};
@@ -72,12 +72,12 @@ FeedReader::FeedReader(const QUrl &feed, const QByteArray &lastEventId)
                    + " HTTP/1.1\r\nHost: " + feed.authority().toLatin1()
                    + (lastEventId.isEmpty() ? QByteArray() : "\r\nLast-Event-ID: " + lastEventId)
                    + "\r\n\r\n");
-    m_socket.waitForBytesWritten(patienceMs);
+    m_socket.waitForBytesWritten(timeoutMs);
 }
 
 bool FeedReader::readMore()
 {
-    if (!m_socket.bytesAvailable() && !m_socket.waitForReadyRead(patienceMs))
+    if (!m_socket.bytesAvailable() && !m_socket.waitForReadyRead(timeoutMs))
         return false;
     m_bytes += m_socket.readAll();
     return true;

@@ -9,26 +9,26 @@
 #include <QTcpSocket>
 #include <QUrl>
 
-/** What a server answers. */
+/** The response of a server. */
 struct Answer
 {
-    int status = 0; ///< 0 for none
-    QMap<QByteArray, QByteArray> headers; ///< by names in small letters
+    int status = 0; ///< 0 if there is no response
+    QMap<QByteArray, QByteArray> headers; ///< the names are in lower case
     QByteArray body;
 };
 
-/** One request of this test's own, past the library; @p method such as "GET". */
+/** Sends one request without the library and waits for the response. */
 Answer request(const QByteArray &method, const QUrl &url, const QByteArray &body = QByteArray(),
                const QNetworkProxy &proxy = QNetworkProxy::NoProxy);
 
-/** One request whose lines are all given, but for the last empty one. */
+/** Sends these lines followed by an empty one, and waits for the response. */
 Answer rawRequest(const QUrl &url, const QByteArray &lines);
 
-/** What a statistics backend takes for a record that was signed under the secret just now. */
+/** Sends a record that is signed with the secret and the current time to a statistics backend. */
 Answer sendRecord(const QUrl &statistics, const QByteArray &secret,
                   const QByteArray &action = QByteArrayLiteral("install"));
 
-/** Reads a feed of server-sent events like a browser, without its connecting again. */
+/** Reads server-sent events as a browser does, but does not reconnect. */
 class FeedReader
 {
 public:
@@ -39,19 +39,19 @@ public:
         QByteArray data;
     };
 
-    /** An empty @p lastEventId sends no such header. */
+    /** Connects. The header "Last-Event-ID" is sent if @p lastEventId is not empty. */
     explicit FeedReader(const QUrl &feed, const QByteArray &lastEventId = QByteArray());
 
-    /** Waits for the next event that has data; empty where none comes. */
+    /** Waits for the next event that has data. Returns an empty event after a timeout. */
     Event next();
 
-    /** The answer's first line and headers, once they have come. */
+    /** Waits for the status line and headers and returns them. */
     QByteArray head();
 
     /** Waits until the server ends the feed. */
     bool waitForEnd();
 
-    /** All bytes of the body so far, its chunks joined. */
+    /** Returns the body received so far, without the framing of its chunks. */
     QByteArray body() const;
 
 private:
@@ -61,5 +61,5 @@ private:
 
     QTcpSocket m_socket;
     QByteArray m_bytes;
-    int m_position = 0; ///< in the body, behind the last event
+    int m_position = 0; ///< in the body, after the last event
 };

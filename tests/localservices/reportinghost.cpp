@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 
-// A host that sends one event and one record to the local services and ends when both have arrived.
+// An application that sends one event and one record to the local services and waits until both arrive.
 //
 //     reportinghost LABEL [EXIT-CODE]
 
@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr int patienceMs = 60000;
+constexpr int timeoutMs = 60000;
 constexpr int pauseMs = 50;
 
 int arrivals()
@@ -52,7 +52,7 @@ int main(int argc, char **argv)
     const int before = arrivals();
     manager->SendGaReport(QStringLiteral("open"), arguments.value(1), true);
     manager->SendXdReport(QStringLiteral("install"), QStringLiteral("end"));
-    for (const QDeadlineTimer deadline(patienceMs); arrivals() < before + 2 && !deadline.hasExpired();)
+    for (const QDeadlineTimer deadline(timeoutMs); arrivals() < before + 2 && !deadline.hasExpired();)
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, pauseMs);
     ZyBase::CGaReportManager::ReleaseReport();
     return arguments.value(2).toInt();

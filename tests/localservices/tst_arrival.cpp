@@ -42,7 +42,7 @@ class TestArrival : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void eventIsToldByNameCategoryAndLabel()
+    void describesEventByNameCategoryAndLabel()
     {
         const Arrival arrival = Arrival::of(eventWith({}));
         QCOMPARE(arrival.kind, QStringLiteral("event"));
@@ -54,7 +54,7 @@ private Q_SLOTS:
         QCOMPARE(arrival.request.body, QByteArray("{}"));
     }
 
-    void eventsOfOneRequestAreToldTogether()
+    void joinsEventsOfOneRequest()
     {
         GaCollector::Event two = eventWith({});
         two.body =
@@ -63,7 +63,7 @@ private Q_SLOTS:
         QCOMPARE(Arrival::of(two).detail, QStringLiteral("x"));
     }
 
-    void recordIsToldByActionAndStatus()
+    void describesRecordByActionAndStatus()
     {
         const Arrival arrival = Arrival::of(recordWith({}));
         QCOMPARE(arrival.kind, QStringLiteral("record"));
@@ -73,7 +73,7 @@ private Q_SLOTS:
         QVERIFY(arrival.isGood());
     }
 
-    void timeIsNowInUtc()
+    void setsTimeInUtc()
     {
         const QDateTime before = QDateTime::currentDateTimeUtc();
         const Arrival arrival = Arrival::of(eventWith({}));
@@ -82,7 +82,7 @@ private Q_SLOTS:
         QVERIFY(time >= before && time <= QDateTime::currentDateTimeUtc());
     }
 
-    void signatureIsToldWithTheFirstReason_data()
+    void reportsMostImportantSignatureProblem_data()
     {
         QTest::addColumn<QStringList>("problems");
         QTest::addColumn<QString>("signature");
@@ -99,7 +99,7 @@ private Q_SLOTS:
         QTest::newRow("query") << QStringList {query, timestamp, sign}
                                << QStringLiteral("bad: the query doesn't end in sign and timestamp");
     }
-    void signatureIsToldWithTheFirstReason()
+    void reportsMostImportantSignatureProblem()
     {
         QFETCH(QStringList, problems);
         const Arrival arrival = Arrival::of(recordWith(problems));
@@ -108,7 +108,7 @@ private Q_SLOTS:
         QCOMPARE(arrival.problems.isEmpty(), arrival.signature != QLatin1String("good"));
     }
 
-    void eachProblemIsToldInASentence_data()
+    void describesEachProblemInOneSentence_data()
     {
         QTest::addColumn<bool>("isEvent");
         for (const char *problem :
@@ -118,7 +118,7 @@ private Q_SLOTS:
         for (const char *problem : {"method", "Content-Type", "keys", "day"})
             QTest::addRow("record, %s", problem) << false;
     }
-    void eachProblemIsToldInASentence()
+    void describesEachProblemInOneSentence()
     {
         QFETCH(bool, isEvent);
         const QString problem = QString::fromLatin1(QTest::currentDataTag()).section(QStringLiteral(", "), 1);
@@ -129,20 +129,20 @@ private Q_SLOTS:
         QVERIFY(!arrival.isGood());
     }
 
-    void problemWithoutASentenceIsToldAsItIs()
+    void keepsUnknownProblem()
     {
         const Arrival arrival = Arrival::of(recordWith({QStringLiteral("news")}));
         QCOMPARE(arrival.problems, QStringList {QStringLiteral("news")});
         QVERIFY(!arrival.isGood());
     }
 
-    void problemOfSeveralEventsIsToldOnce()
+    void reportsRepeatedProblemOnce()
     {
         const QString name = QStringLiteral("name");
         QCOMPARE(Arrival::of(eventWith({name, name})).problems.size(), 1);
     }
 
-    void jsonHasAllOfIt()
+    void writesAllFieldsToJson()
     {
         Arrival arrival = Arrival::of(eventWith({QStringLiteral("news")}));
         arrival.id = 7;

@@ -18,7 +18,7 @@ using namespace std::chrono_literals;
 namespace {
 
 // A wait that should end for another reason runs into the time limit of the whole test otherwise.
-constexpr auto patience = 1h;
+constexpr auto timeout = 1h;
 
 Arrival record(const QString &name)
 {
@@ -70,32 +70,32 @@ private Q_SLOTS:
         m_store.reset();
     }
 
-    void whatIsThereIsGivenAtOnce()
+    void returnsStoredArrivalsAtOnce()
     {
         m_feed->add(record(QStringLiteral("a")));
         m_feed->add(record(QStringLiteral("b")));
-        QCOMPARE(m_feed->waitAfter(0, patience).size(), 2);
-        QCOMPARE(m_feed->waitAfter(1, patience).value(0).name, QStringLiteral("b"));
+        QCOMPARE(m_feed->waitAfter(0, timeout).size(), 2);
+        QCOMPARE(m_feed->waitAfter(1, timeout).value(0).name, QStringLiteral("b"));
         QCOMPARE(m_feed->lastId(), 2);
     }
 
-    void waitEndsWithAnArrival()
+    void returnsWhenArrivalComes()
     {
         std::atomic<int> size {-1};
-        std::thread reader([&] { size = m_feed->waitAfter(0, patience).size(); });
+        std::thread reader([&] { size = m_feed->waitAfter(0, timeout).size(); });
         m_feed->add(record(QStringLiteral("a")));
         reader.join();
         QCOMPARE(size.load(), 1);
     }
 
     // Now and then the arrival comes between a reader's look and its wait.
-    void noArrivalIsMissedWhileAReaderGoesToWait()
+    void returnsArrivalThatComesBeforeWait()
     {
         constexpr qint64 rounds = 300;
         std::atomic<qint64> seen {0};
         std::thread reader([&] {
             while (seen < rounds)
-                seen = m_feed->waitAfter(seen, patience).last().id;
+                seen = m_feed->waitAfter(seen, timeout).last().id;
         });
         for (qint64 i = 1; i <= rounds; ++i) {
             m_feed->add(record(QStringLiteral("a")));
@@ -106,17 +106,17 @@ private Q_SLOTS:
         QCOMPARE(m_feed->lastId(), rounds);
     }
 
-    void waitEndsWithItsTime() { QCOMPARE(m_feed->waitAfter(0, 10ms).size(), 0); }
+    void returnsNothingAfterTimeout() { QCOMPARE(m_feed->waitAfter(0, 10ms).size(), 0); }
 
-    void waitEndsWithTheFeed()
+    void returnsWhenFeedStops()
     {
-        std::thread reader([&] { m_feed->waitAfter(0, patience); });
+        std::thread reader([&] { m_feed->waitAfter(0, timeout); });
         m_feed->stop();
         reader.join();
         QVERIFY(m_feed->isStopped());
     }
 
-    void countsTellKindsAndGoodOnes()
+    void countsKindsAndGoodArrivals()
     {
         m_feed->add(badEvent());
         m_feed->add(record(QStringLiteral("a")));
@@ -132,7 +132,7 @@ private Q_SLOTS:
         QCOMPARE(counts.goodRecords, 2);
     }
 
-    void serverSentEventIsThreeLines()
+    void writesServerSentEventInThreeLines()
     {
         Arrival arrival = record(QStringLiteral("two\nlines\r"));
         arrival.id = 7;
@@ -144,7 +144,7 @@ private Q_SLOTS:
                             "\"target\":\"/\",\"time\":\"2026-11-20T17:05:09.123Z\"}\n\n"));
     }
 
-    void feedSendsWhatArrives()
+    void sendsArrivals()
     {
         serve();
         m_feed->add(record(QStringLiteral("before")));
@@ -160,7 +160,7 @@ private Q_SLOTS:
         QVERIFY(reader.body().startsWith("retry: 1000\n\nid: 1\nevent: record\ndata: {"));
     }
 
-    void readerThatComesBackGetsWhatItMissed_data()
+    void sendsMissedArrivalsAfterReconnect_data()
     {
         QTest::addColumn<QByteArray>("header");
         QTest::addColumn<QString>("query");
@@ -168,7 +168,7 @@ private Q_SLOTS:
         QTest::newRow("query") << QByteArray() << QStringLiteral("?after=2");
         QTest::newRow("both, as after the first break") << QByteArray("2") << QStringLiteral("?after=0");
     }
-    void readerThatComesBackGetsWhatItMissed()
+    void sendsMissedArrivalsAfterReconnect()
     {
         QFETCH(QByteArray, header);
         QFETCH(QString, query);
@@ -180,7 +180,7 @@ private Q_SLOTS:
         QCOMPARE(nameIn(reader.next()), number(4));
     }
 
-    void readerOfAListThatIsGoneIsToldSo()
+    void sendsClearedForUnknownId()
     {
         serve();
         m_feed->add(record(QStringLiteral("a")));
@@ -189,14 +189,14 @@ private Q_SLOTS:
         QCOMPARE(nameIn(reader.next()), QStringLiteral("a"));
     }
 
-    void brokenIdIsNone()
+    void ignoresInvalidId()
     {
         serve();
         m_feed->add(record(QStringLiteral("a")));
         QCOMPARE(nameIn(FeedReader(feedUrl(), "nonsense").next()), QStringLiteral("a"));
     }
 
-    void readerGetsTheNewestFiveHundred()
+    void sendsNewestFiveHundred()
     {
         serve();
         for (int i = 1; i <= ArrivalFeed::newest + 20; ++i)
@@ -206,7 +206,7 @@ private Q_SLOTS:
             QCOMPARE(nameIn(reader.next()), number(i));
     }
 
-    void allReadersGetAll()
+    void sendsAllArrivalsToAllReaders()
     {
         serve();
         std::vector<std::unique_ptr<FeedReader>> readers;
@@ -222,7 +222,7 @@ private Q_SLOTS:
         }
     }
 
-    void readerThatGoesAwayMakesRoomForAnother()
+    void acceptsReaderAfterAnotherCloses()
     {
         serve();
         std::vector<std::unique_ptr<FeedReader>> readers;
@@ -238,7 +238,7 @@ private Q_SLOTS:
             QTest::qWaitFor([&] { return FeedReader(feedUrl()).head().startsWith("HTTP/1.1 200"); }, 60000));
     }
 
-    void clearReachesReadersAndTheList()
+    void sendsClearedAndEmptiesList()
     {
         serve();
         m_feed->add(record(QStringLiteral("a")));
@@ -251,7 +251,7 @@ private Q_SLOTS:
         QCOMPARE(request("GET", arrivalsUrl()).body, QByteArray("[]"));
     }
 
-    void arrivalsComeAsJson()
+    void returnsArrivalsAsJson()
     {
         serve();
         m_feed->add(record(QStringLiteral("a")));
@@ -267,7 +267,7 @@ private Q_SLOTS:
                  1);
     }
 
-    void onlyItsOwnNamesAreServed_data()
+    void rejectsOtherHostNames_data()
     {
         QTest::addColumn<QString>("host");
         QTest::addColumn<int>("status");
@@ -278,7 +278,7 @@ private Q_SLOTS:
         QTest::newRow("begins like it") << QStringLiteral("Host: 127.0.0.1:%1.example\r\n") << 403;
         QTest::newRow("none") << QString() << 403;
     }
-    void onlyItsOwnNamesAreServed()
+    void rejectsOtherHostNames()
     {
         QFETCH(QString, host);
         QFETCH(int, status);
@@ -293,7 +293,7 @@ private Q_SLOTS:
         QCOMPARE(m_store->after(0, 10).size(), 1);
     }
 
-    void anotherSiteGetsNoLeaveToClear()
+    void rejectsClearFromOtherSites()
     {
         serve();
         m_feed->add(record(QStringLiteral("a")));
@@ -309,7 +309,7 @@ private Q_SLOTS:
         QCOMPARE(m_store->after(0, 10).first().name, QStringLiteral("a"));
     }
 
-    void pageRunsNothingButItsOwnScriptAndStyle()
+    void allowsOnlyOwnScriptAndStyle()
     {
         serve();
         const Answer page = request("GET", m_server->url());
@@ -327,7 +327,7 @@ private Q_SLOTS:
         QCOMPARE(page.headers.value("cache-control"), QByteArray("no-store"));
     }
 
-    void pageNamesTheFileForHosts()
+    void showsPathOfServicesFile()
     {
         m_server = std::make_unique<PageServer>(*m_feed, 0, QStringLiteral("/a<b>&\"/services.json"));
         const QByteArray page = request("GET", m_server->url()).body;
@@ -335,7 +335,7 @@ private Q_SLOTS:
         QVERIFY(!page.contains("@SERVICES@"));
     }
 
-    void otherPathsAreNotThere()
+    void returns404ForOtherPaths()
     {
         serve();
         QUrl url = m_server->url();
@@ -343,7 +343,7 @@ private Q_SLOTS:
         QCOMPARE(request("GET", url).status, 404);
     }
 
-    void portThatIsTakenIsNotShared()
+    void rejectsPortInUse()
     {
         serve();
         const auto port = quint16(m_server->url().port());
@@ -361,7 +361,7 @@ private Q_SLOTS:
         QCOMPARE(next.url().port(), int(port));
     }
 
-    void serverEndsWithReadersAndIdleClients()
+    void endsWithReadersAndIdleClients()
     {
         serve();
         FeedReader reader(feedUrl());

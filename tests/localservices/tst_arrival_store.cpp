@@ -59,14 +59,14 @@ class TestArrivalStore : public QObject
 private Q_SLOTS:
     void init() { m_directory = std::make_unique<QTemporaryDir>(); }
 
-    void arrivalComesBackWhole()
+    void returnsAllFieldsOfArrival()
     {
         ArrivalStore store(path());
         QCOMPARE(store.error(), QString());
         compareToFull(store);
     }
 
-    void restartKeepsWhatArrived()
+    void keepsArrivalsAfterRestart()
     {
         {
             ArrivalStore store(path());
@@ -80,14 +80,14 @@ private Q_SLOTS:
         QCOMPARE(store.lastId(), 1);
     }
 
-    void emptyTextsAndBodyAreKept()
+    void keepsEmptyStringsAndBody()
     {
         ArrivalStore store(path());
         QVERIFY(store.add(arrival(QString())) > 0);
         QCOMPARE(store.after(0, many).value(0).request.body, QByteArray());
     }
 
-    void largeBodyIsKept()
+    void keepsLargeBody()
     {
         Arrival large = arrival(QStringLiteral("large"));
         large.request.body = QByteArray(20 * 1024 * 1024, 'x');
@@ -96,7 +96,7 @@ private Q_SLOTS:
         QCOMPARE(store.after(0, many).value(0).request.body, large.request.body);
     }
 
-    void theNewestBehindAnIdComeInTheirOrder()
+    void returnsNewestAfterIdInOrder()
     {
         ArrivalStore store(path());
         for (const char *name : {"a", "b", "c", "d"})
@@ -109,7 +109,7 @@ private Q_SLOTS:
         QCOMPARE(store.lastId(), 4);
     }
 
-    void clearLeavesAMarkAlone()
+    void replacesArrivalsWithClearedEntry()
     {
         ArrivalStore store(path());
         store.add(arrival(QStringLiteral("a")));
@@ -123,7 +123,7 @@ private Q_SLOTS:
         QCOMPARE(store.after(2, many).size(), 1);
     }
 
-    void idsAreNeverUsedAgain()
+    void neverReusesIds()
     {
         {
             ArrivalStore store(path());
@@ -136,14 +136,14 @@ private Q_SLOTS:
         QCOMPARE(store.add(arrival(QStringLiteral("b"))), 4);
     }
 
-    void emptyStoreHasNoId()
+    void returnsZeroIdIfEmpty()
     {
         const ArrivalStore store(path());
         QCOMPARE(store.lastId(), 0);
         QCOMPARE(store.after(0, many).size(), 0);
     }
 
-    void concurrentArrivalsAreAllKept()
+    void keepsConcurrentArrivals()
     {
         constexpr int threadCount = 8;
         constexpr int perThread = 50;
@@ -173,7 +173,7 @@ private Q_SLOTS:
         QCOMPARE(kept.size(), threadCount * perThread);
     }
 
-    void anotherProgramReadsTheFileMeanwhile()
+    void writesWhileAnotherProgramReads()
     {
         ArrivalStore store(path());
         const ArrivalStore reader(path());
@@ -182,7 +182,7 @@ private Q_SLOTS:
         QVERIFY(store.add(arrival(QStringLiteral("b"))) > 0);
     }
 
-    void fileThatIsNoDatabaseIsAnError()
+    void reportsFileThatIsNoDatabase()
     {
         QVERIFY(writeFile(path(), QByteArray(4096, 'x')));
         ArrivalStore store(path());
@@ -192,7 +192,7 @@ private Q_SLOTS:
         QCOMPARE(readFile(path()), QByteArray(4096, 'x'));
     }
 
-    void arrivalThatCannotBeKeptHasNoId()
+    void returnsZeroIdAfterFailedWrite()
     {
         ArrivalStore store(path());
         QCOMPARE(store.add(arrival(QStringLiteral("a"))), 1);
@@ -204,7 +204,7 @@ private Q_SLOTS:
         QCOMPARE(store.after(0, many).size(), 0);
     }
 
-    void missingFolderIsAnError()
+    void reportsMissingDirectory()
     {
         const ArrivalStore store(m_directory->filePath(QStringLiteral("missing/arrivals.sqlite")));
         QVERIFY(!store.error().isEmpty());

@@ -74,7 +74,7 @@ private Q_SLOTS:
         m_program.reset();
     }
 
-    void emptyPageTellsHowToBegin()
+    void showsInstructionsIfEmpty()
     {
         const QString text = m_browser->run(textOf("#empty")).toString();
         QVERIFY(text.contains(QLatin1String("Nothing has arrived yet")));
@@ -83,7 +83,7 @@ private Q_SLOTS:
         QCOMPARE(m_browser->errors(), QStringList());
     }
 
-    void rowsAppearAsTheyArriveTheNewestFirst()
+    void showsNewestArrivalFirst()
     {
         sendEvent("open_file", "pdf");
         QVERIFY(m_browser->waitFor(visibleNames, QStringLiteral("open_file")));
@@ -100,7 +100,7 @@ private Q_SLOTS:
         QCOMPARE(m_browser->errors(), QStringList());
     }
 
-    void signatureIsShownWithItsReason()
+    void showsSignatureAndReason()
     {
         QCOMPARE(sendRecord(m_program->url("statistics"), secret).status, 200);
         QVERIFY(m_browser->waitFor(textOf("#list > details .signature.good"),
@@ -113,14 +113,14 @@ private Q_SLOTS:
             QStringLiteral("Signature bad: it isn't the one of this secret, time stamp and body.")));
     }
 
-    void problemsAreShown()
+    void showsProblems()
     {
         sendEvent("9lives", "pdf");
         QVERIFY(m_browser->waitFor(textOf("#list > details .validation.bad"), QStringLiteral("✗ 1 problem")));
         QVERIFY(m_browser->run(textOf(".reasons")).toString().startsWith(QLatin1String("An event's name")));
     }
 
-    void bodyIsPrettyPrintedAndColoured()
+    void formatsAndColoursJsonBody()
     {
         QCOMPARE(sendRecord(m_program->url("statistics"), secret).status, 200);
         QVERIFY(m_browser->waitFor(rowCount, 1));
@@ -134,13 +134,13 @@ private Q_SLOTS:
         QCOMPARE(m_browser->run(textOf("pre.body .text")).toString(), QStringLiteral("\"install\""));
     }
 
-    void bodyThatIsNoJsonIsShownAsItIs()
+    void showsOtherBodyUnchanged()
     {
         request("POST", m_program->url("statistics"), "no\n  { json");
         QVERIFY(m_browser->waitFor(textOf("pre.body"), QStringLiteral("no\n  { json")));
     }
 
-    void headersAreShownOnDemand()
+    void showsHeadersOnClick()
     {
         QCOMPARE(sendRecord(m_program->url("statistics"), secret).status, 200);
         QVERIFY(m_browser->waitFor(rowCount, 1));
@@ -152,7 +152,7 @@ private Q_SLOTS:
         QVERIFY(sent.contains(QLatin1String("\n\n{\"action\":\"install\",\"day\"")));
     }
 
-    void rowOpensAndClosesByAClick()
+    void opensAndClosesRowOnClick()
     {
         QCOMPARE(sendRecord(m_program->url("statistics"), secret).status, 200);
         QVERIFY(m_browser->waitFor(textOf("#list > details[open] .name"), QStringLiteral("install")));
@@ -168,7 +168,7 @@ private Q_SLOTS:
         QVERIFY(m_browser->waitFor(textOf("#list > details[open] .name"), QStringLiteral("install")));
     }
 
-    void markupStaysText()
+    void showsMarkupAsText()
     {
         const QByteArray markup =
             "<img src=x onerror=document.title='owned'><script>document.title='owned'</script>";
@@ -202,7 +202,7 @@ private Q_SLOTS:
         QCOMPARE(m_browser->errors(), QStringList());
     }
 
-    void filterFindsTextsAndKinds()
+    void filtersByTextAndKind()
     {
         sendEvent("open_file", "pdf");
         sendEvent("9lives", "needle in the label");
@@ -228,7 +228,7 @@ private Q_SLOTS:
         QCOMPARE(m_browser->run(visibleNames).toString(), QStringLiteral("close_file 9lives"));
     }
 
-    void clearRemovesAllForGood()
+    void removesAllOnClear()
     {
         sendEvent("open_file", "pdf");
         QVERIFY(m_browser->waitFor(rowCount, 1));
@@ -241,7 +241,7 @@ private Q_SLOTS:
         QVERIFY(m_browser->waitFor(visibleNames, QStringLiteral("close_file")));
     }
 
-    void pageThatWasOpenFindsTheNextRunAndWhatItMissed()
+    void reconnectsToNextRunAndShowsMissedArrivals()
     {
         sendEvent("open_file", "pdf");
         QVERIFY(m_browser->waitFor(visibleNames, QStringLiteral("open_file")));
@@ -259,7 +259,7 @@ private Q_SLOTS:
         QVERIFY(m_browser->waitFor(visibleNames, QStringLiteral("after missed open_file")));
     }
 
-    void pageThatFoundNoRoomComesBackByItself()
+    void reconnectsAfterServerWasFull()
     {
         m_browser->open(QUrl(QStringLiteral("about:blank")));
         std::vector<std::unique_ptr<FeedReader>> readers;
@@ -277,7 +277,7 @@ private Q_SLOTS:
         QVERIFY(m_browser->waitFor(state, QStringLiteral("connected")));
     }
 
-    void picturesAreTaken()
+    void takesScreenshots()
     {
         QDir().mkpath(QStringLiteral(PICTURES_FOLDER));
         sendEvent("open_file", "pdf");
@@ -301,7 +301,7 @@ private Q_SLOTS:
         take("dark", "local-services-empty");
     }
 
-    void nothingIsWiderThanANarrowWindow()
+    void fitsNarrowWindow()
     {
         m_browser->setSize(340, 700);
         sendEvent(QByteArray(120, 'x'), QByteArray(300, 'y'));

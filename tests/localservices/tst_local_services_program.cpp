@@ -47,7 +47,7 @@ class TestLocalServicesProgram : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void descriptionNamesAllServices()
+    void writesAddressesOfAllServices()
     {
         LocalServicesProcess program;
         QVERIFY(program.start());
@@ -65,7 +65,7 @@ private Q_SLOTS:
         const QList<QSslCertificate> certificates = QSslCertificate::fromPath(authority);
         QCOMPARE(certificates.size(), 1);
         QVERIFY(!readFile(authority).contains("PRIVATE KEY"));
-        QVERIFY(program.waitForStandardError("Ctrl-C ends this"));
+        QVERIFY(program.waitForStandardError("Press Ctrl-C"));
         const QByteArray said = program.standardError();
         QVERIFY(said.contains(program.value("page").toUtf8()));
         QVERIFY(said.contains(
@@ -73,20 +73,20 @@ private Q_SLOTS:
         QVERIFY(said.contains("scripts/local-services COMMAND"));
     }
 
-    void folderIsPrivate()
+    void createsPrivateFolder()
     {
         LocalServicesProcess program;
         QVERIFY(program.start());
         QCOMPARE(modeOf(program.folder()), 0700);
     }
 
-    void endLeavesWhatArrivedAlone_data()
+    void leavesOnlyArrivalsAfterSignal_data()
     {
         QTest::addColumn<int>("signal");
         QTest::newRow("SIGTERM") << SIGTERM;
         QTest::newRow("SIGINT") << SIGINT;
     }
-    void endLeavesWhatArrivedAlone()
+    void leavesOnlyArrivalsAfterSignal()
     {
         QFETCH(int, signal);
         LocalServicesProcess program;
@@ -101,7 +101,7 @@ private Q_SLOTS:
                  QStringList {QStringLiteral("arrivals.sqlite")});
     }
 
-    void restartShowsWhatArrivedBefore()
+    void showsEarlierArrivalsAfterRestart()
     {
         LocalServicesProcess program;
         QVERIFY(program.start());
@@ -112,7 +112,7 @@ private Q_SLOTS:
         QCOMPARE(textOf(program.arrivals().first(), "name"), QStringLiteral("install"));
     }
 
-    void killedRunIsNoHindrance()
+    void startsAfterKilledRun()
     {
         LocalServicesProcess program;
         QVERIFY(program.start());
@@ -123,7 +123,7 @@ private Q_SLOTS:
         QCOMPARE(program.arrivals().size(), 1);
     }
 
-    void commandEndsIt_data()
+    void returnsExitCodeOfCommand_data()
     {
         QTest::addColumn<QStringList>("command");
         QTest::addColumn<int>("exitCode");
@@ -132,7 +132,7 @@ private Q_SLOTS:
         QTest::newRow("signal") << asShell("kill -9 $$") << 128 + SIGKILL;
         QTest::newRow("missing") << QStringList {QStringLiteral("/no/such/command")} << 127;
     }
-    void commandEndsIt()
+    void returnsExitCodeOfCommand()
     {
         QFETCH(QStringList, command);
         LocalServicesProcess program;
@@ -144,7 +144,7 @@ private Q_SLOTS:
         QVERIFY(!QFileInfo::exists(program.filePath(QStringLiteral("services.json"))));
     }
 
-    void commandHasTheStreamsAndItsArguments()
+    void passesStreamsAndArgumentsToCommand()
     {
         LocalServicesProcess program;
         QCOMPARE(
@@ -156,14 +156,14 @@ private Q_SLOTS:
         QVERIFY(program.standardError().contains("oops\n"));
     }
 
-    void commandFindsTheDescription()
+    void setsEnvironmentOfCommand()
     {
         LocalServicesProcess program;
         QCOMPARE(program.run(asShell("echo \"$LOCAL_SERVICES\"; test -f \"$LOCAL_SERVICES\"")), 0);
         QCOMPARE(program.standardOutput(), program.filePath(QStringLiteral("services.json")).toUtf8() + '\n');
     }
 
-    void signalIsPassedOnToTheCommand()
+    void sendsSignalToCommand()
     {
         LocalServicesProcess program;
         // The shell waits for its signal in a way that lets it answer at once.
@@ -175,7 +175,7 @@ private Q_SLOTS:
         QVERIFY(program.standardOutput().contains("got it"));
     }
 
-    void hostsEventAndRecordArriveGood()
+    void acceptsEventAndRecordOfApplication()
     {
         LocalServicesProcess program;
         QCOMPARE(program.run({QStringLiteral(REPORTING_HOST), QStringLiteral("paper"), QStringLiteral("5")}),
@@ -195,7 +195,7 @@ private Q_SLOTS:
         QCOMPARE(arrivals.at(1).toObject().value(QStringLiteral("good")), QJsonValue(true));
     }
 
-    void eventThatWasJustSentIsStillCounted()
+    void countsRecordSentJustBeforeEnd()
     {
         LocalServicesProcess program;
         QCOMPARE(program.run({QStringLiteral("bash"), commandText,
@@ -208,7 +208,7 @@ private Q_SLOTS:
             "local-services: 0 events (0 good) and 1 record (0 good) arrived\n"));
     }
 
-    void badSignatureIsTold()
+    void reportsBadSignature()
     {
         LocalServicesProcess program;
         QVERIFY(program.start());
@@ -220,7 +220,7 @@ private Q_SLOTS:
         QVERIFY(program.standardError().contains("1 record (0 good)"));
     }
 
-    void otherServicesAnswer()
+    void runsOtherServices()
     {
         LocalServicesProcess program;
         QVERIFY(program.start());
@@ -240,28 +240,28 @@ private Q_SLOTS:
         QCOMPARE(download("files/other").status, 404);
     }
 
-    void folderThatIsOpenToOthersIsRefused()
+    void rejectsFolderOpenToOthers()
     {
         LocalServicesProcess program;
         QVERIFY(QDir().mkdir(program.folder()));
         QFile::setPermissions(program.folder(), QFile::Permissions(0x7755));
         QCOMPARE(program.run({QStringLiteral("true")}), 1);
-        QVERIFY(program.standardError().contains("is open to others"));
+        QVERIFY(program.standardError().contains("other users can read"));
         QCOMPARE(QDir(program.folder()).entryList(QDir::Files), QStringList());
         QCOMPARE(modeOf(program.folder()), 0755);
         QFile::setPermissions(program.folder(), QFile::Permissions(0x7700));
         QCOMPARE(program.run({QStringLiteral("true")}), 0);
     }
 
-    void folderThatCannotBeMadeIsRefused()
+    void rejectsFolderThatCannotBeCreated()
     {
         LocalServicesProcess program;
         QVERIFY(writeFile(program.folder(), "a file"));
         QCOMPARE(program.run({QStringLiteral("true")}), 1);
-        QVERIFY(program.standardError().contains("can't be made"));
+        QVERIFY(program.standardError().contains("cannot be created"));
     }
 
-    void brokenDatabaseIsRefused()
+    void rejectsInvalidDatabase()
     {
         LocalServicesProcess program;
         QCOMPARE(program.run({QStringLiteral("true")}), 0);
@@ -270,7 +270,7 @@ private Q_SLOTS:
         QVERIFY(program.standardError().contains("arrivals.sqlite: file is not a database"));
     }
 
-    void folderInUseIsRefused()
+    void rejectsFolderInUse()
     {
         LocalServicesProcess program;
         QVERIFY(program.start());
@@ -279,24 +279,24 @@ private Q_SLOTS:
                      {QStringLiteral("--folder"), program.folder(), QStringLiteral("true")});
         QVERIFY(second.waitForFinished(60000));
         QCOMPARE(second.exitCode(), 1);
-        QVERIFY(second.readAllStandardError().contains("in use"));
+        QVERIFY(second.readAllStandardError().contains("is used by another local-services"));
         QCOMPARE(request("GET", program.page()).status, 200);
     }
 
-    void portIsTheOneAskedFor()
+    void usesRequestedPort()
     {
         LocalServicesProcess first;
         QVERIFY(first.start());
         const QString port = QString::number(first.url("page").port());
         LocalServicesProcess second;
         QVERIFY(!second.start({QStringLiteral("--port"), port}));
-        QVERIFY(second.standardError().contains("the port " + port.toLatin1() + " is taken"));
+        QVERIFY(second.standardError().contains("the port " + port.toLatin1() + " is in use"));
         QCOMPARE(first.end(), 0);
         QVERIFY(second.start({QStringLiteral("--port"), port}));
         QCOMPARE(second.url("page").port(), port.toInt());
     }
 
-    void usualPortThatIsTakenIsNoHindrance()
+    void usesAnotherPortIfDefaultIsInUse()
     {
         LocalServicesProcess first;
         LocalServicesProcess second;
@@ -305,13 +305,13 @@ private Q_SLOTS:
         QVERIFY(first.url("page").port() != second.url("page").port());
     }
 
-    void wrongPortIsRefused_data()
+    void rejectsInvalidPort_data()
     {
         QTest::addColumn<QString>("port");
         for (const char *port : {"many", "-1", "65536", ""})
             QTest::addRow("\"%s\"", port) << QString::fromLatin1(port);
     }
-    void wrongPortIsRefused()
+    void rejectsInvalidPort()
     {
         QFETCH(QString, port);
         LocalServicesProcess program;

@@ -162,26 +162,33 @@ private Q_SLOTS:
         QVERIFY(layout.format(eventOf()).startsWith(QStringLiteral("2026-11-20 07:37:57.106 [")));
     }
 
-    void printsTimesBefore1970_data()
+    void printsTimesAround1970_data()
     {
         QTest::addColumn<qint64>("time");
         QTest::addColumn<QString>("expected");
+        QTest::newRow("start of 1970") << qint64(0) << "1970-01-01 00:00:00.000";
         QTest::newRow("one millisecond before") << qint64(-1) << "1969-12-31 23:59:59.999";
         QTest::newRow("one second before") << qint64(-1000) << "1969-12-31 23:59:59.000";
         QTest::newRow("1.5 seconds before") << qint64(-1500) << "1969-12-31 23:59:58.500";
         QTest::newRow("1900") << qint64(-2208988800000) + 7 << "1900-01-01 00:00:00.007";
     }
-    void printsTimesBefore1970()
+    void printsTimesAround1970()
     {
         QFETCH(qint64, time);
         QFETCH(QString, expected);
-        TTCCLayout layout;
-        layout.setDateFormat(TTCCLayout::ISO8601);
-        // The first event of a layout, and events in the seconds around it.
-        for (const qint64 other : {time, time + 1000, time, qint64(0), time}) {
-            const QString line = layout.format(eventOf(other));
-            if (other == time)
-                QVERIFY2(line.startsWith(expected + QStringLiteral(" [")), qPrintable(line));
+        const QString pattern = QStringLiteral("yyyy-MM-dd hh:mm:ss.zzz");
+        QCOMPARE(QDateTime::fromMSecsSinceEpoch(time).toString(pattern), expected);
+        for (const bool hasZone : {true, false}) {
+            if (!hasZone)
+                qunsetenv("TZ");
+            TTCCLayout layout;
+            layout.setDateFormat(TTCCLayout::ISO8601);
+            // The first event of a layout, and events in the seconds around it.
+            for (const qint64 next : {time, time + 1000, time, time - 999, time, qint64(0), time}) {
+                const QString line = layout.format(eventOf(next));
+                const QString start = QDateTime::fromMSecsSinceEpoch(next).toString(pattern);
+                QVERIFY2(line.startsWith(start + QStringLiteral(" [")), qPrintable(line));
+            }
         }
     }
 

@@ -17,6 +17,7 @@ namespace {
 constexpr int timeoutMs = 60000;
 constexpr int afterLastStopMs = 1000; // the recipe repeats its stops for half of this time
 constexpr int stopTimeoutMs = 6000; // less than the time limit of a request
+
 const QString allowed = QStringLiteral("Reports are sent");
 const QString forbidden = QStringLiteral("No reports are sent");
 const QString reported = QStringLiteral("Something to report");
@@ -39,7 +40,8 @@ private:
     static bool report(RecipeProcess &recipe) { return execute(recipe, QStringLiteral("report"), reported); }
     static bool allow(RecipeProcess &recipe) { return execute(recipe, QStringLiteral("allow"), allowed); }
     static bool forbid(RecipeProcess &recipe) { return execute(recipe, QStringLiteral("forbid"), forbidden); }
-    // Waits until no connection was open for this time. Returns false if there is always one.
+
+    // Returns true after a time without an open connection, and false if a connection stays open.
     static bool hasNoConnectionFor(const HttpServer &server, int timeMs)
     {
         QElapsedTimer timer;
@@ -51,6 +53,7 @@ private:
         };
         return QTest::qWaitFor(isClosedLongEnough, stopTimeoutMs);
     }
+
     static int quit(RecipeProcess &recipe)
     {
         recipe.closeInput();

@@ -62,16 +62,26 @@ class TestMessagesInTheLog : public QObject
     Q_OBJECT
 
 private:
-    QString logPath() const { return m_directory->filePath(utf8("log/host.log")); }
+    QString logPath() const { return m_directory->filePath(utf8("log/messages.log")); }
+
+    void openCapturedLog() const
+    {
+        captureMessages();
+        openLog(utf8("messages.log"), m_directory->path());
+    }
 
     std::unique_ptr<QTemporaryDir> m_directory;
+    QtMessageHandler m_handler = nullptr;
 
 private Q_SLOTS:
     void init()
     {
         m_directory = std::make_unique<QTemporaryDir>();
         qputenv("XDG_DATA_HOME", QFile::encodeName(m_directory->path())); // for the recipe
+        handledMessages = 0;
+        m_handler = qInstallMessageHandler(countMessage);
     }
+    void cleanup() { qInstallMessageHandler(m_handler); }
 
     void logsMessagesUntilClosed()
     {
@@ -104,9 +114,7 @@ private Q_SLOTS:
             constexpr rlimit none {0, 0};
             setrlimit(RLIMIT_CORE, &none);
             std::signal(SIGABRT, SIG_DFL);
-            qInstallMessageHandler(countMessage);
-            captureMessages();
-            openLog(utf8("host.log"), m_directory->path());
+            openCapturedLog();
             qFatal("the end");
         }
         int status = 0;
@@ -117,16 +125,13 @@ private Q_SLOTS:
 
     void logsLevelsAndCategories()
     {
-        const QtMessageHandler previous = qInstallMessageHandler(countMessage);
-        captureMessages();
-        openLog(utf8("host.log"), m_directory->path());
+        openCapturedLog();
         qDebug() << "debug";
         qInfo("info %d", 1);
         qWarning("warning\n2026-11-20 07:37:57.106 ERROR  - forged");
         qCritical("critical");
         qCWarning(QLoggingCategory("qt.network.ssl"), "category");
         closeLog();
-        qInstallMessageHandler(previous);
         const QStringList expected {utf8("INFO   - info 1"), utf8("WARN   - warning"),
                                     utf8("    2026-11-20 07:37:57.106 ERROR  - forged"),
                                     utf8("ERROR  - critical"), utf8("WARN   - qt.network.ssl: category")};
@@ -135,14 +140,11 @@ private Q_SLOTS:
 
     void restoresPreviousHandler()
     {
-        handledMessages = 0;
-        const QtMessageHandler previous = qInstallMessageHandler(countMessage);
-        captureMessages();
-        openLog(utf8("host.log"), m_directory->path());
+        openCapturedLog();
         qInfo("logged and handled");
         closeLog();
         qInfo("handled");
-        QVERIFY(qInstallMessageHandler(previous) == countMessage);
+        QVERIFY(qInstallMessageHandler(countMessage) == countMessage);
         QCOMPARE(handledMessages.load(), 2);
         QCOMPARE(linesOf(logPath()), QStringList {utf8("INFO   - logged and handled")});
     }
@@ -150,23 +152,17 @@ private Q_SLOTS:
     // Qt prints such a message on the standard error stream, so a handler needs no guard.
     void ignoresMessageSentWhileLogging()
     {
-        handledMessages = 0;
-        const QtMessageHandler previous = qInstallMessageHandler(countMessage);
-        captureMessages();
-        openLog(utf8("host.log"), m_directory->path());
+        openCapturedLog();
         const Log4Qt::AppenderSharedPtr appender(new SendingAppender);
         Log4Qt::Logger::rootLogger()->addAppender(appender);
         qInfo("message");
         closeLog();
-        qInstallMessageHandler(previous);
         QCOMPARE(handledMessages.load(), 1);
         QCOMPARE(linesOf(logPath()), QStringList {utf8("INFO   - message")});
     }
 
     void logsWholeLinesFromThreads()
     {
-        const QtMessageHandler previous = qInstallMessageHandler(countMessage);
-        handledMessages = 0;
         captureMessages();
         std::atomic<bool> isDone {false};
         std::vector<std::thread> threads;
@@ -178,7 +174,7 @@ private Q_SLOTS:
             });
         const auto areMessagesHandled = [] { return handledMessages > 100; };
         QTRY_VERIFY(areMessagesHandled());
-        openLog(utf8("host.log"), m_directory->path());
+        openLog(utf8("messages.log"), m_directory->path());
         handledMessages = 0;
         QTRY_VERIFY(areMessagesHandled());
         closeLog();
@@ -187,7 +183,6 @@ private Q_SLOTS:
         isDone = true;
         for (std::thread &thread : threads)
             thread.join();
-        qInstallMessageHandler(previous);
         const QStringList lines = linesOf(logPath());
         QVERIFY(lines.size() > 200);
         for (const QString &line : lines)

@@ -26,6 +26,9 @@ const QString silentNetwork = QStringLiteral("ip link add silent type bridge\n"
 // The time limit of a name lookup.
 constexpr int lookupTimeoutMs = 10000;
 
+// The recipe quits after this time.
+constexpr int quitMs = 1000;
+
 // The recipe quits after one second and ends within two more. The rest is for a busy machine.
 constexpr int endTimeoutMs = 6000;
 
@@ -89,7 +92,7 @@ private Q_SLOTS:
     {
         // Answers arrive at about the time when the recipe quits.
         LocalServices::RawServer server([](LocalServices::Connection &client) {
-            client.sleep(1000);
+            client.sleep(quitMs);
             client.write("HTTP/1.1 200 OK\r\nContent-Length: 2\r\nConnection: close\r\n\r\nok");
         });
         QStringList addresses;

@@ -16,16 +16,16 @@
 
 namespace {
 
-// In the gallery itself: an archive is read wherever QFile reads.
+// A resource of the gallery: ZipManager reads archives with QFile.
 constexpr const char *sample = ":/sample.zip";
 
-QString fateText(Extraction::Fate fate)
+QString describe(Extraction::Result result)
 {
-    switch (fate) {
+    switch (result) {
     case Extraction::Extracted:
         return ArchivePage::tr("Extracted");
-    case Extraction::Kept:
-        return ArchivePage::tr("Skipped: the file was there");
+    case Extraction::Skipped:
+        return ArchivePage::tr("Skipped, file exists");
     case Extraction::Failed:
         return ArchivePage::tr("Failed");
     }
@@ -36,15 +36,14 @@ QString fateText(Extraction::Fate fate)
 
 ArchivePage::ArchivePage(const QString &directory, QWidget *parent)
     : Page(tr("Archive"),
-           tr("A whole zip archive at once, in a thread of the host's own. Only for archives that the host "
-              "trusts."),
+           tr("Extracts a whole zip archive in a separate thread. Use it only for archives that you trust."),
            "ZyBase/files/ZipManager.h", parent)
     , m_directory(directory + QStringLiteral("/extracted"))
-    , m_archive(field(QLatin1String(sample), tr("/path/of/an/archive.zip"), "archivePath"))
-    , m_overwrite(new Tick(tr("Replace files that are there"), "archiveOverwrite"))
+    , m_archive(field(QLatin1String(sample), tr("/path/of/archive.zip"), "archivePath"))
+    , m_overwrite(new Tick(tr("Overwrite existing files"), "archiveOverwrite"))
     , m_extract(primaryButton(tr("Extract"), "archiveExtract"))
     , m_state(new Pill(tr("Nothing yet"), "archiveState"))
-    , m_entries(table({tr("Name"), tr("What became of it"), tr("Size")}, "archiveEntries"))
+    , m_entries(table({tr("Name"), tr("Result"), tr("Size")}, "archiveEntries"))
 {
     Card *const choice = addCard();
     QHBoxLayout *const row = choice->addRow();
@@ -77,7 +76,7 @@ void ArchivePage::start()
 {
     m_extract->setEnabled(false);
     m_entries->clear();
-    m_state->tell(Pill::Busy, tr("Extracting"));
+    m_state->setState(Pill::Busy, tr("Extracting"));
     inBackground(
         this,
         [archive = m_archive->text(), directory = m_directory, overwrite = m_overwrite->isChecked()] {
@@ -92,15 +91,15 @@ void ArchivePage::showExtraction(const Extraction &extraction)
     for (const Extraction::Entry &entry : extraction.entries) {
         const QString size =
             ZyBase::CFileUtils::GetFileSize(ZyBase::CFileUtils::CombinePath(m_directory, entry.name));
-        new QTreeWidgetItem(m_entries, {entry.name, fateText(entry.fate), size});
+        new QTreeWidgetItem(m_entries, {entry.name, describe(entry.result), size});
     }
     if (!extraction.isDone)
-        return m_state->tell(Pill::Bad, tr("Nothing could be begun"));
+        return m_state->setState(Pill::Bad, tr("The archive cannot be extracted"));
     const int failed = extraction.count(Extraction::Failed);
     QString text = tr("%1 extracted, %2 skipped")
                        .arg(extraction.count(Extraction::Extracted))
-                       .arg(extraction.count(Extraction::Kept));
+                       .arg(extraction.count(Extraction::Skipped));
     if (failed > 0)
         text += tr(", %1 failed").arg(failed);
-    m_state->tell(failed > 0 ? Pill::Warning : Pill::Good, text);
+    m_state->setState(failed > 0 ? Pill::Warning : Pill::Good, text);
 }

@@ -11,13 +11,13 @@ class QTreeWidget;
 class Tick;
 struct Extraction;
 
-/** An archive, and what became of each of its entries. */
+/** Extracts an archive and shows the result of each entry. */
 class ArchivePage : public Page
 {
     Q_OBJECT
 
 public:
-    /** @param directory where archives go to, in a folder there */
+    /** @param directory parent of the directory of extracted files */
     explicit ArchivePage(const QString &directory, QWidget *parent = nullptr);
 
 private:

@@ -14,13 +14,13 @@ class QProgressBar;
 class QPushButton;
 class QTreeWidget;
 
-/** One download at a time, as it comes along. */
+/** Runs one download at a time and shows its progress. */
 class DownloadPage : public Page
 {
     Q_OBJECT
 
 public:
-    /** @param address what is downloaded at first, or empty @param directory where to, in a folder there */
+    /** @param address shown first; may be empty @param directory parent of the directory of downloads */
     DownloadPage(const QString &address, const QString &directory, QWidget *parent = nullptr);
 
     void stop() override;
@@ -31,13 +31,15 @@ private:
     void start();
     void showProgress(qint64 received, qint64 total, const QString &speed);
     void finish(bool isDone, const QString &path);
-    void tell(Pill::Tone tone, const QString &outcome);
+    void showOutcome(Pill::Tone tone, const QString &outcome);
+    void showFileName(const QString &name);
     void setRunning(bool isRunning);
 
     const QString m_directory;
     ZyBase::DownloadManager m_download;
     bool m_isStopped = false;
-    QString m_path; ///< of the last file that came
+    QString m_fileName;
+    QString m_path; ///< of the last downloaded file
     QLineEdit *m_url;
     QPushButton *m_start;
     QPushButton *m_stop;

@@ -10,15 +10,15 @@
 
 namespace {
 
-// The beginnings of the two messages that name an entry's file; all others tell of a failure.
+// The first words of the messages for extracted and skipped entries. All other messages are failures.
 const QString extracted = QStringLiteral("解压成功：");
-const QString kept = QStringLiteral("文件已存在，跳过：");
+const QString skipped = QStringLiteral("文件已存在，跳过：");
 
-thread_local QList<Extraction::Entry> *s_entries = nullptr;
-QtMessageHandler s_previous = nullptr;
+thread_local QList<Extraction::Entry> *entriesOfThread = nullptr;
+QtMessageHandler previousHandler = nullptr;
 
-// What stands behind the text, without the quotes that QDebug puts around it.
-QString valueBehind(const QString &text, const QString &message)
+// Returns the rest of the message without the quotes that QDebug adds.
+QString valueAfter(const QString &text, const QString &message)
 {
     QString value = message.mid(text.size()).trimmed();
     if (value.startsWith(QLatin1Char('"')) && value.endsWith(QLatin1Char('"')))
@@ -26,60 +26,60 @@ QString valueBehind(const QString &text, const QString &message)
     return value;
 }
 
-void take(QtMsgType type, const QMessageLogContext &context, const QString &message)
+void handleMessage(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
-    if (!s_entries)
-        return s_previous(type, context, message);
+    if (!entriesOfThread)
+        return previousHandler(type, context, message);
     if (message.startsWith(extracted))
-        s_entries->append({valueBehind(extracted, message), Extraction::Extracted});
-    else if (message.startsWith(kept))
-        s_entries->append({valueBehind(kept, message), Extraction::Kept});
+        entriesOfThread->append({valueAfter(extracted, message), Extraction::Extracted});
+    else if (message.startsWith(skipped))
+        entriesOfThread->append({valueAfter(skipped, message), Extraction::Skipped});
     else
-        s_entries->append({message, Extraction::Failed});
+        entriesOfThread->append({message, Extraction::Failed});
 }
 
-// The handler is the process's and stays. That of before is known before any message can need it.
+// The handler stays installed. The previous one is stored before any message can be passed to it.
 bool install()
 {
-    s_previous = qInstallMessageHandler(nullptr);
-    qInstallMessageHandler(take);
+    previousHandler = qInstallMessageHandler(nullptr);
+    qInstallMessageHandler(handleMessage);
     return true;
 }
 
-// Takes the messages of this thread while it lives.
-class Listening
+// Collects the messages of this thread until it is destroyed.
+class MessageCollector
 {
 public:
-    explicit Listening(QList<Extraction::Entry> *entries)
+    explicit MessageCollector(QList<Extraction::Entry> *entries)
     {
         static const bool isInstalled = install();
         Q_UNUSED(isInstalled)
-        s_entries = entries;
+        entriesOfThread = entries;
     }
-    ~Listening() { s_entries = nullptr; }
+    ~MessageCollector() { entriesOfThread = nullptr; }
 
 private:
-    Q_DISABLE_COPY(Listening)
+    Q_DISABLE_COPY(MessageCollector)
 };
 
 } // namespace
 
-int Extraction::count(Fate fate) const
+int Extraction::count(Result result) const
 {
     return int(std::count_if(entries.begin(), entries.end(),
-                             [fate](const Entry &entry) { return entry.fate == fate; }));
+                             [result](const Entry &entry) { return entry.result == result; }));
 }
 
 Extraction extract(const QString &archive, const QString &directory, bool overwrite)
 {
-    Extraction result;
+    Extraction extraction;
     {
-        const Listening listening(&result.entries);
-        result.isDone = ZyBase::ZipManager::QuaUnzipFile(archive, directory, overwrite);
+        const MessageCollector collector(&extraction.entries);
+        extraction.isDone = ZyBase::ZipManager::QuaUnzipFile(archive, directory, overwrite);
     }
-    for (Extraction::Entry &entry : result.entries) {
-        if (entry.fate != Extraction::Failed)
+    for (Extraction::Entry &entry : extraction.entries) {
+        if (entry.result != Extraction::Failed)
             entry.name = QDir(directory).relativeFilePath(entry.name);
     }
-    return result;
+    return extraction;
 }

@@ -5,24 +5,26 @@
 #include <QList>
 #include <QString>
 
-/** An extraction as its messages tell it. */
+/** The result of an extraction, read from the messages of ZipManager. */
 struct Extraction
 {
-    enum Fate { Extracted, Kept, Failed };
+    enum Result { Extracted, Skipped, Failed };
     struct Entry
     {
-        QString name; ///< in the directory; what went wrong for one that failed
-        Fate fate;
+        QString name; ///< relative to the directory; the message if the entry failed
+        Result result;
     };
 
     bool isDone = false;
     QList<Entry> entries;
 
-    int count(Fate fate) const;
+    int count(Result result) const;
 };
 
 /**
- * Extracts the archive in the calling thread, which blocks meanwhile. ZipManager tells what becomes of each
- * entry by Qt's messages alone: those of this thread are taken, all others go on to where they went before.
+ * Extracts the archive; blocks until it is done.
+ *
+ * ZipManager reports each entry only as a Qt message. The messages of this thread are read meanwhile; those
+ * of other threads still reach the previous message handler.
  */
 Extraction extract(const QString &archive, const QString &directory, bool overwrite);

@@ -34,7 +34,7 @@ protected:
     }
 
 private:
-    // The level is the first of these words behind the time.
+    // The level is the word after the time.
     void colour(const QString &line, const QString &level, const QColor &colour)
     {
         static const int timeLength = int(qstrlen("2026-11-20 07:37:57.106"));
@@ -46,22 +46,21 @@ private:
 } // namespace
 
 LogPage::LogPage(const QString &directory, QWidget *parent)
-    : Page(tr("File log"),
-           tr("Each line is in the file when the call returns; a crash of the host loses none."),
+    : Page(tr("File log"), tr("Each line is in the file when the call returns, so a crash loses no line."),
            "ZyBase/base/LoggerObject.h", parent)
     , m_path(directory + QStringLiteral("/log/") + QLatin1String(fileName))
-    , m_message(field(QString(), tr("A message"), "logMessage"))
+    , m_message(field(QString(), tr("Message"), "logMessage"))
     , m_file(textView("logFile"))
     , m_levels(new LevelHighlighter(m_file->document()))
 {
     LoggerObject::InitLogger(fileName, directory.toUtf8().constData());
-    LoggerObject::info("the gallery begins");
+    LoggerObject::info("the gallery was started");
 
     Card *const writing = addCard(tr("Write a line"));
     writing->column()->addWidget(m_message);
     writing->column()->addWidget(createButtons());
 
-    Card *const reading = addCard(tr("The file as it grows"), 1);
+    Card *const reading = addCard(tr("Log file"), 1);
     reading->column()->addWidget(m_file, 1);
     reading->column()->addWidget(hint(m_path, "logPath"));
 
@@ -89,7 +88,7 @@ QWidget *LogPage::createButtons()
     add(button(tr("Warning"), "logWarning"), &LoggerObject::warn);
     add(button(tr("Error"), "logError"), &LoggerObject::error);
     add(button(tr("Debug"), "logDebug"), &LoggerObject::debug);
-    layout->addWidget(hint(tr("Debug never reaches the file.")), 1);
+    layout->addWidget(hint(tr("Debug messages are not written to the file.")), 1);
     return row;
 }
 
@@ -106,7 +105,7 @@ void LogPage::showFile()
     file.seek(qMax<qint64>(0, file.size() - shownBytes));
     m_file->setPlainText(QString::fromUtf8(file.readAll()));
     m_file->verticalScrollBar()->setValue(m_file->verticalScrollBar()->maximum());
-    m_watcher.addPath(m_path); // a new month's file is another one
+    m_watcher.addPath(m_path); // the log starts a new file every month
 }
 
 void LogPage::changeEvent(QEvent *event)

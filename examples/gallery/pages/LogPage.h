@@ -10,7 +10,7 @@ class QLineEdit;
 class QPlainTextEdit;
 class QSyntaxHighlighter;
 
-/** The host's log, which is on as long as this page lives. */
+/** The log file of the application. The log is on until the page is destroyed. */
 class LogPage : public Page
 {
     Q_OBJECT

@@ -40,7 +40,7 @@ QGridLayout *addGrid(Card *card)
     return grid;
 }
 
-QString kinship()
+QString distributionFamily()
 {
     if (CSystemUtils::IsKylinOs())
         return MachinePage::tr("Kylin");
@@ -54,57 +54,57 @@ QString locationText()
     double latitude = 0;
     double longitude = 0;
     if (!CNetworkUtils::GetIPInfo(country, location, latitude, longitude))
-        return MachinePage::tr("No service answers");
+        return MachinePage::tr("No service answered");
     return MachinePage::tr("%1 (%2, %3)").arg(location).arg(latitude).arg(longitude);
 }
 
 } // namespace
 
 MachinePage::MachinePage(QWidget *parent)
-    : Page(tr("Machine"),
-           tr("Facts are read at once. What asks others, and may wait for them, is asked in the background."),
+    : Page(tr("Machine"), tr("Fast calls run at once. Calls that may block run in the background."),
            "ZyBase/platform/CSystemUtils.h", parent)
     , m_application(
           field(QStringLiteral("org.example.reader.desktop"), tr("Desktop entry"), "pdfApplication"))
 {
     QGridLayout *const facts = addGrid(addCard(tr("Facts")));
     addFact(facts, tr("System"), CSystemUtils::GetSystemVersion(), "system");
-    addFact(facts, tr("Distribution"), tr("%1, %2").arg(CSystemUtils::GetLinuxOsInfo(), kinship()),
+    addFact(facts, tr("Distribution"), tr("%1, %2").arg(CSystemUtils::GetLinuxOsInfo(), distributionFamily()),
             "distribution");
     addFact(facts, tr("Processor"), CSystemUtils::GetHardwareCpuArchitecture(), "processor");
     addFact(facts, tr("Package"), CSystemUtils::GetBundleIdentifier(), "package");
     addFact(facts, tr("Executable"), CFileUtils::GetApplicationFilePath(), "executable");
     addFact(facts, tr("Resources"), CFileUtils::GetResDirPath(), "resources");
-    fillQuestions(addGrid(addCard(tr("Questions"))));
+    fillRequests(addGrid(addCard(tr("On request"))));
     column()->addStretch(1);
 }
 
-void MachinePage::fillQuestions(QGridLayout *questions)
+void MachinePage::fillRequests(QGridLayout *requests)
 {
-    ask(questions, tr("Identifier"), "identifier", button(tr("Read"), "identify"), &MachinePage::identify);
-    ask(questions, tr("Location"), "location", button(tr("Locate"), "locate"), &MachinePage::locate);
-    ask(questions, tr("Network"), "network", button(tr("Test"), "online"), &MachinePage::askForNetwork);
-    const int row = questions->rowCount();
-    questions->addWidget(quiet(tr("Application")), row, 0);
-    questions->addWidget(m_application, row, 1, 1, 2);
-    ask(questions, tr("Opens PDF"), "pdf", button(tr("Ask"), "askForPdf"), &MachinePage::askForPdf);
+    addRequest(requests, tr("Identifier"), "identifier", button(tr("Read"), "identify"),
+               &MachinePage::identify);
+    addRequest(requests, tr("Location"), "location", button(tr("Locate"), "locate"), &MachinePage::locate);
+    addRequest(requests, tr("Network"), "network", button(tr("Test"), "online"), &MachinePage::testNetwork);
+    const int row = requests->rowCount();
+    requests->addWidget(quiet(tr("Application")), row, 0);
+    requests->addWidget(m_application, row, 1, 1, 2);
+    addRequest(requests, tr("Opens PDF"), "pdf", button(tr("Check"), "checkPdf"), &MachinePage::checkPdf);
 }
 
-void MachinePage::ask(QGridLayout *questions, const QString &subject, const char *name, QPushButton *button,
-                      void (MachinePage::*question)(QLabel *, QPushButton *))
+void MachinePage::addRequest(QGridLayout *requests, const QString &subject, const char *name,
+                             QPushButton *button, void (MachinePage::*request)(QLabel *, QPushButton *))
 {
-    const int row = questions->rowCount();
+    const int row = requests->rowCount();
     QLabel *const answer = value(QStringLiteral("–"), name);
-    questions->addWidget(quiet(subject), row, 0);
-    questions->addWidget(answer, row, 1);
-    questions->addWidget(button, row, 2);
+    requests->addWidget(quiet(subject), row, 0);
+    requests->addWidget(answer, row, 1);
+    requests->addWidget(button, row, 2);
     connect(button, &QPushButton::clicked, this,
-            [this, answer, button, question] { (this->*question)(answer, button); });
+            [this, answer, button, request] { (this->*request)(answer, button); });
 }
 
 template <typename Work> void MachinePage::answer(QLabel *answer, QPushButton *button, Work work)
 {
-    answer->setText(tr("Asking …"));
+    answer->setText(tr("Checking …"));
     button->setEnabled(false);
     inBackground(this, work, [answer, button](const QString &text) {
         answer->setText(text);
@@ -112,16 +112,17 @@ template <typename Work> void MachinePage::answer(QLabel *answer, QPushButton *b
     });
 }
 
-// Made and kept in ~/.config/zybase-gallery/device.conf.
+// The identifier is stored in ~/.config/zybase-gallery/device.conf.
 void MachinePage::identify(QLabel *label, QPushButton *button)
 {
     answer(label, button, [] { return CSystemUtils::GetPCID(QString(), QStringLiteral("zybase-gallery")); });
 }
 
-void MachinePage::askForPdf(QLabel *label, QPushButton *button)
+void MachinePage::checkPdf(QLabel *label, QPushButton *button)
 {
     answer(label, button, [application = m_application->text()] {
-        return CAssocUtils::IsPdfLauncher(application) ? tr("Yes, it is the default") : tr("No, another one");
+        return CAssocUtils::IsPdfLauncher(application) ? tr("Yes, it is the default")
+                                                       : tr("No, another application is");
     });
 }
 
@@ -130,9 +131,10 @@ void MachinePage::locate(QLabel *label, QPushButton *button)
     answer(label, button, &locationText);
 }
 
-void MachinePage::askForNetwork(QLabel *label, QPushButton *button)
+void MachinePage::testNetwork(QLabel *label, QPushButton *button)
 {
     answer(label, button, [] {
-        return CNetworkUtils::IsNetWorkOnline() ? tr("Names are resolved") : tr("No name is resolved");
+        return CNetworkUtils::IsNetWorkOnline() ? tr("Names can be resolved")
+                                                : tr("Names cannot be resolved");
     });
 }

@@ -10,7 +10,7 @@ class QLabel;
 class QLineEdit;
 class QPushButton;
 
-/** What the library knows of the machine: at once what is quick, on demand what asks others. */
+/** Information about the machine. Blocking calls run on request, in the background. */
 class MachinePage : public Page
 {
     Q_OBJECT
@@ -19,15 +19,15 @@ public:
     explicit MachinePage(QWidget *parent = nullptr);
 
 private:
-    void fillQuestions(QGridLayout *questions);
-    void ask(QGridLayout *questions, const QString &subject, const char *name, QPushButton *button,
-             void (MachinePage::*question)(QLabel *answer, QPushButton *button));
+    void fillRequests(QGridLayout *requests);
+    void addRequest(QGridLayout *requests, const QString &subject, const char *name, QPushButton *button,
+                    void (MachinePage::*request)(QLabel *answer, QPushButton *button));
     void identify(QLabel *answer, QPushButton *button);
-    void askForPdf(QLabel *answer, QPushButton *button);
+    void checkPdf(QLabel *answer, QPushButton *button);
     void locate(QLabel *answer, QPushButton *button);
-    void askForNetwork(QLabel *answer, QPushButton *button);
+    void testNetwork(QLabel *answer, QPushButton *button);
 
-    /** Has @p work give the text of @p answer in the background; the button waits with it. */
+    /** Calls @p work in the background and shows its result; the button is disabled meanwhile. */
     template <typename Work> void answer(QLabel *answer, QPushButton *button, Work work);
 
     QLineEdit *m_application;

@@ -7,7 +7,7 @@
 
 class Card;
 
-/** A page of the gallery: what the service is for, its header, and cards below that. */
+/** A page of the gallery: the title and purpose of the service, its header, and cards. */
 class Page : public QWidget
 {
     Q_OBJECT
@@ -17,7 +17,7 @@ public:
 
     QString title() const { return m_title; }
 
-    /** Has what runs stop. Once, at the application's end; the event loop runs on for a moment. */
+    /** Starts to stop everything that runs. Called once, before the application quits. */
     virtual void stop() {}
 
 protected:

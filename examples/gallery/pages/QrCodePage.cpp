@@ -12,14 +12,14 @@
 
 namespace {
 
-constexpr int smallest = 120;
-constexpr int first = 260;
-constexpr int largest = 320;
+constexpr int minSide = 120;
+constexpr int initialSide = 260;
+constexpr int maxSide = 320;
 constexpr int step = 20;
-constexpr int mostBytes = 1663;
+constexpr int maxBytes = 1663;
 constexpr int choicesWidth = 272;
 
-// Scanners want a margin of four modules; the smallest symbol has 25 of them to a side.
+// Scanners need a margin of four modules; the side of the smallest symbol has 25.
 int marginOf(int side)
 {
     return side * 4 / 25;
@@ -29,26 +29,26 @@ int marginOf(int side)
 
 QrCodePage::QrCodePage(QWidget *parent)
     : Page(tr("QR code"),
-           tr("A text as an image, from edge to edge: the white margin around it is the host's."),
+           tr("Creates an image without a margin. The application adds the white margin for scanners."),
            "ZyBase/platform/CSystemUtils.h", parent)
-    , m_text(field(QStringLiteral("https://www.example.org"), tr("A text"), "qrText"))
+    , m_text(field(QStringLiteral("https://www.example.org"), tr("Text"), "qrText"))
     , m_state(new Pill(QString(), "qrState"))
     , m_size(new QSlider(Qt::Horizontal))
     , m_sizeText(hint(QString(), "qrSizeText"))
     , m_code(new QLabel)
 {
     m_size->setObjectName(QStringLiteral("qrSize"));
-    m_size->setRange(smallest / step, largest / step);
+    m_size->setRange(minSide / step, maxSide / step);
     m_size->setPageStep(1);
-    m_size->setValue(first / step);
+    m_size->setValue(initialSide / step);
 
     auto *const row = new QHBoxLayout;
     row->setSpacing(16);
     row->addWidget(createChoices());
-    row->addWidget(createStage(), 1);
+    row->addWidget(createCodeCard(), 1);
     column()->addLayout(row, 1);
 
-    connect(m_text, &QLineEdit::textChanged, this, &QrCodePage::forget);
+    connect(m_text, &QLineEdit::textChanged, this, &QrCodePage::clearCodes);
     connect(m_size, &QSlider::valueChanged, this, &QrCodePage::showCode);
     showCode();
 }
@@ -68,8 +68,8 @@ QWidget *QrCodePage::createChoices()
     return card;
 }
 
-// The code's own ground is white in the dark as well: that is how scanners know it.
-QWidget *QrCodePage::createStage()
+// The background is white in the dark theme too, because scanners need it.
+QWidget *QrCodePage::createCodeCard()
 {
     auto *const card = new Card;
     m_code->setObjectName(QStringLiteral("qrCode"));
@@ -78,7 +78,7 @@ QWidget *QrCodePage::createStage()
     return card;
 }
 
-void QrCodePage::forget()
+void QrCodePage::clearCodes()
 {
     m_codes.clear();
     showCode();
@@ -87,27 +87,27 @@ void QrCodePage::forget()
 void QrCodePage::showCode()
 {
     const int side = m_size->value() * step;
-    const int ground = side + 2 * marginOf(side);
+    const int sideWithMargin = side + 2 * marginOf(side);
     const QImage code = codeOf(side);
     m_code->setVisible(!code.isNull());
     m_code->setPixmap(QPixmap::fromImage(code));
-    m_code->setFixedSize(ground, ground);
-    m_sizeText->setText(tr("%1 × %1 pixels\nwith its margin %2 × %2").arg(side).arg(ground));
-    tellState(!code.isNull());
+    m_code->setFixedSize(sideWithMargin, sideWithMargin);
+    m_sizeText->setText(tr("%1 × %1 pixels\nwith margin %2 × %2").arg(side).arg(sideWithMargin));
+    showState(!code.isNull());
 }
 
-void QrCodePage::tellState(bool hasCode)
+void QrCodePage::showState(bool hasCode)
 {
     const int size = m_text->text().toUtf8().size();
     if (hasCode)
-        m_state->tell(Pill::Good, tr("%1 of at most %2 bytes").arg(size).arg(mostBytes));
+        m_state->setState(Pill::Good, tr("%1 of at most %2 bytes").arg(size).arg(maxBytes));
     else if (size == 0)
-        m_state->tell(Pill::Neutral, tr("No text, no code"));
+        m_state->setState(Pill::Neutral, tr("Enter a text"));
     else
-        m_state->tell(Pill::Bad, tr("Too long: %1 bytes").arg(size));
+        m_state->setState(Pill::Bad, tr("Too long: %1 bytes").arg(size));
 }
 
-// Each image that is made takes memory for good, so one that is shown again is kept.
+// GenerateQRCode() leaks some memory for each image, so images are kept.
 QImage QrCodePage::codeOf(int side)
 {
     if (!m_codes.contains(side))

@@ -12,7 +12,7 @@ class QLabel;
 class QLineEdit;
 class QSlider;
 
-/** A text as a QR code, at any size. */
+/** Shows a text as a QR code in a selectable size. */
 class QrCodePage : public Page
 {
     Q_OBJECT
@@ -22,13 +22,13 @@ public:
 
 private:
     QWidget *createChoices();
-    QWidget *createStage();
-    void forget();
+    QWidget *createCodeCard();
+    void clearCodes();
     void showCode();
-    void tellState(bool hasCode);
+    void showState(bool hasCode);
     QImage codeOf(int side);
 
-    QMap<int, QImage> m_codes; ///< those of the text, by their side
+    QMap<int, QImage> m_codes; ///< of the current text, by their side
     QLineEdit *m_text;
     Pill *m_state;
     QSlider *m_size;

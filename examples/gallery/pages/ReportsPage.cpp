@@ -36,7 +36,7 @@ QString textOf(const QJsonObject &object, const char *key)
     return object.value(QLatin1String(key)).toString();
 }
 
-QString pageOfServices()
+QString localServicesPage()
 {
     return textOf(CJsonReader::ParseJsonFileToObject(qEnvironmentVariable("LOCAL_SERVICES")), "page");
 }
@@ -50,16 +50,15 @@ QStringList words(const char *text)
 
 ReportsPage::ReportsPage(const QString &statistics, QWidget *parent)
     : Page(tr("Usage reports"),
-           tr("Named events and signed records, sent in the background. Nobody learns "
-              "how a request ended."),
+           tr("Sends named events and signed records in the background. The outcome is not reported."),
            "ZyBase/analytics/CGaReportManager.h", parent)
     , m_event(new Choice(eventKeys(), "reportEvent"))
-    , m_label(field(QString(), tr("The catalogue's label"), "reportLabel"))
+    , m_label(field(QString(), tr("Label in the catalogue"), "reportLabel"))
     , m_action(new Choice(words("install uninstall uninstall_opt update feedback mf_show payment_completed "
                                 "crash server_run"),
                           "reportAction"))
     , m_status(new Choice(words("start end cancel fail none"), "reportStatus"))
-    , m_sent(table({tr("What"), tr("With"), tr("Time")}, "reportSent"))
+    , m_sent(table({tr("Report"), tr("Details"), tr("Time")}, "reportSent"))
 {
     CGaReportManager *const manager = CGaReportManager::getInstance(nullptr);
     manager->InitGaData(QLatin1String(catalogue), QLatin1String(device), QStringLiteral("G-GALLERY"),
@@ -68,7 +67,7 @@ ReportsPage::ReportsPage(const QString &statistics, QWidget *parent)
                         QStringLiteral("home"));
 
     const bool hasServices = !statistics.isEmpty();
-    addWay(hasServices);
+    addDestination(hasServices);
     auto *const row = new QHBoxLayout;
     row->setSpacing(16);
     row->addWidget(createEventCard(hasServices), 1);
@@ -79,19 +78,19 @@ ReportsPage::ReportsPage(const QString &statistics, QWidget *parent)
     sent->column()->addWidget(m_sent, 1);
 }
 
-void ReportsPage::addWay(bool hasServices)
+void ReportsPage::addDestination(bool hasServices)
 {
     auto *const row = new QHBoxLayout;
     row->setSpacing(12);
-    auto *const state = new Pill(QString(), "reportWay");
+    auto *const state = new Pill(QString(), "reportDestination");
     QLabel *const text = hint(QString(), "reportPage");
     if (hasServices) {
-        state->tell(Pill::Good, tr("Led to the local services"));
-        text->setText(tr("See them arrive at %1").arg(pageOfServices()));
+        state->setState(Pill::Good, tr("Sent to the local services"));
+        text->setText(tr("Arrivals are shown at %1").arg(localServicesPage()));
         text->setTextInteractionFlags(Qt::TextSelectableByMouse);
     } else {
-        state->tell(Pill::Warning, tr("Nothing is sent"));
-        text->setText(tr("Start scripts/local-services and name its file in LOCAL_SERVICES."));
+        state->setState(Pill::Warning, tr("Nothing is sent"));
+        text->setText(tr("Start the gallery with scripts/local-services."));
     }
     row->addWidget(state);
     row->addWidget(text, 1);
@@ -122,7 +121,7 @@ QWidget *ReportsPage::createRecordCard(bool canSend)
     return card;
 }
 
-// The manager passes over an event without a label; that is told here, since nothing else tells it.
+// The manager does not send an event without a label and does not report it, so the page does.
 void ReportsPage::sendEvent()
 {
     CGaReportManager *const manager = CGaReportManager::getInstance(nullptr);
@@ -131,17 +130,19 @@ void ReportsPage::sendEvent()
     const QString label = m_label->text().isEmpty() ? textOf(event, "event_label") : m_label->text();
     manager->SendGaReport(key, m_label->text(), false);
     if (label.isEmpty())
-        return note(tr("event, passed over"), key, tr("It has no label in the catalogue and got none here."));
-    note(tr("event"), textOf(event, "event_name"), tr("%1, %2").arg(textOf(event, "event_category"), label));
+        return addRow(tr("event, not sent"), key,
+                      tr("It has no label in the catalogue, and none was entered."));
+    addRow(tr("event"), textOf(event, "event_name"),
+           tr("%1, %2").arg(textOf(event, "event_category"), label));
 }
 
 void ReportsPage::sendRecord()
 {
     CGaReportManager::getInstance(nullptr)->SendXdReport(m_action->currentText(), m_status->currentText());
-    note(tr("record"), m_action->currentText(), m_status->currentText());
+    addRow(tr("record"), m_action->currentText(), m_status->currentText());
 }
 
-void ReportsPage::note(const QString &kind, const QString &what, const QString &how)
+void ReportsPage::addRow(const QString &kind, const QString &what, const QString &how)
 {
     const QString time = QTime::currentTime().toString(QStringLiteral("HH:mm:ss"));
     m_sent->insertTopLevelItem(0, new QTreeWidgetItem({tr("%1: %2").arg(kind, what), how, time}));

@@ -9,13 +9,13 @@ class Choice;
 class QLineEdit;
 class QTreeWidget;
 
-/** Events and records, sent in the background; with local services only, so that none leaves the machine. */
+/** Sends events and records, but only to local services. */
 class ReportsPage : public Page
 {
     Q_OBJECT
 
 public:
-    /** @param statistics the address for records; empty where there are no local services */
+    /** @param statistics address for records; empty if there are no local services */
     explicit ReportsPage(const QString &statistics, QWidget *parent = nullptr);
 
     void stop() override;
@@ -23,10 +23,10 @@ public:
 private:
     QWidget *createEventCard(bool canSend);
     QWidget *createRecordCard(bool canSend);
-    void addWay(bool hasServices);
+    void addDestination(bool hasServices);
     void sendEvent();
     void sendRecord();
-    void note(const QString &kind, const QString &what, const QString &how);
+    void addRow(const QString &kind, const QString &what, const QString &how);
 
     Choice *m_event;
     QLineEdit *m_label;

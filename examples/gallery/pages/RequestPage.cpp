@@ -19,7 +19,7 @@ namespace {
 
 enum Methods { Get, Post };
 
-constexpr int cancelAgainMs = 100;
+constexpr int cancelIntervalMs = 100;
 constexpr int bodyHeight = 92;
 
 QString readable(const QByteArray &body)
@@ -32,7 +32,7 @@ QString readable(const QByteArray &body)
 
 RequestPage::RequestPage(const QString &address, QWidget *parent)
     : Page(tr("Request"),
-           tr("In the background, and over after ten seconds at most. An outcome always comes."),
+           tr("Runs in the background and ends after ten seconds at most, always with one outcome."),
            "ZyBase/http/CHttpPostRequest.h", parent)
     , m_url(field(address, tr("http://service.example.org/path"), "requestUrl"))
     , m_method(new Choice({QStringLiteral("GET"), QStringLiteral("POST")}, "requestMethod"))
@@ -50,7 +50,7 @@ RequestPage::RequestPage(const QString &address, QWidget *parent)
     connect(m_send, &QPushButton::clicked, this, &RequestPage::send);
     connect(m_cancel, &QPushButton::clicked, this, &RequestPage::cancel);
     connect(&m_cancelling, &QTimer::timeout, this, &RequestPage::cancel);
-    m_cancelling.setInterval(cancelAgainMs);
+    m_cancelling.setInterval(cancelIntervalMs);
     m_cancel->setEnabled(false);
     chooseMethod();
 }
@@ -87,10 +87,10 @@ void RequestPage::send()
 {
     const QJsonDocument body = QJsonDocument::fromJson(m_body->toPlainText().toUtf8());
     if (m_method->currentIndex() == Post && !body.isObject())
-        return end(Pill::Bad, tr("Not sent"), tr("The body is no JSON object."), QByteArray());
+        return end(Pill::Bad, tr("Not sent"), tr("The body is not a JSON object."), QByteArray());
     m_send->setEnabled(false);
     m_cancel->setEnabled(true);
-    m_outcome->tell(Pill::Busy, tr("Waiting"));
+    m_outcome->setState(Pill::Busy, tr("Waiting"));
     m_status->clear();
     m_answer->clear();
     start(QUrl::fromUserInput(m_url->text()), body.object());
@@ -106,10 +106,11 @@ void RequestPage::start(const QUrl &url, const QJsonObject &body)
                     tr("Status %1").arg(status), answer);
             });
     connect(m_request, &CHttpPostRequest::SignalRequestResult, this, [this](const QByteArray &answer) {
-        end(Pill::Good, tr("Over"), tr("This form tells no status: see what the body says."), answer);
+        end(Pill::Good, tr("Finished"), tr("This form has no status."), answer);
     });
-    connect(m_request, &CHttpPostRequest::SignalRequestTimeout, this,
-            [this] { end(Pill::Warning, tr("Timeout"), tr("Ten seconds passed."), QByteArray()); });
+    connect(m_request, &CHttpPostRequest::SignalRequestTimeout, this, [this] {
+        end(Pill::Warning, tr("Timeout"), tr("There was no answer for ten seconds."), QByteArray());
+    });
     connect(m_request, &CHttpPostRequest::SignalRequestCancel, this,
             [this] { end(Pill::Neutral, tr("Cancelled"), QString(), QByteArray()); });
     if (m_method->currentIndex() == Post)
@@ -118,7 +119,7 @@ void RequestPage::start(const QUrl &url, const QJsonObject &body)
         m_request->StartGetRequestAndStatusCode(url, QString());
 }
 
-// A request whose thread hasn't got going doesn't hear the first word: it is said again until it ends.
+// A request whose thread has just started ignores the signal, so it is sent until the request has ended.
 void RequestPage::cancel()
 {
     if (!m_request)
@@ -133,7 +134,7 @@ void RequestPage::end(Pill::Tone tone, const QString &outcome, const QString &st
     m_cancelling.stop();
     m_send->setEnabled(true);
     m_cancel->setEnabled(false);
-    m_outcome->tell(tone, outcome);
+    m_outcome->setState(tone, outcome);
     m_status->setText(status);
     m_answer->setPlainText(readable(body));
 }

@@ -19,13 +19,13 @@ namespace ZyBase {
 class CHttpPostRequest;
 }
 
-/** One request at a time, in the background, and its outcome. */
+/** Runs one request at a time in the background and shows its outcome. */
 class RequestPage : public Page
 {
     Q_OBJECT
 
 public:
-    /** @param address what requests go to at first, or empty */
+    /** @param address shown first; may be empty */
     explicit RequestPage(const QString &address, QWidget *parent = nullptr);
 
     void stop() override;
@@ -39,7 +39,7 @@ private:
     void cancel();
     void end(Pill::Tone tone, const QString &outcome, const QString &status, const QByteArray &body);
 
-    QPointer<ZyBase::CHttpPostRequest> m_request; ///< the one that runs
+    QPointer<ZyBase::CHttpPostRequest> m_request; ///< the running one
     QTimer m_cancelling;
     QLineEdit *m_url;
     Choice *m_method;

@@ -5,18 +5,18 @@
 #include <QFrame>
 #include <QVBoxLayout>
 
-/** A rounded ground for what belongs together, in a column. */
+/** A rounded frame with a column of related widgets. */
 class Card : public QFrame
 {
     Q_OBJECT
 
 public:
-    /** An empty @p title is none. */
+    /** @param title no title if empty */
     explicit Card(const QString &title = QString(), QWidget *parent = nullptr);
 
     QVBoxLayout *column() const { return m_column; }
 
-    /** A row of its own below what is there. */
+    /** Adds a row at the end of the column. */
     QHBoxLayout *addRow();
 
 private:

@@ -4,7 +4,7 @@
 
 #include <QComboBox>
 
-/** A drop-down list whose arrow has the colours of the look. */
+/** A drop-down list whose arrow has the colours of the theme. */
 class Choice : public QComboBox
 {
     Q_OBJECT

@@ -11,14 +11,14 @@ Pill::Pill(const QString &text, const char *name, QWidget *parent)
     setObjectName(QLatin1String(name));
     setTextFormat(Qt::PlainText);
     setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Maximum);
-    tell(Neutral, text);
+    setState(Neutral, text);
 }
 
-void Pill::tell(Tone tone, const QString &text)
+void Pill::setState(Tone tone, const QString &text)
 {
     static constexpr const char *names[] = {"neutral", "busy", "good", "warning", "bad"};
     setText(text);
     setProperty("tone", QLatin1String(names[tone]));
-    style()->unpolish(this); // the style sheet looks at properties here only
+    style()->unpolish(this); // applies the style sheet to the new property
     style()->polish(this);
 }

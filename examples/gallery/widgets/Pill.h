@@ -4,7 +4,7 @@
 
 #include <QLabel>
 
-/** A short word on how things stand, in the colour of how good that is. */
+/** A short state in the colour of its tone. */
 class Pill : public QLabel
 {
     Q_OBJECT
@@ -14,5 +14,5 @@ public:
 
     Pill(const QString &text, const char *name, QWidget *parent = nullptr);
 
-    void tell(Tone tone, const QString &text);
+    void setState(Tone tone, const QString &text);
 };

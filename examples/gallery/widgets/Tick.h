@@ -4,7 +4,7 @@
 
 #include <QCheckBox>
 
-/** A check box whose mark has the colours of the look. */
+/** A check box whose mark has the colours of the theme. */
 class Tick : public QCheckBox
 {
     Q_OBJECT

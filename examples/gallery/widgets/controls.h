@@ -8,30 +8,29 @@
 #include <QPushButton>
 #include <QTreeWidget>
 
-// The gallery's plain controls. Texts are shown as they stand: what comes from outside is never taken for
-// HTML. The name, where one is given, is the objectName.
+// Creates the controls of the gallery. Texts are plain text, never HTML. The name is the objectName.
 
 QPushButton *button(const QString &text, const char *name);
 
-/** The one button of a page that its service is started by. */
+/** Creates the button that starts the service of a page. */
 QPushButton *primaryButton(const QString &text, const char *name);
 
 QLineEdit *field(const QString &text, const QString &placeholder, const char *name);
 
-/** A text of several lines in letters of one width, to be read only. */
+/** Creates a read-only view of several lines in a monospace font. */
 QPlainTextEdit *textView(const char *name);
 
-/** A list with these columns, of which the first takes what room there is. */
+/** Creates a table whose first column takes the remaining width. */
 QTreeWidget *table(const QStringList &columns, const char *name);
 
 QLabel *heading(const QString &text);
 QLabel *quiet(const QString &text);
 
-/** A value that can be marked and copied. */
+/** Creates a label whose text can be selected. */
 QLabel *value(const QString &text, const char *name);
 
-/** A large one. */
+/** Creates a label in a large font. */
 QLabel *figure(const QString &text, const char *name);
 
-/** Small explaining text, as many lines as it takes. */
+/** Creates a label in a small font that wraps its lines. */
 QLabel *hint(const QString &text, const char *name = "");

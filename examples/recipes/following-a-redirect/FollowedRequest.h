@@ -13,7 +13,8 @@
  * Use ZyBase::CHttpPostRequest for addresses that do not redirect. Unlike there, certificates are checked
  * here.
  *
- * Runs one request at a time, in a thread with an event loop. The object may be deleted at any time.
+ * Runs one request at a time, in a thread with an event loop. The object may be deleted while a request runs;
+ * in a slot of its signals, use deleteLater().
  */
 class FollowedRequest : public QObject
 {

@@ -14,13 +14,13 @@
 
 #include <memory>
 
-/** What a test of the gallery plays on: a display, a home, the local services and a desktop's settings. */
-class Stage
+/** Provides a test with a gallery, a display, a home directory, local services and desktop settings. */
+class GalleryFixture
 {
 public:
-    static constexpr int patience = 60000;
+    static constexpr int timeoutMs = 60000;
 
-    /** Runs the test on a display of its own, or without one where there can be none. */
+    /** Runs the test on a virtual display, or without a display if none can be started. */
     template <class Test> static int run(int argc, char **argv)
     {
         VirtualDisplay display;
@@ -30,17 +30,19 @@ public:
         return QTest::qExec(&test, argc, argv);
     }
 
-    /** Why the test must be skipped; null when it needn't. */
-    static const char *obstacle();
+    /** Returns why the test must be skipped, or null. */
+    static const char *skipReason();
 
-    Stage();
+    GalleryFixture();
 
     LocalWorld &world() { return m_world; }
     const DevelopmentServices &services() const { return m_services; }
     QString homePath(const QString &name) const { return m_home.filePath(name); }
 
-    /** What the desktop's settings say, such as "Adwaita-dark"; not while they hang. */
+    /** Sets the theme of the desktop, for example "Adwaita-dark". */
     void setTheme(const QByteArray &theme);
+
+    /** Blocks all reads of the theme until releaseTheme(). */
     void holdTheme();
     void releaseTheme();
 
@@ -55,11 +57,11 @@ public:
 
     void close();
 
-    /** What the gallery's own main() gives at the end to all that was stopped. */
-    static void lastMoment();
+    /** Waits until the requests that have ended are deleted: a request deletes itself one second later. */
+    static void waitForDeletionOfRequests();
 
 private:
-    Q_DISABLE_COPY(Stage)
+    Q_DISABLE_COPY(GalleryFixture)
     static std::unique_ptr<QCoreApplication> createApplication(int &argc, char **argv, bool hasDisplay);
 
     TemporaryHome m_home;

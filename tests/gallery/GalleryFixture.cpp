@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 
-#include "Stage.h"
+#include "GalleryFixture.h"
 
 #include "Files.h"
 
@@ -8,13 +8,14 @@
 
 namespace {
 
-constexpr int lastMomentMs = 1500;
+// Longer than the second after which a request of the gallery deletes itself.
+constexpr int requestLifetimeMs = 1500;
 const QString themeFile = QStringLiteral("theme");
 const QString holdFile = QStringLiteral("hold");
 
 } // namespace
 
-const char *Stage::obstacle()
+const char *GalleryFixture::skipReason()
 {
     if (!VirtualDisplay::isAvailable())
         return "Xvfb is not installed";
@@ -23,8 +24,8 @@ const char *Stage::obstacle()
     return nullptr;
 }
 
-// No desktop of the machine has a say in how the gallery looks.
-std::unique_ptr<QCoreApplication> Stage::createApplication(int &argc, char **argv, bool hasDisplay)
+// The settings of the machine's desktop must not change how the gallery looks.
+std::unique_ptr<QCoreApplication> GalleryFixture::createApplication(int &argc, char **argv, bool hasDisplay)
 {
     if (!hasDisplay)
         return std::make_unique<QCoreApplication>(argc, argv);
@@ -38,7 +39,7 @@ std::unique_ptr<QCoreApplication> Stage::createApplication(int &argc, char **arg
     return application;
 }
 
-Stage::Stage()
+GalleryFixture::GalleryFixture()
 {
     m_tools.add(QStringLiteral("which"), "exit 0");
     m_tools.add(QStringLiteral("gsettings"), "while [ -e \"$HOME/hold\" ]; do /bin/sleep 0.05; done\n"
@@ -48,22 +49,22 @@ Stage::Stage()
     m_services = useDevelopmentServices();
 }
 
-void Stage::setTheme(const QByteArray &theme)
+void GalleryFixture::setTheme(const QByteArray &theme)
 {
     writeFile(homePath(themeFile), theme);
 }
 
-void Stage::holdTheme()
+void GalleryFixture::holdTheme()
 {
     writeFile(homePath(holdFile), "");
 }
 
-void Stage::releaseTheme()
+void GalleryFixture::releaseTheme()
 {
     QFile::remove(homePath(holdFile));
 }
 
-Gallery &Stage::open(const QByteArray &theme)
+Gallery &GalleryFixture::open(const QByteArray &theme)
 {
     close();
     m_directory = std::make_unique<QTemporaryDir>();
@@ -71,33 +72,33 @@ Gallery &Stage::open(const QByteArray &theme)
     return reopen(m_services);
 }
 
-Gallery &Stage::reopen(const DevelopmentServices &services)
+Gallery &GalleryFixture::reopen(const DevelopmentServices &services)
 {
     close();
     m_gallery = std::make_unique<Gallery>(m_directory->path(), services);
-    if (!QTest::qWaitForWindowExposed(&m_gallery->window(), patience))
-        qFatal("The gallery does not show");
-    const auto isAsked = [this] {
-        return m_gallery->text("verdict") != QStringLiteral("Asking the desktop …");
+    if (!QTest::qWaitForWindowExposed(&m_gallery->window(), timeoutMs))
+        qFatal("The window of the gallery is not shown");
+    const auto isThemeKnown = [this] {
+        return m_gallery->text("desktopTheme") != QStringLiteral("Reading the desktop …");
     };
-    if (!QFile::exists(homePath(holdFile)) && !QTest::qWaitFor(isAsked, patience))
-        qFatal("The desktop does not answer");
+    if (!QFile::exists(homePath(holdFile)) && !QTest::qWaitFor(isThemeKnown, timeoutMs))
+        qFatal("The theme of the desktop is not read");
     return *m_gallery;
 }
 
-bool Stage::isDark() const
+bool GalleryFixture::isDark() const
 {
     return m_gallery->window().palette().color(QPalette::Window).lightness() < 128;
 }
 
-void Stage::close()
+void GalleryFixture::close()
 {
     if (m_gallery)
         m_gallery->window().stopServices();
     m_gallery.reset();
 }
 
-void Stage::lastMoment()
+void GalleryFixture::waitForDeletionOfRequests()
 {
-    QTest::qWait(lastMomentMs);
+    QTest::qWait(requestLifetimeMs);
 }
