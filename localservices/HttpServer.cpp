@@ -55,7 +55,8 @@ void writeContent(Connection &connection, const HttpRequest &request, qint64 siz
     const qint64 pieceSize = rate > 0 ? qMax(qint64(1), rate / piecesPerSecond) : pieceSizeBytes;
     for (qint64 offset = 0; isOpen && offset < end;) {
         const QByteArray bytes = piece(offset, qMin(pieceSize, end - offset));
-        isOpen = connection.write(bytes) && (rate == 0 || connection.sleep(int(qint64(bytes.size()) * 1000 / rate)));
+        isOpen = connection.write(bytes)
+                 && (rate == 0 || connection.sleep(int(qint64(bytes.size()) * 1000 / rate)));
         offset += bytes.size();
     }
 }
