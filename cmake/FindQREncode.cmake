@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: LGPL-2.1-or-later
 #
-# Finds libqrencode 3 or 4. Leaves QREncode_FOUND and the target QREncode::QREncode.
+# Finds libqrencode 3 or 4. Sets QREncode_FOUND and defines the target QREncode::QREncode.
 
 find_path(QREncode_INCLUDE_DIR NAMES qrencode.h)
 find_library(QREncode_LIBRARY NAMES qrencode)

@@ -1,8 +1,7 @@
 # SPDX-License-Identifier: LGPL-2.1-or-later
 #
-# Finds QuaZip for Qt 5 in any of the forms that distributions carry: the CMake package of
-# 1.x (QuaZip-Qt5), and the bare header folder and library of 0.9 (quazip5) or of a 1.x that
-# came without it. Leaves QuaZip_FOUND and the target QuaZip::QuaZip.
+# Finds QuaZip for Qt 5: by the CMake package of 1.x (QuaZip-Qt5), or by its headers and library if it has no
+# package, as 0.9 (quazip5). Sets QuaZip_FOUND and defines the target QuaZip::QuaZip.
 
 find_package(QuaZip-Qt5 QUIET CONFIG)
 

@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: LGPL-2.1-or-later
 #
-# Looks for what the library is built on. What is missing ends the configuration with one
-# line that names it and the Debian package that brings it.
+# Finds the dependencies. If one is missing, the configuration ends with one line that names it and its Debian
+# package.
 
 # zybase_require(<name> <version> [COMPONENTS <component>...] PACKAGE <Debian package>)
 macro(zybase_require name version)

@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: LGPL-2.1-or-later
 #
-# What cmake --install puts where, and the ways in which build systems find it there: a CMake package,
-# a pkg-config file and a qmake module. All of it may be moved afterwards: no installed file has a path
-# of the prefix.
+# Rules for cmake --install: the libraries, and the files by which build systems find them. These are a CMake
+# package, a pkg-config file and a qmake module. The installed tree is relocatable: no installed file contains
+# the prefix.
 
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
@@ -15,13 +15,14 @@ function(zybase_install_shared_object target)
         INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
 endfunction()
 
-# zybase_install_description(<template> <folder>): a file that names the prefix as seen from where it lies.
-function(zybase_install_description template folder)
+# zybase_install_description(<template> <directory>): installs a file that names the prefix relative to its own
+# directory.
+function(zybase_install_description template directory)
     get_filename_component(name "${template}" NAME_WLE)
-    file(RELATIVE_PATH ZYBASE_UP_TO_PREFIX "/prefix/${folder}" "/prefix")
+    file(RELATIVE_PATH ZYBASE_UP_TO_PREFIX "/prefix/${directory}" "/prefix")
     string(REGEX REPLACE "/$" "" ZYBASE_UP_TO_PREFIX "${ZYBASE_UP_TO_PREFIX}")
     configure_file("${template}" "${PROJECT_BINARY_DIR}/${name}" @ONLY)
-    install(FILES "${PROJECT_BINARY_DIR}/${name}" DESTINATION "${folder}" COMPONENT devel)
+    install(FILES "${PROJECT_BINARY_DIR}/${name}" DESTINATION "${directory}" COMPONENT devel)
 endfunction()
 
 function(zybase_install_packages)

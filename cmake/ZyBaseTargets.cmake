@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: LGPL-2.1-or-later
 #
-# What every target of this tree is compiled and linked with.
+# The options that all targets of this tree are compiled and linked with.
 
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
@@ -9,19 +9,18 @@ if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
     set(CMAKE_BUILD_TYPE RelWithDebInfo)
 endif()
 
-# Every shared object of the tree in one folder, as hosts ship them, so that each finds the
-# other beside itself in the build tree too.
+# All shared objects of the build are in one directory, as in an application's package. Each finds the other
+# beside itself.
 set(ZYBASE_LIBRARY_DIR "${CMAKE_CURRENT_BINARY_DIR}/lib")
 
-# C++17, our warnings and the Qt strictness of a library: for our own sources only, nothing
-# of it reaches a host.
+# Sets C++17, the warnings and Qt's strict mode. All are PRIVATE: applications do not inherit them.
 function(zybase_compile target)
     target_compile_features(${target} PRIVATE cxx_std_17)
     set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
-    # Before glibc 2.34 the thread functions are a library of their own.
+    # Before glibc 2.34 the thread functions are in a separate library.
     target_link_libraries(${target} PRIVATE Threads::Threads)
     target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
-        # Qt's own macros are called without their last arguments.
+        # Qt's macros are used without their last arguments.
         $<$<CXX_COMPILER_ID:Clang>:-Wno-gnu-zero-variadic-macro-arguments>
         $<$<BOOL:${ZYBASE_WARNINGS_AS_ERRORS}>:-Werror>)
     target_compile_definitions(${target} PRIVATE
@@ -37,14 +36,14 @@ function(zybase_compile target)
     endif()
 endfunction()
 
-# A shared object that hosts ship beside themselves: the SONAME is the plain file name, the
-# calls inside it are bound at link time, and it looks for its siblings where it lies.
+# A shared object that applications ship with their program. The SONAME is the plain file name, internal calls
+# are bound at link time, and other libraries are searched for in its own directory.
 function(zybase_shared_object target)
     zybase_compile(${target})
     target_compile_options(${target} PRIVATE -fno-semantic-interposition)
     target_link_options(${target} PRIVATE -Wl,-Bsymbolic-functions -Wl,-z,defs)
     if(ZYBASE_SANITIZE)
-        # The sanitizers' own symbols come with the program.
+        # The program defines the symbols of the sanitizers.
         target_link_options(${target} PRIVATE -Wl,-z,undefs)
     endif()
     set_target_properties(${target} PROPERTIES
@@ -53,8 +52,8 @@ function(zybase_shared_object target)
         INSTALL_RPATH "$ORIGIN")
 endfunction()
 
-# zybase_export(<target> <list>): the library exports the C++ names of the list and nothing else, whatever
-# the compiler and its options make of inline functions.
+# zybase_export(<target> <list>): exports the C++ names of the list and no others. The compiler and its options
+# make no difference.
 function(zybase_export target list)
     file(READ "${list}" names)
     string(REGEX REPLACE "#[^\n]*\n" "" names "${names}")

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: LGPL-2.1-or-later
-"""What the programs beside this one know of a page's Markdown."""
+"""The parts of Markdown that the programs in this directory recognise."""
 
 import re
 
@@ -10,7 +10,7 @@ REMOTE = re.compile(r"[a-z]+:")
 
 
 def slug(heading):
-    """The anchor that code hosts give a heading."""
+    """Returns the anchor of a heading, as on the usual web sites for source code."""
     return re.sub(r"[^\w\- ]", "", heading.lower()).replace(" ", "-")
 
 
