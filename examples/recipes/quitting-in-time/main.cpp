@@ -4,8 +4,8 @@
 //
 //     recipe-quitting-in-time [--plainly] ADDRESS...
 //
-// Starts a request for each address and quits one second later. With --plainly it quits without any care; try
-// an address whose name server does not answer.
+// Starts a request for each address and quits one second later. With --plainly it quits without these
+// precautions: try an address whose name server does not answer.
 
 #include "../PrintLine.h"
 #include "OwnedRequest.h"
@@ -34,10 +34,12 @@ void startRequest(RunningRequests &requests, const QUrl &url)
     request->StartGetRequest(url, QString());
 }
 
-int runInTime(const QStringList &addresses)
+int runInTime(int argc, char **argv)
 {
+    const QCoreApplication application(argc, argv);
+    QTimer::singleShot(timeOfUse, &application, &QCoreApplication::quit);
     RunningRequests requests;
-    for (const QString &address : addresses)
+    for (const QString &address : QCoreApplication::arguments().mid(1))
         startRequest(requests, QUrl(address));
     const int exitCode = QCoreApplication::exec();
 
@@ -46,11 +48,13 @@ int runInTime(const QStringList &addresses)
     if (!requests.stopAll(timeToStop))
         endProcess(exitCode);
     return exitCode;
-}
+} // destroying the application object waits for unfinished name lookups
 
-int runPlainly(const QStringList &addresses)
+int runPlainly(int argc, char **argv)
 {
-    for (const QString &address : addresses)
+    const QCoreApplication application(argc, argv);
+    QTimer::singleShot(timeOfUse, &application, &QCoreApplication::quit);
+    for (const QString &address : QCoreApplication::arguments().mid(2))
         (new CHttpPostRequest)->StartGetRequest(QUrl(address), QString());
     return QCoreApplication::exec();
 }
@@ -59,17 +63,10 @@ int runPlainly(const QStringList &addresses)
 
 int main(int argc, char **argv)
 {
-    bool isPlain = false;
-    int exitCode = 0;
-    {
-        QCoreApplication application(argc, argv);
-        QStringList addresses = QCoreApplication::arguments().mid(1);
-        isPlain = addresses.removeAll(QStringLiteral("--plainly")) > 0;
-        QTimer::singleShot(timeOfUse, &application, &QCoreApplication::quit);
-        exitCode = isPlain ? runPlainly(addresses) : runInTime(addresses);
-    } // Qt waits for unfinished name lookups here
+    if (argc > 1 && qstrcmp(argv[1], "--plainly") == 0)
+        return runPlainly(argc, argv);
+
+    const int exitCode = runInTime(argc, argv);
     printLine(QStringLiteral("The application object is destroyed"));
-    if (isPlain)
-        return exitCode;
-    endProcess(exitCode);
+    endProcess(exitCode); // the last line of main()
 }
