@@ -15,8 +15,8 @@ function(zybase_install_shared_object target)
         INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
 endfunction()
 
-# zybase_install_description(<template> <directory>): installs a file that names the prefix relative to its own
-# directory.
+# zybase_install_description(<template> <directory>): installs a file that names the prefix relative to its
+# own directory.
 function(zybase_install_description template directory)
     get_filename_component(name "${template}" NAME_WLE)
     file(RELATIVE_PATH ZYBASE_UP_TO_PREFIX "/prefix/${directory}" "/prefix")

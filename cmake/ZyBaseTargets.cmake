@@ -52,8 +52,8 @@ function(zybase_shared_object target)
         INSTALL_RPATH "$ORIGIN")
 endfunction()
 
-# zybase_export(<target> <list>): exports the C++ names of the list and no others. The compiler and its options
-# make no difference.
+# zybase_export(<target> <list>): exports the C++ names of the list and no others. The compiler and its
+# options make no difference.
 function(zybase_export target list)
     file(READ "${list}" names)
     string(REGEX REPLACE "#[^\n]*\n" "" names "${names}")

@@ -15,8 +15,8 @@
  * **Threads.** Not thread-safe: use the object only in the thread that created it, which may be the GUI
  * thread.
  *
- * **Blocking.** ReportGaData() with @p sync true blocks for 10000 ms at most; Qt's coarse timer can make
- * that 10500 ms. All other functions return at once and never block.
+ * **Blocking.** ReportGaData() with @p sync true blocks for at most 10 seconds; Qt's coarse timer can
+ * extend this to 10.5 seconds. All other functions return at once and never block.
  *
  * **Failures.** No function reports a failure. An event that could not be sent is lost.
  *
@@ -54,8 +54,9 @@ public:
     /**
      * Sets the identifiers of all requests that start later. No value is checked.
      *
-     * @param clientId the installation, for example the result of ZyBase::CSystemUtils::GetPCID()
-     * @param measurementId the data stream
+     * @param clientId identifier of the installation, for example the result of
+     * ZyBase::CSystemUtils::GetPCID()
+     * @param measurementId identifier of the data stream
      * @param apiSecret the secret of the data stream
      */
     void InitData(const QString &clientId, const QString &measurementId, const QString &apiSecret);

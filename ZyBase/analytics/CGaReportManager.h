@@ -50,9 +50,9 @@ namespace ZyBase {
  * may be the GUI thread. That thread must run an event loop. Without one, background requests are never
  * deleted, and events are never stopped.
  *
- * **Blocking.** SendGaReport() with @p sync true blocks for 10000 ms at most; Qt's coarse timer can make
- * that 10500 ms. InitGaData() blocks while it reads the catalogue file. All other functions return at once
- * and never block.
+ * **Blocking.** SendGaReport() with @p sync true blocks for at most 10 seconds; Qt's coarse timer can extend
+ * this to 10.5 seconds. InitGaData() blocks while it reads the catalogue file. All other functions return at
+ * once and never block.
  *
  * **Failures.** No function reports a failure. An unreadable catalogue, an unknown key and a failed request
  * have no visible effect.
@@ -60,8 +60,8 @@ namespace ZyBase {
  * **Lifetime.** The library never deletes the instance.
  *
  * @warning Quitting while a request runs can crash the process. In a test with one background request, 97
- * of 1,000 processes crashed, and 186 of 1,000 if the request was a child of the application object. Quit
- * as @ref guide-quitting-in-time "docs/guide/quitting-in-time.md" shows: none of 1,483 processes crashed.
+ * of 1,000 processes crashed. If the request was a child of the application object, 186 crashed. Quit as
+ * @ref guide-quitting-in-time "docs/guide/quitting-in-time.md" shows: none of 1,483 processes crashed.
  *
  * @warning A QCoreApplication object must exist. Without one, SendGaReport() with @p sync true never
  * returns and uses a whole processor core. If the system has no thread left for Qt's network code (EAGAIN),
@@ -112,13 +112,13 @@ public:
      * Blocks while it reads the whole file in the calling thread. The identifiers are set even if the file
      * cannot be read. A second call adds to the catalogue; events are never removed.
      *
-     * @param configPath the path of the catalogue; a file that is missing, malformed or not an array adds
-     * no events
-     * @param clientId the installation, for example the result of CSystemUtils::GetPCID()
-     * @param measurementId the data stream
+     * @param configPath the path of the catalogue; a file that is missing, malformed or not an array adds no
+     * events
+     * @param clientId identifier of the installation, for example the result of CSystemUtils::GetPCID()
+     * @param measurementId identifier of the data stream
      * @param apiSecret the secret of the data stream
      *
-     * @see GetGaData() returns an empty object if an event was not read.
+     * @see GetGaData(), which returns an empty object if an event was not read
      */
     void InitGaData(const QString &configPath, const QString &clientId, const QString &measurementId,
                     const QString &apiSecret);
@@ -130,7 +130,7 @@ public:
      *
      * @param eventKey the key of the event, case-sensitive
      * @param labelOverride replaces the label of the catalogue for this call; an empty string keeps it
-     * @param sync true waits for the end of the request, 10000 ms at most, in a nested event loop that
+     * @param sync true waits for the end of the request, at most 10 seconds, in a nested event loop that
      * delivers the thread's other events; false sends in the background and returns at once
      * @throws std::system_error with @p sync false, if the system cannot create a thread
      */
@@ -148,7 +148,7 @@ public:
      * Sets the URL of the statistics backend and the description of the installation. No value is checked.
      *
      * @param reportUrl the URL of the backend, without a query
-     * @param deviceId the installation, for example the result of CSystemUtils::GetPCID()
+     * @param deviceId identifier of the installation, for example the result of CSystemUtils::GetPCID()
      * @param product the name of the application, as the backend expects it
      * @param version the version of the application, as the backend expects it
      * @param qd the source of the installation; "home" before the first call. An empty string replaces it.

@@ -45,19 +45,19 @@
  * runs in a thread of its own, which emits the outcome signal. A receiver in another thread gets the signal
  * queued and needs a running event loop there.
  *
- * **Blocking.** StartRequestSync() blocks for 10000 ms at most; Qt's coarse timer can make that 10500 ms.
- * It runs a nested event loop: other events of the calling thread are delivered meanwhile. All other
+ * **Blocking.** StartRequestSync() blocks for at most 10 seconds; Qt's coarse timer can extend this to 10.5
+ * seconds. It runs a nested event loop: other events of the calling thread are delivered meanwhile. All other
  * functions return at once and never block.
  *
  * **Failures.** StartRequestSync() returns false. A background request does not report whether the event
  * was delivered.
  *
- * **Lifetime.** The object must outlive its background requests by at least the last steps of their
- * threads.
+ * **Lifetime.** The object must exist until the threads of its background requests have ended. Delete it one
+ * second after the outcome signal.
  *
- * @warning Deleting the object while a request runs is undefined behaviour, and so is deleting it at once
- * in the slot of its outcome signal, also with deleteLater(). The destructor neither waits nor cancels.
- * Create the object without a parent, and delete it one second after its outcome, as
+ * @warning Deleting the object while a request runs is undefined behaviour. The same applies to deleting it
+ * at once in the slot of its outcome signal, even with deleteLater(). The destructor neither waits nor
+ * cancels. Create the object without a parent, and delete it one second after its outcome, as
  * @ref guide-deleting-a-request "docs/guide/deleting-a-request.md" shows for ZyBase::CHttpPostRequest.
  *
  * @warning Quitting while a background request runs can crash the process. Quit as
@@ -77,8 +77,8 @@ public:
     /**
      * Creates an object without a request.
      *
-     * @param parent the parent, in the same thread. Pass nullptr if you use background requests: a parent
-     * may delete the object while they run.
+     * @param parent the parent, in the same thread. Pass nullptr if you use background requests: a parent may
+     * delete the object while they run.
      */
     explicit CGoogleAnalytics(QObject *parent = nullptr);
 
@@ -93,8 +93,8 @@ public:
     /**
      * Sends the event and waits for the answer. The request cannot be stopped, and no signal is emitted.
      *
-     * @param clientId the installation; also sent as the user identifier
-     * @param measurementId the data stream
+     * @param clientId identifier of the installation; also sent as the user identifier
+     * @param measurementId identifier of the data stream
      * @param apiSecret the secret of the data stream
      * @param eventName the name of the event
      * @param eventCategory the category of the event
@@ -105,7 +105,7 @@ public:
      * @warning If the application quits meanwhile, the call returns at once with true, although no answer
      * came. Send a last event in a slot of aboutToQuit() or after exec().
      *
-     * @see StartRequestAsync() does not block.
+     * @see StartRequestAsync(), which does not block
      */
     bool StartRequestSync(const QString &clientId, const QString &measurementId, const QString &apiSecret,
                           const QString &eventName, const QString &eventCategory, const QString &eventLabel);
@@ -116,8 +116,8 @@ public:
      * Emits one of SignalRequestTimeout(), SignalRequestCancel() and SignalRequestResult() when the request
      * has ended.
      *
-     * @param clientId the installation; also sent as the user identifier
-     * @param measurementId the data stream
+     * @param clientId identifier of the installation; also sent as the user identifier
+     * @param measurementId identifier of the data stream
      * @param apiSecret the secret of the data stream
      * @param eventName the name of the event
      * @param eventCategory the category of the event

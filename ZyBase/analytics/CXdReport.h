@@ -72,7 +72,8 @@ public:
      * checked.
      *
      * @param reportUrl the URL of the backend, without a query: "?sign=" is appended in any case
-     * @param deviceId the installation, for example the result of ZyBase::CSystemUtils::GetPCID()
+     * @param deviceId identifier of the installation, for example the result of
+     * ZyBase::CSystemUtils::GetPCID()
      * @param product the name of the application
      * @param version the version of the application
      * @param qd the source of the installation; an empty string replaces "home"
@@ -83,8 +84,7 @@ public:
     /**
      * Sends a record in the background. Before InitData() it has no URL and is lost.
      *
-     * @param action any string; ZyBase::CGaReportManager::SendXdReport() lists those that backends
-     * recognise
+     * @param action any string; ZyBase::CGaReportManager::SendXdReport() lists those that backends recognise
      * @param status any string; listed there, too
      * @throws std::system_error if the system cannot create a thread
      */

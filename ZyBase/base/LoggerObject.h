@@ -55,9 +55,9 @@ public:
      *
      * The file name is the first argument, although it is the last part of the path.
      *
-     * An existing file is continued. At the first line of a new month, the file of the finished month gets
-     * the suffix ".yyyy-MM", for example "app.log.2026-11", and a new file is created. A process that starts
-     * in a new month continues the old file.
+     * An existing file is continued. The first line of a new month starts a new file. The file of the
+     * finished month gets the suffix ".yyyy-MM", for example "app.log.2026-11". A process that starts in a
+     * new month continues the old file.
      *
      * The directory "log" is created inside an existing base directory; no other directory is created. Blocks
      * for creating the directory and opening the file.
@@ -69,7 +69,6 @@ public:
      * both files, or twice to the same file. Call ReleaseLogger() first.
      *
      * @see ReleaseLogger()
-     * @since 0.1.0
      */
     static void InitLogger(const char *pszFileName, const char *pszBaseDir);
 
@@ -84,7 +83,6 @@ public:
      * itself, configure it again after this call, or do not call this function.
      *
      * @see InitLogger()
-     * @since 0.1.0
      */
     static void ReleaseLogger();
 
@@ -95,7 +93,6 @@ public:
      * start new lines in the file. A null message is a complete line with an empty message.
      *
      * @see InitLogger()
-     * @since 0.1.0
      */
     static void error(const char *pszMessage);
 
@@ -104,7 +101,6 @@ public:
      *
      * @param pszMessage as for error()
      * @see error()
-     * @since 0.1.0
      */
     static void warn(const char *pszMessage);
 
@@ -113,7 +109,6 @@ public:
      *
      * @param pszMessage as for error()
      * @see error()
-     * @since 0.1.0
      */
     static void info(const char *pszMessage);
 
@@ -125,7 +120,6 @@ public:
      *
      * @param pszMessage as for error()
      * @see error()
-     * @since 0.1.0
      */
     static void debug(const char *pszMessage);
 };

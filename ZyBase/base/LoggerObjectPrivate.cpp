@@ -74,7 +74,7 @@ void LoggerObjectPrivate::InitLogger(const char *pszFileName, const char *pszBas
 {
     m_pRootLogger = Log4Qt::Logger::rootLogger();
 
-    // The event loop deletes both: log4qt can be in the middle of a call when their last pointer goes.
+    // The event loop deletes both, because log4qt can still use them when their last pointer is destroyed.
     const QSharedPointer<Log4Qt::Layout> layout(createLayout(), &QObject::deleteLater);
     const QString strFilePath =
         QString::fromUtf8(pszBaseDir) + QStringLiteral("/log/") + QString::fromUtf8(pszFileName);

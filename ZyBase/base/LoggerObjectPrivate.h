@@ -40,7 +40,6 @@ public:
      *
      * @return the instance, never null. Do not delete it.
      * @see s_pLogger
-     * @since 0.1.0
      */
     static LoggerObjectPrivate *getInstance();
 
@@ -51,13 +50,14 @@ public:
      * switch its log off. Use getInstance().
      *
      * @see getInstance()
-     * @since 0.1.0
      */
     LoggerObjectPrivate();
 
     /**
-     * Switches the log on: attaches a new appender with the name "My Appender" to the root logger, opens the
-     * file and sets the level of the root logger to DEBUG.
+     * Switches the log on.
+     *
+     * Opens the file, attaches a new appender with the name "My Appender" to the root logger, and sets the
+     * level of the root logger to DEBUG.
      *
      * Not thread-safe. Blocks for creating the directory and opening the file. A failure is not reported:
      * m_pRootLogger is set in any case.
@@ -69,13 +69,14 @@ public:
      * first.
      *
      * @see ReleaseLogger()
-     * @since 0.1.0
      */
     void InitLogger(const char *pszFileName, const char *pszBaseDir);
 
     /**
-     * Switches the log off: removes all appenders from the root logger and resets log4qt. Does nothing while
-     * the log is off.
+     * Switches the log off. Does nothing while the log is off.
+     *
+     * Removes all appenders from the root logger and resets all loggers of log4qt. Only the threshold of the
+     * repository remains.
      *
      * Not thread-safe. Does not wait for the file, which is closed when the event loop runs next.
      *
@@ -83,7 +84,6 @@ public:
      * own. Configure log4qt again after this call if the application uses it.
      *
      * @see InitLogger()
-     * @since 0.1.0
      */
     void ReleaseLogger();
 
@@ -93,48 +93,36 @@ public:
      *
      * @param pszMessage message in UTF-8, as for ZyBase::LoggerObject::error(); null is an empty message
      * @see ZyBase::LoggerObject::error()
-     * @since 0.1.0
      */
     void error(const char *pszMessage);
 
     /**
-     * Logs at level WARN. All else is as for error().
+     * Logs at level WARN. Otherwise as error().
      *
      * @param pszMessage message in UTF-8; null is an empty message
      * @see error()
-     * @since 0.1.0
      */
     void warn(const char *pszMessage);
 
     /**
-     * Logs at level INFO. All else is as for error().
+     * Logs at level INFO. Otherwise as error().
      *
      * @param pszMessage message in UTF-8; null is an empty message
      * @see error()
-     * @since 0.1.0
      */
     void info(const char *pszMessage);
 
     /**
-     * Logs at level DEBUG, which is never written to the log file. All else is as for error().
+     * Logs at level DEBUG, which is never written to the log file. Otherwise as error().
      *
      * @param pszMessage message in UTF-8; null is an empty message
      * @see ZyBase::LoggerObject::debug()
-     * @since 0.1.0
      */
     void debug(const char *pszMessage);
 
-    /**
-     * The instance that getInstance() returns; null before its first call. Do not change it.
-     *
-     * @since 0.1.0
-     */
+    /** The instance that getInstance() returns; null before its first call. Do not change it. */
     static LoggerObjectPrivate *s_pLogger;
 
-    /**
-     * log4qt's root logger while the log is on, null while it is off. Not owned. Do not change it.
-     *
-     * @since 0.1.0
-     */
+    /** log4qt's root logger while the log is on, null while it is off. Not owned. Do not change it. */
     Log4Qt::Logger *m_pRootLogger;
 };

@@ -11,14 +11,14 @@
 
 /**
  * @file
- * The class ZyBase::CFileUtils and the functions GetAppDirPath(), GetAppFilePath() and getBigFileMd5().
+ * Declares ZyBase::CFileUtils and the functions GetAppDirPath(), GetAppFilePath() and getBigFileMd5().
  */
 
 /**
  * Returns the directory of the running executable, as the bytes that the kernel reports.
  *
- * @return the path without a "/" at the end, or an empty string if the executable is in the root
- *         directory or the path cannot be read
+ * @return the path without a "/" at the end, or an empty string if the executable is in the root directory or
+ * the path cannot be read
  *
  * **Threads.** This function is thread-safe. **Blocking.** Never blocks.
  *
@@ -36,7 +36,7 @@ ZYBASE_EXPORT std::string GetAppDirPath();
  * Symbolic links are resolved. The path is read again at each call.
  *
  * @return the path, or an empty string if it cannot be read: /proc is missing, or the path is longer than
- *         4095 bytes
+ * 4095 bytes
  *
  * **Threads.** This function is thread-safe. **Blocking.** Never blocks.
  *
@@ -56,15 +56,15 @@ ZYBASE_EXPORT std::string GetAppFilePath();
  *
  * @param strFilePath path of the file
  * @return the digest as 16 bytes, not hexadecimal, or a null array if the file cannot be opened;
- *         QByteArray::toHex() converts it to the form of CFileUtils::GetFileMd5()
+ * QByteArray::toHex() converts it to the form of CFileUtils::GetFileMd5()
  *
  * **Threads.** This function is thread-safe.
  *
  * **Blocking.** Blocks until the whole file is read, without a time limit.
  *
- * @warning If the file becomes shorter during the call, or a read fails, the function uses a whole processor
- * core and does not return until the file has its original length again. Do not use it for files that
- * others may write to. Use QCryptographicHash::addData(QIODevice *) for them.
+ * @warning If the file becomes shorter during the call, or a read fails, the function does not return until
+ * the file has its original length again. Meanwhile it uses a whole processor core. Do not use it for files
+ * that others may write to. Use QCryptographicHash::addData(QIODevice *) for them.
  *
  * @see CFileUtils::GetFileMd5()
  * @since 0.1.0
@@ -124,7 +124,7 @@ public:
      * Returns the directory of the running executable.
      *
      * @return the path without a "/" at the end, or an empty string if the executable is in the root
-     *         directory or the path cannot be read
+     * directory or the path cannot be read
      */
     static QString GetApplicationDirPath();
 
@@ -154,7 +154,7 @@ public:
      *
      * @param strFilePath path of the file
      * @return the digest as 32 lower-case hexadecimal digits. If the file cannot be opened, the digest of
-     *         zero bytes, "d41d8cd98f00b204e9800998ecf8427e"; Qt can then log a warning.
+     * zero bytes, "d41d8cd98f00b204e9800998ecf8427e"; Qt can then log a warning.
      *
      * @warning The result for a file that cannot be opened, or that is 2 GiB or larger, is the result for an
      * empty file. Use getBigFileMd5() for large files and if you must detect failures.
@@ -171,7 +171,7 @@ public:
      *
      * @param strFilePath path of the file
      * @return the content; a null string if the file has zero bytes; an empty, not null string if the file
-     *         cannot be opened
+     * cannot be opened
      *
      * @warning A file of 2 GiB or more returns a null string, like an empty file. Read large files in
      * chunks with QFile.
@@ -218,7 +218,7 @@ public:
      *
      * @param strFilePath path of the file; symbolic links are followed
      * @return the size, or an empty, not null string if nothing exists at the path. For a directory, the size
-     *         of its own entry, without the files in it.
+     * of its own entry, without the files in it.
      */
     static QString GetFileSize(const QString &strFilePath);
 
@@ -268,7 +268,7 @@ public:
      *
      * @param strFilePath path of the file
      * @return true if the permissions were set; false if they were not, for example because the file is
-     *         missing or belongs to another user
+     * missing or belongs to another user
      *
      * @warning The previous permissions are replaced: group and others can read and execute a file that was
      * private. To add only execute permission, use QFile::setPermissions().
@@ -290,8 +290,7 @@ public:
      *
      * @param strDirPath path of the directory
      * @return true if the directory was created, or if anything exists at the path. False if it cannot be
-     *         created, for example below a plain file, or if the path is empty; for an empty path Qt logs
-     *         warnings.
+     * created, for example below a plain file, or if the path is empty; for an empty path Qt logs warnings.
      *
      * @warning True does not mean that a directory exists: a plain file at the path also returns true. Check
      * QFileInfo::isDir() before you use the directory.
@@ -306,7 +305,7 @@ public:
      *
      * @param strDirPath path of the directory
      * @return true if the directory was removed; false if it does not exist, or if anything in it could not
-     *         be removed. The rest is removed even if the result is false.
+     * be removed. The rest is removed even if the result is false.
      *
      * @warning An empty path removes the current directory of the process with everything in it. Check that
      * the path is not empty before the call.
@@ -328,8 +327,8 @@ public:
      * Returns the free space of the root file system.
      *
      * @param strPath not used
-     * @return the number of bytes that an ordinary user can still write. 0 if Qt does not find the root file
-     *         system, for example in a chroot whose root directory is not a mount point.
+     * @return the number of bytes that an ordinary user can still write; 0 if Qt does not find the root file
+     * system, for example because the root directory of a chroot is not a mount point
      *
      * @warning Qt reads the value once in a process. Every later call returns the value of the first call.
      * For a current value, or for another disk, use QStorageInfo(path).bytesAvailable().
@@ -339,10 +338,10 @@ public:
     /**
      * Returns the path of a file in a directory, as QDir::filePath() does.
      *
-     * The function does not check that the path exists, and it never blocks. "." and ".." are kept.
+     * This function never blocks. It does not check that the path exists. "." and ".." are kept.
      *
      * @param strDirPath path of the directory, with or without a "/" at the end; an empty string returns a
-     *                   path that starts with "./"
+     * path that starts with "./"
      * @param strName a name or a relative path
      * @return the path; if strName is an absolute path, strName
      *
@@ -392,9 +391,9 @@ public:
      *
      * @param strFilePath the path
      * @return true if all of these hold; otherwise false:
-     *         - the path has at least three characters
-     *         - one of its first three characters is a colon
-     *         - the rest contains none of : * ? < > | and no double quotation mark, or it is not valid UTF-16
+     * - the path has at least three characters
+     * - one of its first three characters is a colon
+     * - the rest contains none of : * ? < > | and no double quotation mark, or it is not valid UTF-16
      *
      * @warning Ordinary Linux paths such as "/home/user/a.pdf" return false. Use this function only for
      * drive paths.
@@ -407,14 +406,13 @@ public:
      * The format is "HH:mm:ss" for a time of today and "MM/dd/yyyy" for any other, in local time. The digits
      * are those of the system's locale, which are not 0 to 9 in every locale.
      *
-     * @param nSeconds time in seconds since the Unix epoch; negative values are times before it. Outside
-     *                 Qt's range, about 292 million years before and after the epoch, the result is another
-     *                 date.
+     * @param nSeconds time in seconds since the Unix epoch; negative values are times before it. Outside Qt's
+     * range, about 292 million years before and after the epoch, the result is another date.
      * @return the time or the date; never empty
      *
-     * **Threads.** Thread-safe from the first call on. Calls of QDate::toString() and QDateTime::toString()
-     * in other threads are not protected, because Qt's first use of the locale is not thread-safe. Format one
-     * date before you start such threads.
+     * **Threads.** This function is thread-safe, from the first call on. Calls of QDate::toString() and
+     * QDateTime::toString() in other threads are not protected, because Qt's first use of the locale is not
+     * thread-safe. If several threads format dates, format one in main() first.
      *
      * @warning "Today" is the day of the first call in the process. After midnight, times of the new day are
      * shown as dates. If the application runs for days, use QDateTime::toString() instead.
@@ -443,9 +441,9 @@ public:
      * whose target is missing counts as free.
      *
      * @param strFilePath the preferred path. A path without a directory returns a path that starts with "./";
-     *                    a file in the root directory, one that starts with "//".
+     * a file in the root directory, one that starts with "//".
      * @param strExtension the extension without a dot; an empty string uses the suffix of strFilePath. If
-     *                     both are empty, the result ends with a dot: "README.".
+     * both are empty, the result ends with a dot: "README.".
      * @return the path; there is no limit to the counter
      *
      * **Blocking.** One file-system access for each existing name.
@@ -484,7 +482,8 @@ public:
      *
      * @param strFilePath path of the file
      *
-     * **Threads.** Not thread-safe. Call it only in the GUI thread, because QDesktopServices requires it.
+     * **Threads.** Not thread-safe. Call this function only in the GUI thread, because QDesktopServices
+     * requires it.
      *
      * **Blocking.** Blocks until the program is started, not until it ends.
      *

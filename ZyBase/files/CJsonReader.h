@@ -46,7 +46,7 @@ public:
      * @param strFilePath path of the file
      * @param strKey the key; it must be at the top level, and upper and lower case differ
      * @return the value; undefined (QJsonValue::isUndefined()) if the object does not contain the key; null
-     *         if the file cannot be read, is not valid JSON, or contains an empty object or an array
+     * if the file cannot be read, is not valid JSON, or contains an empty object or an array
      *
      * @warning A null result is also the value of a key that is null in the file. To distinguish it from a
      * failure, use ParseJsonFileToObject() and QJsonObject::contains().

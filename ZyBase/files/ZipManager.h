@@ -102,22 +102,22 @@ public:
      * An entry that cannot be extracted is skipped, and a message is logged. Nothing that was extracted is
      * removed after a failure.
      *
-     * @param strZipPath path of the archive; an empty string returns false and logs nothing
-     * @param strExtractDir path of the directory. It is created if it is missing, with its parent
-     * directories, even if the archive then cannot be opened. If it is empty, the path is that of the
-     *                      archive's directory, followed without "/" by the archive's name up to its first
-     *                      dot: "/home/u/docs/data.tar.zip" is extracted to "/home/u/docsdata". Pass a path
-     * to avoid this.
-     * @param bOverwrite true replaces existing files; false keeps them and skips their entries
+     * If strExtractDir is empty, the path is the archive's directory, followed by the archive's name up to
+     * its first dot, without "/" in between: "/home/u/docs/data.tar.zip" is extracted to "/home/u/docsdata".
+     * Pass a path to avoid this.
      *
-     * @return True if the last entry was reached, even if entries failed. False if nothing was extracted
-     *         because the archive is missing or cannot be opened, or the directory cannot be created.
+     * @param strZipPath path of the archive; an empty string returns false and logs nothing
+     * @param strExtractDir path of the directory; it is created with its parent directories if it is missing,
+     * even if the archive then cannot be opened
+     * @param bOverwrite true replaces existing files; false keeps them and skips their entries
+     * @return true if the last entry was reached, even if entries failed. False if nothing was extracted
+     * because the archive is missing or cannot be opened, or the directory cannot be created.
      *
      * **Blocking.** Blocks until the whole archive is extracted, without a time limit, and cannot be stopped.
      * Call it in a worker thread if the archive can be large.
      *
      * @warning **Extract only archives that the application trusts.** An entry named "../x" or "/x" is
-     * written outside the directory and replaces any file that the user can write. Symbolic links in the
+     * written outside the directory. It replaces any file that the user can write. Symbolic links in the
      * directory are followed. Check every name before you extract an archive from elsewhere, and extract it
      * into a new directory. The guide shows how.
      *

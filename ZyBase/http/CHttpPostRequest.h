@@ -48,10 +48,10 @@ namespace ZyBase {
  * the signal queued and needs a running event loop there. A direct connection, or a lambda without a
  * receiver object, runs in the request's thread.
  *
- * **Blocking.** StartRequestSync() and StartGetRequestSync() block for 10000 ms at most; Qt's coarse timer
- * can make that 10500 ms. They run a nested event loop: other events of the calling thread are delivered
- * meanwhile. The user can start the same action again, or close the window that waits. All other functions
- * return at once and never block.
+ * **Blocking.** StartRequestSync() and StartGetRequestSync() block for at most 10 seconds; Qt's coarse timer
+ * can extend this to 10.5 seconds. They run a nested event loop: other events of the calling thread are
+ * delivered meanwhile. The user can start the same action again, or close the window that waits. All other
+ * functions return at once and never block.
  *
  * **Failures.** There are no error signals and no messages.
  * - A request without an HTTP answer ends with the status 0 and usually with empty data. Examples are a
@@ -61,17 +61,17 @@ namespace ZyBase {
  *
  * Check the data before you use it.
  *
- * **Lifetime.** The object must outlive its background requests by at least the last steps of their
- * threads. Each request emits exactly one outcome signal. Use one object for each request, because the
- * signals do not identify the request.
+ * **Lifetime.** The object must exist until the threads of its background requests have ended. Delete it one
+ * second after the outcome signal. Each request emits exactly one outcome signal. Use one object for each
+ * request, because the signals do not identify the request.
  *
- * @warning Deleting the object while a request runs is undefined behaviour, and so is deleting it at once
- * in the slot of its outcome signal, also with deleteLater(). The destructor neither waits nor cancels.
- * Create the object without a parent, and delete it one second after its outcome, as
+ * @warning Deleting the object while a request runs is undefined behaviour. The same applies to deleting it
+ * at once in the slot of its outcome signal, even with deleteLater(). The destructor neither waits nor
+ * cancels. Create the object without a parent, and delete it one second after its outcome, as
  * @ref guide-deleting-a-request "docs/guide/deleting-a-request.md" shows.
  *
- * @warning Quitting while a request runs can crash the process. In a test, 97 of 1,000 processes crashed,
- * and 186 of 1,000 if the request was a child of the application object. Quit as
+ * @warning Quitting while a request runs can crash the process. In a test, 97 of 1,000 processes crashed.
+ * If the request was a child of the application object, 186 crashed. Quit as
  * @ref guide-quitting-in-time "docs/guide/quitting-in-time.md" shows: none of 1,483 processes crashed.
  *
  * @warning Certificates are not checked, and only TLS 1.2 is used. The connection is encrypted, but anyone
@@ -92,8 +92,8 @@ public:
     /**
      * Creates an object without a request.
      *
-     * @param parent the parent, in the same thread. Pass nullptr if you use background requests: a parent
-     * may delete the object while they run.
+     * @param parent the parent, in the same thread. Pass nullptr if you use background requests: a parent may
+     * delete the object while they run.
      */
     explicit CHttpPostRequest(QObject *parent = nullptr);
 
@@ -117,7 +117,7 @@ public:
      * answer. After a timeout it is unchanged.
      * @return true if the request ended in time, also if it failed; false after the time limit
      *
-     * @see StartRequestAsync() does not block.
+     * @see StartRequestAsync(), which does not block
      */
     bool StartRequestSync(const QUrl &url, const QJsonObject &jsonObject, QByteArray &baResult);
 
@@ -161,7 +161,7 @@ public:
      * answer. After a timeout it is unchanged.
      * @return true if the request ended in time, also if it failed; false after the time limit
      *
-     * @see StartGetRequest() does not block.
+     * @see StartGetRequest(), which does not block
      */
     bool StartGetRequestSync(const QUrl &url, QByteArray &baResult);
 

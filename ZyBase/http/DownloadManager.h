@@ -52,8 +52,8 @@ namespace ZyBase {
  * @warning Deleting the object in a slot of signalDownloadFinished() is undefined behaviour. Call
  * deleteLater() there.
  *
- * @warning Calling StartDownload() while a download runs is not supported: the two downloads disturb each
- * other. Wait for signalDownloadFinished() first.
+ * @warning Calling StartDownload() while a download runs is not supported: the second download replaces the
+ * state of the first. Wait for signalDownloadFinished() first.
  *
  * @warning A QCoreApplication object must exist. If the system has no thread left for Qt's network code
  * (EAGAIN), no signal follows.
@@ -81,8 +81,8 @@ public:
      * The file is stored in the directory under the last component of the URL's path, decoded.
      *
      * @param url the URL
-     * @param strSaveDir an existing directory, with or without a "/" at its end; it is not created. An
-     * empty string is the root of the file system.
+     * @param strSaveDir an existing directory, with or without a "/" at its end; it is not created. An empty
+     * string is the root of the file system.
      * @return true if the request was sent; signalDownloadFinished() follows. False if the file cannot be
      * opened for writing, or if the URL's path is empty or ends with "/"; no signal follows.
      *
@@ -145,16 +145,16 @@ Q_SIGNALS:
      * @param bytesReceived bytes of the body received so far
      * @param bytesTotal bytes of the whole body; -1 if the server does not send the length; the last signal
      * of a download then has the number of bytes received
-     * @param strSpeed mean speed since the start, for display: "512.0 bytes/sec", "1.5 kB/s" or "12.3
-     * MB/s". A kB has 1024 bytes. In the first millisecond it can be "inf MB/s" or "nan MB/s".
+     * @param strSpeed mean speed since the start, for display: "512.0 bytes/sec", "1.5 kB/s" or "12.3 MB/s".
+     * A kB has 1024 bytes. In the first millisecond it can be "inf MB/s" or "nan MB/s".
      */
     void signalDownloadProgress(qint64 bytesReceived, qint64 bytesTotal, QString strSpeed);
 
     /**
      * Emitted once for each download that was started.
      *
-     * @param bSuccess true on success, also for the HTTP statuses 304 and 306. False after a network
-     * failure, an HTTP error, a redirect or StopDownload(); the partial file is removed.
+     * @param bSuccess true on success, also for the HTTP statuses 304 and 306. False after a network failure,
+     * an HTTP error, a redirect or StopDownload(); the partial file is removed.
      * @param strFilePath path of the file; an empty string after a failure
      *
      * @warning Do not delete the object in a slot of this signal. Call deleteLater().

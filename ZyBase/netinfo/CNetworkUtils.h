@@ -18,8 +18,8 @@ namespace ZyBase {
  * Queries the public IP address and the location of the machine, and tests the name lookup.
  *
  * The data comes from free public web services, which @ref services "docs/services.md" lists. They see the
- * user's IP address, can limit the number of requests, and can disappear. Let nothing important depend on
- * them.
+ * user's IP address, can limit the number of requests, and can disappear. Do not use them for anything
+ * important.
  *
  * @code
  * // In a worker thread, or in a program without windows:
@@ -34,13 +34,15 @@ namespace ZyBase {
  * **Threads.** All functions are thread-safe. They may be called from the GUI thread, where they do not
  * freeze the windows: see Blocking.
  *
- * **Blocking.** Each request blocks for 10000 ms at most; Qt's coarse timer can make that 10500 ms.
- * GetIPInfo() can send two requests. IsNetWorkOnline() blocks until the system's name lookup ends, without
- * a limit. All run a nested event loop: other events of the calling thread are delivered meanwhile, so the
- * same slot can be entered again and a window can be closed.
+ * **Blocking.** Each request blocks for at most 10 seconds; Qt's coarse timer can extend this to 10.5
+ * seconds. GetIPInfo() can send two requests. IsNetWorkOnline() blocks until the system's name lookup ends,
+ * without a limit. All run a nested event loop: other events of the calling thread are delivered meanwhile,
+ * so the same slot can be entered again and a window can be closed.
  *
- * **Failures.** The return value reports them. If the application quits during a call, the call returns at
- * once and reports a failure.
+ * **Failures.** Failures are reported only by the return value. If the application quits during a call, the
+ * call returns at once and reports a failure.
+ *
+ * **Lifetime.** All functions are static. Do not create objects of this class.
  *
  * @warning Anyone on the network path can change the answers: GetIPInfoAPI() uses plain HTTP, and
  * certificates are not checked. Show the values as plain text, never as HTML or rich text.
@@ -55,15 +57,16 @@ class ZYBASE_EXPORT CNetworkUtils
 {
 public:
     /**
-     * Returns the location of the machine. Calls GetIPInfoAPI() and, if that fails, GetIPInfoMy(). Blocks
-     * for two requests at most.
+     * Returns the location of the machine.
      *
-     * @param strCountry receives the country's name, in the service's words
+     * Calls GetIPInfoAPI() and, if that fails, GetIPInfoMy(). Blocks for two requests at most.
+     *
+     * @param strCountry receives the country's name, as the service spells it
      * @param strLocation receives city, region and country, separated by ", "
      * @param dLatitude receives the latitude in degrees
      * @param dLongitude receives the longitude in degrees
-     * @return true if one of the services answered; any string may be empty and any number 0.0. False if
-     * both failed; @p strCountry may have changed, the others are unchanged.
+     * @return true if one of the services answered; any string may be empty and any number 0.0. False if both
+     * failed; @p strCountry may have changed, the others are unchanged.
      */
     static bool GetIPInfo(QString &strCountry, QString &strLocation, double &dLatitude, double &dLongitude);
 
@@ -72,8 +75,8 @@ public:
      *
      * @param strCountryCode receives the country code, such as "DE"
      * @param strIp receives the IP address
-     * @return true if the service answered with a JSON object that is not empty, also with a refusal such
-     * as HTTP 429. False otherwise; both strings are unchanged.
+     * @return true if the service answered with a JSON object that is not empty, also with a refusal such as
+     * HTTP 429. False otherwise; both strings are unchanged.
      *
      * @warning After true, a string that the answer did not contain is null. Check both strings.
      */
@@ -84,11 +87,11 @@ public:
      *
      * @return true if the name was resolved; false if not, or if the application quits during the call
      *
-     * @warning True does not mean that the internet can be reached. A resolver that answers from its cache
-     * and the login page of a network give true as well. Qt caches a resolved name for a minute. To be
-     * certain, send the request that you need.
+     * @warning True does not mean that the internet can be reached. The result is also true if a resolver
+     * answers from its cache, and on the login page of a network. Qt caches a resolved name for a minute. To
+     * be certain, send the request that you need.
      *
-     * @warning If no name server answers, the call blocks until the system gives up, which can take a
+     * @warning If no name server answers, the call blocks until the system ends the lookup, which can take a
      * minute. Call it in a worker thread.
      *
      * @warning In a thread that runs no event loop afterwards, each call leaks some hundred bytes.
@@ -101,17 +104,17 @@ public:
 /**
  * Returns the location of the machine from the JSON service, over plain HTTP.
  *
- * **Threads.** Thread-safe.
- *
- * **Blocking.** Blocks for one request in a nested event loop: 10000 ms at most, or 10500 ms with Qt's
- * coarse timer. The rules and warnings of ZyBase::CNetworkUtils apply.
- *
- * @param strCountry receives the country's name, in the service's words
+ * @param strCountry receives the country's name, as the service spells it
  * @param strLocation receives city, region and country, separated by ", "
  * @param dLatitude receives the latitude in degrees
  * @param dLongitude receives the longitude in degrees
  * @return true if the service answered with the status "success"; strings that the answer does not contain
  * are empty, numbers 0.0. False otherwise; all four arguments are unchanged.
+ *
+ * **Threads.** This function is thread-safe.
+ *
+ * **Blocking.** Blocks for one request in a nested event loop: at most 10 seconds, or 10.5 seconds with Qt's
+ * coarse timer. The rules and warnings of ZyBase::CNetworkUtils apply.
  *
  * @see ZyBase::CNetworkUtils::GetIPInfo()
  * @since 0.1.0
@@ -126,17 +129,17 @@ ZYBASE_EXPORT bool GetIPInfoAPI(QString &strCountry, QString &strLocation, doubl
  * found; a repeated entry counts again and replaces the value. Values are not decoded: an entity such as
  * "&amp;" stays.
  *
- * **Threads.** Thread-safe.
- *
- * **Blocking.** Blocks for one request in a nested event loop: 10000 ms at most, or 10500 ms with Qt's
- * coarse timer. The rules and warnings of ZyBase::CNetworkUtils apply.
- *
- * @param strCountry receives the country's name, in the service's words
+ * @param strCountry receives the country's name, as the service spells it
  * @param strLocation receives city, state and country, separated by ", "
  * @param dLatitude receives the latitude in degrees; 0.0 if it is not a number
  * @param dLongitude receives the longitude in degrees; 0.0 if it is not a number
  * @return true if five entries were found; a value that was missing is empty or 0.0. False otherwise; @p
  * strCountry has changed if the page contained a country, the others are unchanged.
+ *
+ * **Threads.** This function is thread-safe.
+ *
+ * **Blocking.** Blocks for one request in a nested event loop: at most 10 seconds, or 10.5 seconds with Qt's
+ * coarse timer. The rules and warnings of ZyBase::CNetworkUtils apply.
  *
  * @see ZyBase::CNetworkUtils::GetIPInfo()
  * @since 0.1.0
@@ -147,13 +150,13 @@ ZYBASE_EXPORT bool GetIPInfoMy(QString &strCountry, QString &strLocation, double
 /**
  * Returns the public IP address of the machine.
  *
- * **Threads.** Thread-safe.
+ * @return the IP address; an empty string if the service did not answer with a JSON object; a null string if
+ * the object contains no address
  *
- * **Blocking.** Blocks for one request in a nested event loop: 10000 ms at most, or 10500 ms with Qt's
+ * **Threads.** This function is thread-safe.
+ *
+ * **Blocking.** Blocks for one request in a nested event loop: at most 10 seconds, or 10.5 seconds with Qt's
  * coarse timer. The rules and warnings of ZyBase::CNetworkUtils apply.
- *
- * @return the IP address; an empty string if the service did not answer with a JSON object; a null string
- * if the object contains no address
  *
  * @warning The address is not verified: a service or anyone on the network path can return any string. Show
  * it as plain text.
@@ -163,18 +166,16 @@ ZYBASE_EXPORT bool GetIPInfoMy(QString &strCountry, QString &strLocation, double
 ZYBASE_EXPORT QString GetIP();
 
 /**
- * Returns the text of the first cell in a line of HTML: "Berlin" for "<td>Berlin</td>".
+ * Returns the content of the first cell in a line of HTML: "Berlin" for "<td>Berlin</td>".
  *
  * The result is the part between the first ">" and the next "<". If there is no ">", it begins at the start
  * of the line; if there is no "<" after it, it extends to the end. Nothing is trimmed or decoded. Sends no
  * request.
  *
- * **Threads.** Thread-safe.
- *
- * **Blocking.** Does not block.
- *
  * @param strLine the line
- * @return the text of the cell; an empty string if nothing follows the first ">"
+ * @return the content of the cell; an empty string if nothing follows the first ">"
+ *
+ * **Threads.** This function is thread-safe. **Blocking.** Never blocks.
  *
  * @since 0.1.0
  */

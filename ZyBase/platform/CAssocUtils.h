@@ -8,7 +8,7 @@
 
 /**
  * @file
- * The class ZyBase::CAssocUtils.
+ * Declares ZyBase::CAssocUtils.
  */
 
 namespace ZyBase {
@@ -51,11 +51,11 @@ public:
      * Returns true if an application opens PDF files by default.
      *
      * @param strApp name of the application's desktop entry, with or without the suffix ".desktop":
-     *               "org.example.reader"; case-sensitive
+     * "org.example.reader"; case-sensitive
      * @return true if the name of the default entry contains @p strApp; false if it does not, if no default
      * is set, and if xdg-mime fails or is not installed
      *
-     * @warning A part of the name matches: "read" also returns true. An empty @p strApp returns true always.
+     * @warning A part of the name matches: "read" also returns true. An empty @p strApp always returns true.
      * Pass the full name with ".desktop" to avoid false matches.
      *
      * @see SetPdfLauncher()
@@ -66,10 +66,10 @@ public:
      * Makes an application the default for PDF files, for the current user.
      *
      * @param strApp name of the application's desktop entry without the suffix ".desktop", which is always
-     *               appended: "org.example.reader"
-     * @param strUnread not read
-     * @param bUnread not read
-     * @return true always, also if nothing was changed; call IsPdfLauncher() to check the result
+     * appended: "org.example.reader"
+     * @param strUnread not used
+     * @param bUnread not used
+     * @return always true, also if nothing was changed; call IsPdfLauncher() to check the result
      *
      * @warning Do not pass a name with the suffix. Unlike IsPdfLauncher(), this function would set the entry
      * "org.example.reader.desktop.desktop", which does not exist.
@@ -81,8 +81,8 @@ public:
     /**
      * Does nothing. The default application is not changed.
      *
-     * @param strApp not read
-     * @return true always
+     * @param strApp not used
+     * @return always true
      *
      * @warning To restore the previous default, call SetPdfLauncher() with its name.
      */

@@ -10,7 +10,7 @@
 
 /**
  * @file
- * The class ZyBase::COperateSystem and the functions ZyBase::getGnomeTheme(), ZyBase::getMachineId() and
+ * Declares ZyBase::COperateSystem and the functions ZyBase::getGnomeTheme(), ZyBase::getMachineId() and
  * ZyBase::getMainMacAddress().
  */
 
@@ -90,8 +90,8 @@ public:
     /**
      * Returns true if the user's desktop has a dark theme.
      *
-     * Desktops store the theme in different places. The function reads these in turn, on every desktop; the
-     * first that contains "dark" or "light" decides:
+     * Desktops store the theme in different settings. The function reads these sources in turn, on every
+     * desktop. The first that contains "dark" or "light" decides:
      *
      * 1. GNOME: gtk-theme, then color-scheme of org.gnome.desktop.interface
      * 2. KDE: General/ColorScheme in kdeglobals, then Theme/name in plasmarc
@@ -104,9 +104,9 @@ public:
      * 7. MATE: gtk-theme of org.mate.interface
      * 8. Qt on Kylin: style in QtProject.conf, then Appearance/style in kylin-qt5/qt5ct.conf
      *
-     * The settings of 1, 5 and 7 are read with the tool gsettings, those of 2, 3, 6 and 8 from ini files in
-     * the user's configuration directory. A value decides if it contains "dark" or "light" anywhere, in any
-     * case; a value with both words is dark. Exceptions:
+     * The settings of 1, 5 and 7 are read with the tool gsettings. Those of 2, 3, 6 and 8 are read from ini
+     * files in the user's configuration directory. A value decides if it contains "dark" or "light" anywhere,
+     * in any case; a value with both words is dark. Exceptions:
      *
      * - color-scheme must contain "prefer-dark" or "prefer-light" in lower case.
      * - theme-mode of UKUI must be equal to "dark" or "light", in lower case. "auto" ends source 5 undecided.
@@ -142,7 +142,7 @@ public:
      * Returns true if an application opens files of a type by default, as reported by the tool xdg-mime.
      *
      * @param strApp name of the application's desktop entry, with or without the suffix ".desktop":
-     *               "org.example.reader"; case-sensitive
+     * "org.example.reader"; case-sensitive
      * @param strMimeType the type, for example "application/pdf"
      * @return true if the name of the default entry contains @p strApp; false if it does not, if no default
      * is set, and if xdg-mime fails or is not installed
@@ -150,7 +150,7 @@ public:
      * **Blocking.** Waits for xdg-mime: usually a tenth of a second, at most 30 seconds. If it hangs, its
      * output so far is used.
      *
-     * @warning A part of the name matches: "read" also returns true. An empty @p strApp returns true always.
+     * @warning A part of the name matches: "read" also returns true. An empty @p strApp always returns true.
      * Pass the full name with ".desktop" to avoid false matches.
      *
      * @see SetDefaultLauncher(), CAssocUtils::IsPdfLauncher()
@@ -161,11 +161,11 @@ public:
      * Makes an application the default for files of a type, for the current user, with the tool xdg-mime.
      *
      * @param strApp name of the application's desktop entry without the suffix ".desktop", which is always
-     *               appended: "org.example.reader"
+     * appended: "org.example.reader"
      * @param strMimeType the type, for example "application/pdf"
-     * @param strUnread not read
-     * @param bUnread not read
-     * @return true always, also if nothing was changed; call IsDefaultLauncher() to check the result
+     * @param strUnread not used
+     * @param bUnread not used
+     * @return always true, also if nothing was changed; call IsDefaultLauncher() to check the result
      *
      * **Blocking.** Waits for xdg-mime: usually a tenth of a second, at most 30 seconds.
      *
@@ -180,9 +180,9 @@ public:
     /**
      * Does nothing. The default application is not changed.
      *
-     * @param strApp not read
-     * @param strMimeType not read
-     * @return true always
+     * @param strApp not used
+     * @param strMimeType not used
+     * @return always true
      *
      * @warning To restore the previous default, call SetDefaultLauncher() with its name.
      */
@@ -213,7 +213,7 @@ ZYBASE_EXPORT int getGnomeTheme();
  * Returns the content of /etc/machine-id.
  *
  * @return the content without the white space around it, read in the encoding of the locale, usually 32
- *         hexadecimal digits; an empty string if the file is empty; a null string if it cannot be opened
+ * hexadecimal digits; an empty string if the file is empty; a null string if it cannot be opened
  *
  * **Threads.** This function is thread-safe and may be called from the GUI thread. **Blocking.** Blocks while
  * one small file is read.

@@ -13,7 +13,7 @@
 
 /**
  * @file
- * The class ZyBase::CSystemUtils and the function ZyBase::ReadRegeditValue().
+ * Declares ZyBase::CSystemUtils and the function ZyBase::ReadRegeditValue().
  */
 
 namespace ZyBase {
@@ -21,8 +21,8 @@ namespace ZyBase {
 /**
  * Information about the machine and the desktop session, and the identity of this installation.
  *
- * Use it for an identifier for statistics, the check for a first run, the name of the distribution, the theme
- * of the desktop, and QR codes.
+ * Use it for a statistics identifier, the check for a first run, the name of the distribution, the theme of
+ * the desktop, and QR codes.
  *
  * The interface is shared with other platforms. On Linux, several functions do nothing or return a fixed
  * value; their descriptions say so.
@@ -57,11 +57,11 @@ public:
     /**
      * Returns the MD5 digest of a string, encoded as UTF-8.
      *
-     * @param strText the string; a null string is treated as empty
-     * @return the digest as 32 lower-case hexadecimal digits, never empty;
-     *         "d41d8cd98f00b204e9800998ecf8427e" for an empty string
-     *
      * The time grows with the length of the string. No file is read.
+     *
+     * @param strText the string; a null string is treated as empty
+     * @return the digest as 32 lower-case hexadecimal digits, never empty; "d41d8cd98f00b204e9800998ecf8427e"
+     * for an empty string
      *
      * @warning MD5 is not secure. Do not use it for passwords or signatures. Use QCryptographicHash::Sha256
      * or a cryptographic library instead.
@@ -82,12 +82,12 @@ public:
      * 2. getMainMacAddress()
      * 3. the current time, followed by a random number
      *
-     * @param dirPrefix first part of the directory, relative to the configuration directory
-     * @param dirName second part of the directory, appended to the first without a separator
-     * @return 32 lower-case hexadecimal digits, or the stored string whatever its form; never empty
-     *
      * If the file cannot be read or written, the call still returns an identifier and reports no error. The
      * identifier is then the same at each call, except one made from the time, which is new each time.
+     *
+     * @param dirPrefix first part of the directory, relative to the configuration directory
+     * @param dirName second part of the directory, appended to the first without a separator
+     * @return 32 lower-case hexadecimal digits, or the stored string in any form; never empty
      *
      * **Threads.** This function is thread-safe. Concurrent first calls write the same value. If it is made
      * from the time, the last write wins, and the other callers have a value that is not the stored one.
@@ -116,11 +116,11 @@ public:
     /**
      * Returns a random integer in the range [nMin, nMax).
      *
+     * The generator is QRandomGenerator::global(). The function never blocks and cannot fail.
+     *
      * @param nMin the lowest possible result
      * @param nMax one more than the highest possible result
      * @return the integer; @p nMin if both arguments are equal
-     *
-     * The generator is QRandomGenerator::global(). The function never blocks and cannot fail.
      *
      * @warning The arguments are not checked. If @p nMax is less than @p nMin, the result is nearly any int.
      * Pass the lower number first.
@@ -143,7 +143,7 @@ public:
      * **Threads.** This function is thread-safe. Concurrent first calls of two threads or processes can all
      * return true.
      *
-     * **Blocking.** As GetPCID(): the first call can wait about 32 seconds for "device.conf.lock".
+     * **Blocking.** As GetPCID(): the first call can wait for "device.conf.lock", up to about 32 seconds.
      *
      * @warning If the file cannot be written, every call returns true. Call the function once in each run and
      * keep the result.
@@ -164,7 +164,7 @@ public:
      *
      * Sets Qt::AA_EnableHighDpiScaling and Qt::AA_UseHighDpiPixmaps.
      *
-     * @param bEnable not read
+     * @param bEnable not used
      *
      * **Threads.** Not thread-safe. Call it only from the main thread, before the application object is
      * created; later calls do not enable the scaling, and Qt logs a warning.
@@ -177,7 +177,7 @@ public:
     /**
      * Returns true. The system is not queried.
      *
-     * @return true always, also on a 32-bit system; use QSysInfo::WordSize for the size of this build
+     * @return always true, also on a 32-bit system; use QSysInfo::WordSize for the size of this build
      */
     static bool IsOn64BitSystem();
 
@@ -192,9 +192,9 @@ public:
     /**
      * Returns an empty string. Nothing is encrypted.
      *
-     * @param strText not read
-     * @param strPublicKey not read
-     * @return an empty string, not a null one, always
+     * @param strText not used
+     * @param strPublicKey not used
+     * @return always an empty, not null string
      *
      * @warning Do not use this function for encryption. Use a cryptographic library instead.
      */
@@ -203,9 +203,9 @@ public:
     /**
      * Returns an empty string. Nothing is decrypted.
      *
-     * @param strText not read
-     * @param strPrivateKey not read
-     * @return an empty string, not a null one, always
+     * @param strText not used
+     * @param strPrivateKey not used
+     * @return always an empty, not null string
      *
      * @warning Do not use this function for decryption. Use a cryptographic library instead.
      */
@@ -220,15 +220,15 @@ public:
     /**
      * Does nothing. The session starts the same applications as before.
      *
-     * @param bAutoStart not read
+     * @param bAutoStart not used
      */
     static void SetSelfAutoStart(bool bAutoStart);
 
     /**
      * Does nothing. The session starts the same applications as before.
      *
-     * @param strApp not read
-     * @param bAutoStart not read
+     * @param strApp not used
+     * @param bAutoStart not used
      */
     static void SetAppAutoStart(const QString &strApp, bool bAutoStart);
 
@@ -253,10 +253,10 @@ public:
     /**
      * Returns the name of the package that the running executable belongs to.
      *
+     * The result is COperateSystem::GetBundleIdentifier() as a QString. Nothing is logged.
+     *
      * @return the name of the executable's directory; if that name contains "files" in any case, the name of
      * the parent directory; "." if the executable is in the root directory or its path cannot be read
-     *
-     * The result is COperateSystem::GetBundleIdentifier() as a QString. Nothing is logged.
      *
      * @warning Every directory whose name contains "files" is skipped, for example "profiles". Install the
      * executable in "<package>/files", or check the result.
@@ -278,7 +278,7 @@ public:
      * Returns true if the distribution is Kylin.
      *
      * @return true if GetLinuxOsInfo() contains "Kylin" in any case; false otherwise, and if /etc/os-release
-     *         cannot be read
+     * cannot be read
      */
     static bool IsKylinOs();
 
@@ -286,9 +286,9 @@ public:
      * Returns true if the distribution is UOS.
      *
      * @return true if GetLinuxOsInfo() contains "UnionTech" or "UOS" in any case; false otherwise, and if
-     *         /etc/os-release cannot be read
+     * /etc/os-release cannot be read
      *
-     * @warning Every name that contains these three characters matches, for example "Virtuoso Linux". To be
+     * @warning Every name that contains "uos" matches, for example "Virtuoso Linux". To be
      * certain, compare GetLinuxOsInfo() with the full name.
      */
     static bool IsUOS();
@@ -296,7 +296,7 @@ public:
     /**
      * Returns true. The system is not queried.
      *
-     * @return true always, also on Linux
+     * @return always true, also on Linux
      *
      * @warning Do not use the result to distinguish systems. Use Q_OS_WIN at compile time.
      */
@@ -306,7 +306,7 @@ public:
      * Returns the architecture of the processor.
      *
      * @return the string of QSysInfo::currentCpuArchitecture(), for example "x86_64"; if the system does not
-     *         report one, the architecture that Qt was built for
+     * report one, the architecture that Qt was built for
      */
     static QString GetHardwareCpuArchitecture();
 
@@ -317,10 +317,10 @@ public:
      * if it has only digits or only upper-case letters
      * @param size size in pixels; the image is a square with the smaller of both sides
      * @return an image in QImage::Format_ARGB32, or a null image if
-     *         - the string is empty, or a side of @p size is 0, negative or too large for an image: nothing
-     * is logged;
-     *         - the string is too long or starts with a NUL character: the value of errno is logged with
-     * qInfo(), usually 34 (ERANGE) or 22 (EINVAL).
+     * - the string is empty, or a side of @p size is 0, negative or too large for an image: nothing
+     *   is logged;
+     * - the string is too long or starts with a NUL character: the value of errno is logged with
+     *   qInfo(), usually 34 (ERANGE) or 22 (EINVAL).
      *
      * **Threads.** This function is thread-safe. It needs no application object.
      *

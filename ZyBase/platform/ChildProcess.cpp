@@ -20,7 +20,7 @@ struct ProcessState : QProcess
 void runTool(QProcess &process, const char *pszProgram, const QStringList &arguments)
 {
     process.start(QLatin1String(pszProgram), arguments, QIODevice::ReadWrite);
-    // If the system creates no process, Qt 5.15 can take it for a running one whose identifier is -1. It
+    // If the system creates no process, Qt 5.15 can treat it as a running one with the identifier -1. It
     // would wait for it, and the destructor would send SIGKILL to every process of the user.
     if (process.processId() == nNoProcess)
         ProcessState::reset(process);

@@ -19,8 +19,8 @@ namespace ZyBase {
  * - If the tool is still running, or the system created no process, the exit code is 0. Destroying @p process
  *   ends a tool that is still running.
  *
- * The function is reentrant: every thread passes a process object of its own. It needs neither an event loop
- * nor an application object.
+ * The function is reentrant: each thread must pass its own process object. It needs neither an event loop nor
+ * an application object.
  *
  * @param process runs one or more tools, one after the other; if an earlier tool is still running, the call
  * starts none and waits for the earlier one

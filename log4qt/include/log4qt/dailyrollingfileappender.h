@@ -54,8 +54,8 @@ public:
     /**
      * Sets the pattern of the suffix. Takes effect at activateOptions().
      *
-     * @param datePattern as for QDateTime::toString(), and "ww" for the number of the week. The smallest
-     *     unit in it is the period, from a minute to a month.
+     * @param datePattern as for QDateTime::toString(), and "ww" for the number of the week. The smallest unit
+     * in it is the period, from a minute to a month.
      */
     void setDatePattern(const QString &datePattern);
 

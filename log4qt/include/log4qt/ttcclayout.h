@@ -63,7 +63,7 @@ public:
      * Sets the date format.
      *
      * @param dateFormat name of a DateFormat, or a pattern as for QDateTime::toString(); "RELATIVE" by
-     *     default. An empty string is treated as "ISO8601".
+     * default. An empty string is treated as "ISO8601".
      */
     void setDateFormat(const QString &dateFormat);
 
