@@ -115,7 +115,7 @@ public:
      * - Sources 1 and 5 are skipped unless the tool `which` finds gsettings, so also if `which` is not
      * installed.
      *
-     * The source that decided is logged with qDebug(), and so are the values read for 5, 6 and 7.
+     * The source that decided is logged with qDebug(). The values read for 5, 6 and 7 are logged, too.
      *
      * @return true for a dark theme; false for a light one, and if no source decides
      *
@@ -237,9 +237,8 @@ ZYBASE_EXPORT QString getMachineId();
  * **Threads.** This function is thread-safe and may be called from the GUI thread. **Blocking.** Blocks while
  * the kernel lists its interfaces; nothing is sent to the network.
  *
- * @warning The result can change when an interface is added or removed. Bridges and virtual machines'
- * interfaces count too, and so does an address of zeros. For a stable identifier, use
- * CSystemUtils::GetPCID().
+ * @warning The result can change when an interface is added or removed. Bridges, interfaces of
+ * virtual machines and an address of zeros also count. For a stable identifier, use CSystemUtils::GetPCID().
  *
  * @since 0.1.0
  */
