@@ -42,8 +42,7 @@ LocalWorld::~LocalWorld()
 
 void LocalWorld::setSilent(bool isSilent)
 {
-    for (const char *host :
-         {ZyBase::pszGeolocationHost, ZyBase::pszGeolocationPageHost}) {
+    for (const char *host : {ZyBase::pszGeolocationHost, ZyBase::pszGeolocationPageHost}) {
         if (isSilent)
             m_network.route(host, [](Connection &client) { client.waitForClose(); });
         else
