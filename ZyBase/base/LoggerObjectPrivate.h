@@ -25,7 +25,7 @@
  *
  * **Failures.** As for ZyBase::LoggerObject: no function reports a failure or throws.
  *
- * **Lifetime.** The instance lives until the process ends. Never delete it.
+ * **Lifetime.** The instance exists until the process ends. Never delete it.
  *
  * @see ZyBase::LoggerObject
  * @since 0.1.0

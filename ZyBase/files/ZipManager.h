@@ -61,7 +61,7 @@ public:
     /**
      * Creates an object. No function needs one.
      *
-     * @param pParent the parent, which deletes the object; may be nullptr. It must be in the current thread.
+     * @param pParent the parent, in the same thread, or nullptr
      */
     explicit ZipManager(QObject *pParent = nullptr);
 

@@ -18,7 +18,7 @@ namespace {
 // A request that has just started misses a stop, so the stop is repeated.
 constexpr milliseconds stopInterval(20);
 
-// The request's thread still uses the request for a moment after it has emitted the outcome.
+// The request's thread still uses the request for a short time after it has emitted the outcome.
 constexpr milliseconds threadEndTime(100);
 
 } // namespace

@@ -18,8 +18,12 @@ class LoggingEvent;
  * Derive from AppenderSkeleton instead of implementing this interface: it has the lock, the threshold and
  * the protection against recursion.
  *
- * - All functions are thread-safe in every appender of this library.
- * - An appender belongs to one thread. AppenderSharedPtr deletes it in the event loop of that thread.
+ * **Threads.** All functions are thread-safe in every appender of this library.
+ *
+ * **Blocking.** doAppend() blocks until the event is written.
+ *
+ * **Lifetime.** An appender belongs to one thread. AppenderSharedPtr deletes it in the event loop of that
+ * thread.
  *
  * @since 0.1.0
  */

@@ -15,7 +15,8 @@ inline namespace zy {
 /**
  * List of appenders, in the order in which they were attached.
  *
- * All functions are thread-safe. None blocks, except while another thread changes the list.
+ * **Threads.** All functions are thread-safe. **Blocking.** Blocks only while another thread changes the
+ * list.
  *
  * @since 0.1.0
  */

@@ -30,8 +30,11 @@ inline namespace zy {
  * };
  * @endcode
  *
- * - All functions are thread-safe. append() runs under the appender's lock, on the thread that logs.
- * - An appender that is not active drops each event and writes an error line to the standard error stream.
+ * **Threads.** All functions are thread-safe. append() runs under the appender's lock, in the thread that
+ * logs.
+ *
+ * **Failures.** An appender that is not active drops each event and writes an error line to the standard
+ * error stream.
  *
  * @since 0.1.0
  */
@@ -72,8 +75,8 @@ public:
     /**
      * Writes @p event if its level is at or above the threshold.
      *
-     * Holds the appender's lock until the event is written, so lines of several threads never interleave.
-     * An event that append() itself raises on the same thread is dropped.
+     * The appender is locked until the event is written, so lines of several threads never interleave. An
+     * event that append() itself logs in the same thread is dropped.
      */
     void doAppend(const LoggingEvent &event) override;
 

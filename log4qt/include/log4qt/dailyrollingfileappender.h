@@ -19,11 +19,12 @@ class SecondWatch;
  * local wall clock. The first period is the one in which activateOptions() is called: a file that remains
  * from an earlier period is continued.
  *
- * - All functions are thread-safe.
- * - A file that has the name of the finished one already is replaced.
- * - If the finished file cannot be renamed, it is continued, and an error line is written to the standard
- *   error stream.
- * - If the new file cannot be opened, events are dropped as described in FileAppender.
+ * If a file with the new name of the finished file exists, it is replaced.
+ *
+ * **Threads.** All functions are thread-safe.
+ *
+ * **Failures.** If the finished file cannot be renamed, it is continued, and an error line is written to the
+ * standard error stream. If the new file cannot be opened, events are dropped as described in FileAppender.
  *
  * @since 0.1.0
  */

@@ -22,11 +22,14 @@ inline namespace zy {
  * Log4Qt::Logger::rootLogger()->addAppender(shared);
  * @endcode
  *
- * - All functions are thread-safe. doAppend() blocks for one write to the file.
- * - If activateOptions() cannot open the file, it writes an error line to the standard error stream. The
- *   appender remains inactive.
- * - If an open file was closed and cannot be opened again, each event is dropped with an error line. Each
- *   event tries to open the file first, so the output continues as soon as possible.
+ * **Threads.** All functions are thread-safe.
+ *
+ * **Blocking.** doAppend() blocks for one write to the file.
+ *
+ * **Failures.** If activateOptions() cannot open the file, it writes an error line to the standard error
+ * stream. The appender remains inactive. If an open file was closed and cannot be opened again, each event is
+ * dropped with an error line. Each event tries to open the file first, so the output continues as soon as
+ * possible.
  *
  * @since 0.1.0
  */

@@ -16,8 +16,8 @@ class LoggingEvent;
 /**
  * Formats events as strings for an appender.
  *
- * Make all settings before the layout is used: the setters are reentrant, not thread-safe. format() is
- * thread-safe in every layout of this library.
+ * **Threads.** format() is thread-safe in every layout of this library. The setters are reentrant: make all
+ * settings before the layout is used.
  *
  * @since 0.1.0
  */

@@ -12,7 +12,9 @@ inline namespace zy {
 /**
  * Severity of an event.
  *
- * Levels are ordered by their number, from NULL_INT to OFF_INT. Reentrant.
+ * Levels are ordered by their number, from NULL_INT to OFF_INT.
+ *
+ * **Threads.** Reentrant.
  *
  * @since 0.1.0
  */

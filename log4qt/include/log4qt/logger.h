@@ -22,9 +22,11 @@ class LoggingEvent;
  * Loggers form a tree by their names: "App::Net" is below "App", which is below the root logger. "App.Net" is
  * another spelling of "App::Net".
  *
- * - All functions are thread-safe.
- * - A log call blocks until every appender has written the event.
- * - A logger lives until the end of the process. Never delete one.
+ * **Threads.** All functions are thread-safe.
+ *
+ * **Blocking.** A message blocks until every appender has written it.
+ *
+ * **Lifetime.** A logger exists until the process ends. Never delete it.
  *
  * @since 0.1.0
  */

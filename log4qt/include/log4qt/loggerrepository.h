@@ -18,7 +18,9 @@ inline namespace zy {
 class Logger;
 
 /**
- * All loggers of the process. All functions are thread-safe; none blocks on a file.
+ * All loggers of the process.
+ *
+ * **Threads.** All functions are thread-safe. **Blocking.** Never blocks on a file.
  *
  * @since 0.1.0
  */

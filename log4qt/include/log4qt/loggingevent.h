@@ -15,7 +15,9 @@ inline namespace zy {
 class Logger;
 
 /**
- * One message with its level, time, thread and diagnostic context. Reentrant.
+ * One message with its level, time, thread and diagnostic context.
+ *
+ * **Threads.** Reentrant.
  *
  * @since 0.1.0
  */

@@ -18,7 +18,7 @@ inline namespace zy {
  * Log4Qt::NDC::pop();
  * @endcode
  *
- * All functions are thread-safe and change the stack of the calling thread only.
+ * **Threads.** All functions are thread-safe. They change the stack of the calling thread only.
  *
  * @since 0.1.0
  */

@@ -20,7 +20,8 @@ class TimestampFormat;
  * The level is padded to five characters. A field that is switched off leaves no space; an empty diagnostic
  * context does.
  *
- * format() is thread-safe. Make all settings before the layout is used.
+ * **Threads.** format() is thread-safe. The setters are reentrant: make all settings before the layout is
+ * used.
  *
  * @since 0.1.0
  */

@@ -14,8 +14,10 @@ inline namespace zy {
 /**
  * Writes the string of each event to a device, with one write for each event.
  *
- * All functions are thread-safe. If a write fails, the event is lost and an error line is written to the
- * standard error stream. The next event starts on a new line.
+ * **Threads.** All functions are thread-safe.
+ *
+ * **Failures.** If a write fails, the event is lost, and an error line is written to the standard error
+ * stream. The next event starts on a new line.
  *
  * @since 0.1.0
  */
