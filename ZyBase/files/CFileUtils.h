@@ -242,9 +242,10 @@ public:
      * @param strSourcePath path of the file
      * @param strTargetPath path of the copy, including the file name
      * @param bOverwrite true removes an existing target before the copy; false keeps it
-     * @return true if the copy was made; false if it was not, or if the target exists and bOverwrite is false
+     * @return true if the copy was made; false if it was not, or if the target exists and @p bOverwrite is
+     * false
      *
-     * @warning With bOverwrite, the target is lost if the copy then fails. A file that is copied onto
+     * @warning With @p bOverwrite, the target is lost if the copy then fails. A file that is copied onto
      * itself is also lost. Copy to a new name in the same directory, and replace the target with
      * std::filesystem::rename() after the copy succeeded.
      *
@@ -300,8 +301,8 @@ public:
     /**
      * Removes a directory and everything in it.
      *
-     * Symbolic links in the directory are removed, their targets are kept. If strDirPath itself is a symbolic
-     * link, its target directory is emptied, the link remains, and the result is false.
+     * Symbolic links in the directory are removed, their targets are kept. If @p strDirPath itself is a
+     * symbolic link, its target directory is emptied, the link remains, and the result is false.
      *
      * @param strDirPath path of the directory
      * @return true if the directory was removed; false if it does not exist, or if anything in it could not
@@ -343,7 +344,7 @@ public:
      * @param strDirPath path of the directory, with or without a "/" at the end; an empty string returns a
      * path that starts with "./"
      * @param strName a name or a relative path
-     * @return the path; if strName is an absolute path, strName
+     * @return the path; if @p strName is an absolute path, @p strName
      *
      * @warning A name with ".." or an absolute name leaves the directory. Check names that come from others.
      */
@@ -442,7 +443,7 @@ public:
      *
      * @param strFilePath the preferred path. A path without a directory returns a path that starts with "./";
      * a file in the root directory, one that starts with "//".
-     * @param strExtension the extension without a dot; an empty string uses the suffix of strFilePath. If
+     * @param strExtension the extension without a dot; an empty string uses the suffix of @p strFilePath. If
      * both are empty, the result ends with a dot: "README.".
      * @return the path; there is no limit to the counter
      *
@@ -468,8 +469,8 @@ public:
      * | "xfce" | thunar FILE |
      * | none of these | xdg-open DIRECTORY |
      *
-     * Paths are made absolute. If strFilePath is a directory, DIRECTORY is its parent directory; if it also
-     * ends with "/", DIRECTORY is the directory itself.
+     * Paths are made absolute. If @p strFilePath is a directory, DIRECTORY is its parent directory; if it
+     * also ends with "/", DIRECTORY is the directory itself.
      *
      * The outcome is not returned. Two failures are logged as Qt warnings in the category "default":
      *

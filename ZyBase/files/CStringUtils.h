@@ -27,11 +27,11 @@ public:
     /**
      * Returns the string with a line feed after every 100 characters, except at the end.
      *
-     * Characters are QChars. Line feeds in strText count as characters. Despite its name, the function
+     * Characters are QChars. Line feeds in @p strText count as characters. Despite its name, the function
      * returns one string, not a list.
      *
      * @param strText the string
-     * @return the string with line feeds, or a null string if strText is empty
+     * @return the string with line feeds, or a null string if @p strText is empty
      *
      * @warning A line feed can split a word, or the two QChars of a character above U+FFFF. For words, use
      * QTextLayout or the word wrap of a widget.

@@ -102,7 +102,7 @@ public:
      * An entry that cannot be extracted is skipped, and a message is logged. Nothing that was extracted is
      * removed after a failure.
      *
-     * If strExtractDir is empty, the path is the archive's directory, followed by the archive's name up to
+     * If @p strExtractDir is empty, the path is the archive's directory, followed by the archive's name up to
      * its first dot, without "/" in between: "/home/u/docs/data.tar.zip" is extracted to "/home/u/docsdata".
      * Pass a path to avoid this.
      *

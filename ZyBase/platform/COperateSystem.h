@@ -29,7 +29,7 @@ namespace ZyBase {
  * @endcode
  *
  * **Threads.** All functions are thread-safe, from the first call on. No thread may change the environment of
- * the process during a call. The functions that run a tool must not be called from the GUI thread:
+ * the process during a call. The functions that run a tool should not be called from the GUI thread:
  * IsDarkTheme(), IsDefaultLauncher() and SetDefaultLauncher(). The others may be.
  *
  * **Blocking.** The functions that run a tool wait up to 30 seconds for each tool. The others block for the
@@ -198,7 +198,7 @@ public:
  * @return 1 for dark; 0 for light; 2 if the settings do not decide, or `which` or gsettings is not installed
  *
  * **Threads.** This function is thread-safe. No thread may change the environment of the process during the
- * call. Do not call it from the GUI thread.
+ * call. It should not be called from the GUI thread.
  *
  * **Blocking.** Runs up to three tools: usually about 10 milliseconds each, at most 90 seconds in all.
  *

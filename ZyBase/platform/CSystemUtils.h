@@ -239,7 +239,7 @@ public:
      *
      * @return true for a dark theme; false for a light one, and if no setting decides
      *
-     * **Threads.** This function is thread-safe. Do not call it from the GUI thread.
+     * **Threads.** This function is thread-safe. It should not be called from the GUI thread.
      *
      * **Blocking.** Runs up to eight tools: usually about 10 milliseconds each, at most 240 seconds in all.
      *
