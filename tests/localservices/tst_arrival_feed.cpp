@@ -17,7 +17,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-// A wait that should end for another reason runs into the time limit of the whole test otherwise.
+// Longer than the time limit of the test: every wait must end for another reason.
 constexpr auto timeout = 1h;
 
 Arrival record(const QString &name)
@@ -51,7 +51,7 @@ QString number(int number)
 
 } // namespace
 
-// What arrives, as readers and pages get it.
+// The feed, and the server of the page.
 class TestArrivalFeed : public QObject
 {
     Q_OBJECT
@@ -88,7 +88,7 @@ private Q_SLOTS:
         QCOMPARE(size.load(), 1);
     }
 
-    // Now and then the arrival comes between a reader's look and its wait.
+    // In some rounds the arrival comes between the reader's query and its wait.
     void returnsArrivalThatComesBeforeWait()
     {
         constexpr qint64 rounds = 300;
@@ -231,7 +231,7 @@ private Q_SLOTS:
             QVERIFY(readers.back()->head().startsWith("HTTP/1.1 200"));
         }
         QVERIFY(FeedReader(feedUrl()).head().startsWith("HTTP/1.1 503"));
-        // The page itself is served all the same.
+        // The page itself is still available.
         QCOMPARE(request("GET", m_server->url()).status, 200);
         readers.pop_back();
         QVERIFY(
@@ -302,7 +302,7 @@ private Q_SLOTS:
                                                               + "Origin: http://site.example\r\n"
                                                                 "Access-Control-Request-Method: DELETE\r\n");
         QVERIFY(answer.status >= 400);
-        // Those that a browser sends without asking first do nothing.
+        // A request that a browser sends without a preflight request changes nothing.
         QVERIFY(
             rawRequest(m_server->url(), "POST /arrivals HTTP/1.1\r\n" + host + "Content-Length: 0\r\n").status
             >= 400);
@@ -353,7 +353,7 @@ private Q_SLOTS:
             QVERIFY(!other.isListening());
         }
         QCOMPARE(request("GET", m_server->url()).status, 200);
-        // The next run has it again, although connections of this one were just closed.
+        // The next run can use the port again, although connections were just closed.
         m_server.reset();
         ArrivalFeed nextFeed(*m_store);
         const PageServer next(nextFeed, port, QString());
