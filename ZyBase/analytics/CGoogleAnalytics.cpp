@@ -74,7 +74,7 @@ void CGoogleAnalytics::StartRequestAsync(const QString &clientId, const QString 
         const QNetworkRequest request = createRequest(m_strCollectUrl, measurementId, apiSecret);
         const QByteArray baBody = createBody(clientId, eventName, eventCategory, eventLabel);
         Exchange exchange(request, baBody);
-        if (ZyBase::waitForAnswer(exchange, this))
+        if (ZyBase::waitForAnswer(exchange, *this))
             Q_EMIT SignalRequestResult(exchange.readAll());
     }).detach();
 }

@@ -90,7 +90,7 @@ void CHttpPostRequest::StartRequestAsync(const QUrl &url, const QJsonObject &jso
         const QByteArray baBody = createBody(jsonObject);
         const QNetworkRequest request = createSessionRequest(url, strSession);
         Exchange exchange(request, baBody);
-        if (waitForAnswer(exchange, this))
+        if (waitForAnswer(exchange, *this))
             Q_EMIT SignalRequestResult(exchange.readAll());
     }).detach();
 }
@@ -100,7 +100,7 @@ void CHttpPostRequest::StartGetRequest(const QUrl &url, const QString &strSessio
     std::thread([this, url, strSession] {
         const QNetworkRequest request = createSessionRequest(url, strSession);
         Exchange exchange(request);
-        if (waitForAnswer(exchange, this))
+        if (waitForAnswer(exchange, *this))
             Q_EMIT SignalRequestResult(exchange.readAll());
     }).detach();
 }
@@ -117,7 +117,7 @@ void CHttpPostRequest::StartGetRequestAndStatusCode(const QUrl &url, const QStri
     std::thread([this, url, strSession] {
         const QNetworkRequest request = createSessionRequest(url, strSession);
         Exchange exchange(request);
-        if (!waitForAnswer(exchange, this))
+        if (!waitForAnswer(exchange, *this))
             return;
         const int nStatusCode = exchange.statusCode();
         Q_EMIT SignalRequestResultAndStatusCode(exchange.readAll(), nStatusCode);

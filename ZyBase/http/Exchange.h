@@ -53,17 +53,17 @@ private:
     QNetworkReply *const m_pReply;
 };
 
-// Waits for the end of a background request. Emits the signal of pRequest for a timeout or a cancelled
+// Waits for the end of a background request. Emits the signal of the request for a timeout or a cancelled
 // request; returns true if the caller has to emit the result.
-template <typename Request> bool waitForAnswer(Exchange &exchange, Request *pRequest)
+template <typename Request> bool waitForAnswer(Exchange &exchange, Request &request)
 {
-    exchange.wait(pRequest);
+    exchange.wait(&request);
     if (exchange.hasTimedOut()) {
-        Q_EMIT pRequest->SignalRequestTimeout();
+        Q_EMIT request.SignalRequestTimeout();
         return false;
     }
     if (exchange.error() == QNetworkReply::OperationCanceledError) {
-        Q_EMIT pRequest->SignalRequestCancel();
+        Q_EMIT request.SignalRequestCancel();
         return false;
     }
     return true;

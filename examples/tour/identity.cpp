@@ -26,7 +26,7 @@ Start startApplication(Report &report, const QString &run)
     const QString prefix = QStringLiteral("tour/");
     const QString name = QStringLiteral("reader");
     const bool isNewUser = CSystemUtils::IsNewUser(prefix, name);
-    const Start start {isNewUser, CSystemUtils::GetPCID(prefix, name)};
+    Start start {isNewUser, CSystemUtils::GetPCID(prefix, name)};
     report.line(run, QStringLiteral("IsNewUser %1").arg(QVariant(start.isNewUser).toString()));
     report.line(QString(), QStringLiteral("GetPCID %1").arg(start.identifier));
     return start;

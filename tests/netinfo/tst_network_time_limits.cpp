@@ -56,9 +56,8 @@ private Q_SLOTS:
     void endsRequestsAfterTenSecondsEachAndLookupWhenAnswered()
     {
         const auto never = [](Connection &client) { client.waitForClose(); };
-        for (const char *host :
-             {ZyBase::pszGeolocationHost, ZyBase::pszGeolocationPageHost,
-              ZyBase::pszAddressHost, ZyBase::pszCountryHost})
+        for (const char *host : {ZyBase::pszGeolocationHost, ZyBase::pszGeolocationPageHost,
+                                 ZyBase::pszAddressHost, ZyBase::pszCountryHost})
             network().route(host, never);
         Resolver::hold();
 

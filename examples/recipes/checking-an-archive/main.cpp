@@ -22,7 +22,7 @@ QString extract(const QString &archive, const QString &directory)
 {
     const QByteArray codec = archiveNameCodec(archive, "GBK");
     const quint64 spaceBytes = spaceForArchive(QFileInfo(directory).absolutePath());
-    const QString problem = archiveProblem(archive, spaceBytes, codec);
+    QString problem = archiveProblem(archive, spaceBytes, codec);
     if (!problem.isNull())
         return problem;
     if (!QDir().mkdir(directory))
