@@ -135,11 +135,11 @@ BuiltIn builtIn(const QByteArray &name)
 HttpServer::HttpServer(const Certificate &certificate, const QMap<QString, Answer> &answers)
     : m_scheme(certificate.certificate.isEmpty() ? QStringLiteral("http") : QStringLiteral("https"))
     , m_answers(answers)
-    , m_listener([this](Connection &connection) { serve(connection); }, certificate)
+    , m_listener([this](Connection &connection) { handle(connection); }, certificate)
 {
 }
 
-void HttpServer::serve(Connection &connection)
+void HttpServer::handle(Connection &connection)
 {
     const std::optional<Request> request = readRequest(connection);
     if (!request)

@@ -58,7 +58,7 @@ public:
 private:
     Q_DISABLE_COPY(HttpServer)
 
-    void serve(Connection &connection);
+    void handle(Connection &connection);
     void record(const Request &request);
 
     const QString m_scheme;

@@ -56,8 +56,8 @@ void ignoreBrokenPipes()
 
 } // namespace
 
-Listener::Listener(Serve serve, const Certificate &certificate, quint16 port)
-    : m_serve(std::move(serve))
+Listener::Listener(Handler handler, const Certificate &certificate, quint16 port)
+    : m_handler(std::move(handler))
     , m_tls(createTls(certificate))
     , m_socket(createSocket(port))
 {
@@ -129,7 +129,7 @@ void Listener::serveConnection(int socket)
     ::setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof(on));
     auto connection = std::make_unique<Connection>(socket, m_tls.get());
     if (connection->accept())
-        m_serve(*connection);
+        m_handler(*connection);
     connection->finish(); // before the mutex is locked: it may block until the destructor ends the connection
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_connections.erase(socket);

@@ -18,16 +18,16 @@ namespace LocalServices {
 class Listener
 {
 public:
-    using Serve = std::function<void(Connection &)>;
+    using Handler = std::function<void(Connection &)>;
 
     /**
      * Starts to listen.
      *
-     * @param serve called in the thread of each connection, which is closed when the function returns
+     * @param handler called in the thread of each connection, which is closed when the function returns
      * @param certificate if not empty, connections use TLS, in any version that OpenSSL supports
      * @param port a port number; 0 uses any free port
      */
-    explicit Listener(Serve serve, const Certificate &certificate = {}, quint16 port = 0);
+    explicit Listener(Handler handler, const Certificate &certificate = {}, quint16 port = 0);
 
     /** Ends all connections at once, and waits for their threads. */
     ~Listener();
@@ -54,7 +54,7 @@ private:
     void serveConnection(int socket);
     void joinDoneWorkers();
 
-    const Serve m_serve;
+    const Handler m_handler;
     std::shared_ptr<ssl_ctx_st> m_tls;
     int m_socket = -1;
     quint16 m_port = 0;

@@ -10,7 +10,7 @@
 
 namespace LocalServices {
 
-/** An nginx process on loopback with its own configuration. It serves the files of a temporary directory. */
+/** An nginx process on loopback with its own configuration, for the files of a temporary directory. */
 class Nginx
 {
 public:
@@ -31,7 +31,7 @@ public:
 
     QUrl url(const QString &path) const;
 
-    /** Returns the path of the file @p name in the served directory. */
+    /** Returns the path of the file @p name in the temporary directory. */
     QString filePath(const QString &name) const;
 
 private:

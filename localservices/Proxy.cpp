@@ -84,7 +84,7 @@ Proxy::Proxy(const Authority &authority)
 
 Proxy::Proxy(Issue issue)
     : m_issue(std::move(issue))
-    , m_listener([this](Connection &client) { serve(client); })
+    , m_listener([this](Connection &client) { handle(client); })
 {
 }
 
@@ -108,7 +108,7 @@ int Proxy::portFor(const QUrl &target) const
     return m_ports.value(target.host(), m_ports.value(QString(), noPort));
 }
 
-void Proxy::serve(Connection &client)
+void Proxy::handle(Connection &client)
 {
     QByteArray received;
     const std::optional<HttpRequest> request = readRequest(client, &received);

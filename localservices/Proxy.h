@@ -57,7 +57,7 @@ public:
 private:
     Q_DISABLE_COPY(Proxy)
 
-    void serve(Connection &client);
+    void handle(Connection &client);
     bool startTunnel(Connection &client, const QUrl &target) const;
     int portFor(const QUrl &target) const;
 

@@ -37,7 +37,7 @@ public:
     /** Returns the requests so far, as received. Thread-safe. */
     QList<QByteArray> requests() const;
 
-    /** The number of open connections. Any thread. */
+    /** Returns the number of open connections. Thread-safe. */
     int openConnections() { return m_listener.openConnections(); }
 
 private:

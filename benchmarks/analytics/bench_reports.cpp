@@ -3,6 +3,7 @@
 #include <ZyBase/analytics/CGaReportManager.h>
 #include <ZyBase/files/CJsonReader.h>
 
+#include "catalogue.h"
 #include "ratios.h"
 
 #include <localservices/HttpServer.h>
@@ -11,13 +12,9 @@
 #include <QCryptographicHash>
 #include <QDateTime>
 #include <QEventLoop>
-#include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QSemaphore>
-#include <QTemporaryDir>
 #include <QUrl>
 
 #include <benchmark/benchmark.h>
@@ -39,20 +36,7 @@ using Catalogue = QMap<QString, QJsonObject>;
 const QString &cataloguePath()
 {
     static const QTemporaryDir directory;
-    static const QString path = [] {
-        QJsonArray events;
-        for (int i = 0; i < eventCount; ++i) {
-            events.append(QJsonObject {{QStringLiteral("event_key"), QStringLiteral("key_%1").arg(i)},
-                                       {QStringLiteral("event_name"), QStringLiteral("click")},
-                                       {QStringLiteral("event_category"), QStringLiteral("toolbar")},
-                                       {QStringLiteral("event_label"), QStringLiteral("button %1").arg(i)}});
-        }
-        const QString filePath = directory.filePath(QStringLiteral("events.json"));
-        QFile file(filePath);
-        file.open(QIODevice::WriteOnly);
-        file.write(QJsonDocument(events).toJson());
-        return filePath;
-    }();
+    static const QString path = writeCatalogue(directory, eventCount);
     return path;
 }
 

@@ -2,11 +2,8 @@
 
 #include <ZyBase/files/CJsonReader.h>
 
+#include "catalogue.h"
 #include "ratios.h"
-
-#include <QFile>
-#include <QJsonDocument>
-#include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
 
@@ -22,27 +19,9 @@ QTemporaryDir &directory()
     return instance;
 }
 
-QJsonArray createCatalogue()
-{
-    QJsonArray events;
-    for (int i = 0; i < eventCount; ++i) {
-        events.append(QJsonObject {{QStringLiteral("event_key"), QStringLiteral("key_%1").arg(i)},
-                                   {QStringLiteral("event_name"), QStringLiteral("click")},
-                                   {QStringLiteral("event_category"), QStringLiteral("toolbar")},
-                                   {QStringLiteral("event_label"), QStringLiteral("button %1").arg(i)}});
-    }
-    return events;
-}
-
 QString catalogueFile()
 {
-    static const QString path = [] {
-        const QString name = directory().filePath(QStringLiteral("events.json"));
-        QFile file(name);
-        file.open(QIODevice::WriteOnly);
-        file.write(QJsonDocument(createCatalogue()).toJson());
-        return name;
-    }();
+    static const QString path = writeCatalogue(directory(), eventCount);
     return path;
 }
 
@@ -53,7 +32,7 @@ QString savedFile()
 
 QJsonObject savedObject()
 {
-    return {{QStringLiteral("events"), createCatalogue()}};
+    return {{QStringLiteral("events"), createCatalogue(eventCount)}};
 }
 
 void parseWithLibrary(benchmark::State &state)

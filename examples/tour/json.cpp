@@ -42,7 +42,7 @@ void showJson(Report &report, const QDir &directory)
     report.line(QStringLiteral("key \"language\""), describe(language));
     report.line(QStringLiteral("a missing key"), describe(missingKey));
     report.line(QStringLiteral("a missing file"), describe(missingFile));
-    report.promise(QStringLiteral("A missing key gives undefined, a missing file gives null"),
+    report.promise(QStringLiteral("A missing key returns undefined, a missing file returns null"),
                    language.toString() == QLatin1String("zh_CN") && missingKey.isUndefined()
                        && missingFile.isNull());
 }

@@ -14,16 +14,16 @@ namespace {
 const QString good = QStringLiteral("good");
 const QString bad = QStringLiteral("bad: ");
 
-// The collectors' words for what they find, for someone who doesn't know their rules.
+// A sentence for each problem that the collector reports.
 const QMap<QString, QString> &eventSentences()
 {
     static const QMap<QString, QString> sentences {
-        {QStringLiteral("method"), QStringLiteral("The method isn't POST.")},
+        {QStringLiteral("method"), QStringLiteral("The method is not POST.")},
         {QStringLiteral("measurement_id"), QStringLiteral("The query has no measurement_id.")},
         {QStringLiteral("api_secret"), QStringLiteral("The query has no api_secret.")},
         {QStringLiteral("query"),
          QStringLiteral("The query has other keys than measurement_id and api_secret.")},
-        {QStringLiteral("Content-Type"), QStringLiteral("The Content-Type isn't application/json.")},
+        {QStringLiteral("Content-Type"), QStringLiteral("The Content-Type is not application/json.")},
         {QStringLiteral("size"), QStringLiteral("The body has 130 KiB or more.")},
         {QStringLiteral("keys"),
          QStringLiteral("The body isn't an object with the keys client_id, events and user_id.")},
@@ -32,39 +32,42 @@ const QMap<QString, QString> &eventSentences()
         {QStringLiteral("events"), QStringLiteral("There is no event or more than 25.")},
         {QStringLiteral("event"), QStringLiteral("An event has other keys than name and params.")},
         {QStringLiteral("name"),
-         QStringLiteral("An event's name isn't a letter with up to 39 letters, digits and underscores behind "
-                        "it, or begins as reserved names do.")},
+         QStringLiteral(
+             "An event's name is reserved, longer than 40 characters, does not start with a letter, "
+             "or contains other characters than letters, digits and underscores.")},
         {QStringLiteral("params"), QStringLiteral("An event has more than 25 params.")},
-        {QStringLiteral("param"), QStringLiteral("A param's name breaks the rules for names.")},
-        {QStringLiteral("value"), QStringLiteral("A param's value is no text of at most 100 characters.")}};
+        {QStringLiteral("param"), QStringLiteral("A param's name violates the rules for names.")},
+        {QStringLiteral("value"),
+         QStringLiteral("A param's value is not a string of at most 100 characters.")}};
     return sentences;
 }
 
 const QMap<QString, QString> &recordSentences()
 {
     static const QMap<QString, QString> sentences {
-        {QStringLiteral("method"), QStringLiteral("The method isn't POST.")},
-        {QStringLiteral("Content-Type"), QStringLiteral("The Content-Type isn't application/json.")},
+        {QStringLiteral("method"), QStringLiteral("The method is not POST.")},
+        {QStringLiteral("Content-Type"), QStringLiteral("The Content-Type is not application/json.")},
         {QStringLiteral("keys"),
-         QStringLiteral("The body isn't an object with the texts action, day, device_id, os, product, qd, "
+         QStringLiteral("The body is not an object with the strings action, day, device_id, os, product, qd, "
                         "status and version.")},
-        {QStringLiteral("day"), QStringLiteral("The day isn't a date and a time like 2026-11-20 17:05:09.")}};
+        {QStringLiteral("day"),
+         QStringLiteral("The day is not a date and time such as 2026-11-20 17:05:09.")}};
     return sentences;
 }
 
-// A wrong query has no signature to speak of, and a wrong time stamp goes before what was made with it.
+// Only the most important problem is reported. Without the right query there is no signature to check.
 QString signatureVerdict(const QStringList &problems)
 {
     if (problems.contains(QStringLiteral("query")))
-        return bad + QStringLiteral("the query doesn't end in sign and timestamp");
+        return bad + QStringLiteral("the query does not end with sign and timestamp");
     if (problems.contains(QStringLiteral("sign")))
-        return bad + QStringLiteral("it isn't the one of this secret, time stamp and body");
+        return bad + QStringLiteral("it does not match the secret, time stamp and body");
     if (problems.contains(QStringLiteral("timestamp")))
         return bad + QStringLiteral("the time stamp is more than 300 seconds from now");
     return good;
 }
 
-// Each once, however many events have it.
+// Each problem once, even if several events have it.
 QStringList inSentences(QStringList problems, const QMap<QString, QString> &sentences)
 {
     problems.removeDuplicates();

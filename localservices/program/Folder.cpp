@@ -4,7 +4,6 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QSaveFile>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -47,12 +46,6 @@ Folder::Folder(const QString &path)
 QString Folder::filePath(const QString &name) const
 {
     return m_path + QLatin1Char('/') + name;
-}
-
-bool Folder::write(const QString &name, const QByteArray &content) const
-{
-    QSaveFile file(filePath(name));
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.commit();
 }
 
 void Folder::remove(const QString &name) const

@@ -17,11 +17,11 @@ public:
     /** Returns why the directory cannot be used, or an empty string if it can. */
     QString error() const { return m_error; }
 
+    /** Returns the absolute path of the directory. */
+    QString path() const { return m_path; }
+
     /** Returns the absolute path of a file in the directory. */
     QString filePath(const QString &name) const;
-
-    /** Writes a file atomically. Returns false after a failure. */
-    bool write(const QString &name, const QByteArray &content) const;
 
     /** Removes a file of the directory if it exists. */
     void remove(const QString &name) const;

@@ -85,7 +85,7 @@ PageServer::PageServer(ArrivalFeed &feed, quint16 port, const QString &services)
                  {"X-Content-Type-Options", "nosniff"},
                  {"Referrer-Policy", "no-referrer"},
                  {"Cache-Control", "no-store"}}
-    , m_listener([this](Connection &connection) { serve(connection); }, Certificate(), port)
+    , m_listener([this](Connection &connection) { handle(connection); }, Certificate(), port)
 {
 }
 
@@ -105,7 +105,7 @@ bool PageServer::isOwnHost(const QByteArray &host) const
     return host == "127.0.0.1" + port || host == "localhost" + port;
 }
 
-void PageServer::serve(Connection &connection)
+void PageServer::handle(Connection &connection)
 {
     const std::optional<HttpRequest> request = LocalServices::readRequest(connection);
     if (!request)

@@ -50,7 +50,7 @@ public:
 private:
     Q_DISABLE_COPY(PageServer)
 
-    void serve(LocalServices::Connection &connection);
+    void handle(LocalServices::Connection &connection);
     LocalServices::HttpResponse respond(const LocalServices::HttpRequest &request);
     void sendFeed(LocalServices::Connection &connection, const LocalServices::HttpRequest &request);
     bool isOwnHost(const QByteArray &host) const;

@@ -6,7 +6,6 @@
 #include "Termination.h"
 
 #include <QEventLoop>
-#include <QJsonDocument>
 
 #include <cstdio>
 
@@ -67,11 +66,11 @@ int Program::run(Termination &termination)
     if (!store.error().isEmpty())
         return fail(QStringLiteral("%1: %2").arg(m_folder.filePath(arrivalsFile), store.error()));
     ArrivalFeed feed(store);
-    StandIns standIns(feed);
+    LocalServers servers(feed);
     const auto page = createPage(feed, m_options.port, m_folder.filePath(servicesFile));
     if (!page->isListening())
         return fail(QStringLiteral("the port %1 is in use").arg(m_options.port));
-    if (!writeServices(standIns, page->url()))
+    if (!servers.writeDescription(m_folder.path(), page->url()))
         return fail(QStringLiteral("%1 cannot be written").arg(m_folder.filePath(servicesFile)));
 
     int exitCode = 0;
@@ -79,7 +78,7 @@ int Program::run(Termination &termination)
         printInstructions(page->url());
         waitForSignal(termination);
     } else {
-        exitCode = runCommand(termination, standIns, page->url());
+        exitCode = runCommand(termination, servers, page->url());
     }
     m_folder.remove(servicesFile);
     m_folder.remove(authorityFile);
@@ -87,25 +86,13 @@ int Program::run(Termination &termination)
     return exitCode;
 }
 
-// services.json is written last. When it exists, everything that it names exists too.
-bool Program::writeServices(const StandIns &standIns, const QUrl &page) const
-{
-    const QJsonObject services {{QStringLiteral("authority"), m_folder.filePath(authorityFile)},
-                                {QStringLiteral("downloads"), standIns.downloads().toString()},
-                                {QStringLiteral("page"), page.toString()},
-                                {QStringLiteral("proxy"), standIns.proxy().toString()},
-                                {QStringLiteral("statistics"), standIns.statistics().toString()}};
-    return m_folder.write(authorityFile, standIns.authority())
-           && m_folder.write(servicesFile, QJsonDocument(services).toJson());
-}
-
-int Program::runCommand(Termination &termination, StandIns &standIns, const QUrl &page) const
+int Program::runCommand(Termination &termination, LocalServers &servers, const QUrl &page) const
 {
     print(QStringLiteral("what arrives shows up at %1").arg(page.toString()));
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("LOCAL_SERVICES"), m_folder.filePath(servicesFile));
     const int exitCode = Command(m_options.command, environment).run(termination);
-    standIns.settle();
+    servers.settle();
     return exitCode;
 }
 

@@ -3,8 +3,8 @@
 #pragma once
 
 #include "Folder.h"
+#include "LocalServers.h"
 #include "PageServer.h"
-#include "StandIns.h"
 
 #include <QStringList>
 
@@ -32,8 +32,7 @@ public:
 private:
     Q_DISABLE_COPY(Program)
 
-    bool writeServices(const StandIns &standIns, const QUrl &page) const;
-    int runCommand(Termination &termination, StandIns &standIns, const QUrl &page) const;
+    int runCommand(Termination &termination, LocalServers &servers, const QUrl &page) const;
     static void waitForSignal(Termination &termination);
     void printInstructions(const QUrl &page) const;
     static void printCounts(const ArrivalFeed::Counts &counts);

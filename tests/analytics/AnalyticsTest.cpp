@@ -42,9 +42,7 @@ void AnalyticsTest::init()
 void AnalyticsTest::cleanup()
 {
     m_network.reset();
-    const QStringList lines = m_output->lines();
-    m_output.reset();
-    QVERIFY2(lines.isEmpty(), qPrintable(lines.join(QLatin1Char('\n'))));
+    QCOMPARE(OutputCapture::take(m_output), QString());
 }
 
 bool sendSync(CGoogleAnalytics &analytics, const Event &event)

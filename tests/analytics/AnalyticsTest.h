@@ -12,8 +12,10 @@
 #include <QChildEvent>
 #include <QThread>
 
-/** Base of the tests of analytics: each function has its own network and fails if the process writes a
- * message. */
+/**
+ * Base of the tests of analytics. Each function has its own network and fails if the process writes a
+ * message.
+ */
 class AnalyticsTest : public QObject
 {
     Q_OBJECT
@@ -26,12 +28,12 @@ protected:
     using HttpServer = LocalServices::HttpServer;
     using Record = LocalServices::StatisticsBackend::Record;
 
-    /** Whether the requests of this process use the network's proxy. */
+    /** Returns true if the requests of this process use the proxy of the network. */
     virtual bool usesProxy() const { return true; }
 
     FakeNetwork &network() { return *m_network; }
 
-    /** Makes events go to this server in the place of the collector. */
+    /** Routes events to this server instead of the collector. */
     void routeEvents(const QUrl &url) { m_network->route(FakeNetwork::collectorHost, url); }
 
     /** Makes this process use a proxy on this port of 127.0.0.1. */

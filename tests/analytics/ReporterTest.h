@@ -17,7 +17,7 @@ public:
     int running() const { return object().children().size(); }
     int started() const { return m_started; }
 
-    /** Whether all requests so far were deleted in the reporter's thread. */
+    /** Returns true if all requests so far were deleted in the reporter's thread. */
     bool areDeletedInOwnThread() const { return m_areDeletedInOwnThread; }
 
     /** Waits until no request is left, and calls @p meanwhile repeatedly. */

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: LGPL-2.1-or-later
 #
-# What is missing is named together with the package that brings it.
+# Verifies that the message for a missing dependency names its package.
 
 include(${CMAKE_CURRENT_LIST_DIR}/support.cmake)
 

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: LGPL-2.1-or-later
 #
-# Builds the application that README shows and runs it twice.
+# Builds the application of README and runs it twice.
 
 include(${CMAKE_CURRENT_LIST_DIR}/support.cmake)
 

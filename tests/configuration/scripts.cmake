@@ -56,7 +56,7 @@ execute_process(COMMAND ${ENV_COMMAND} PATH=${WORK_DIR}/user:$ENV{PATH} ${BASH} 
     RESULT_VARIABLE RESULT OUTPUT_VARIABLE OUTPUT ERROR_VARIABLE OUTPUT)
 expect_failure_with("installing packages needs root. Run:\n    sudo apt-get install --no-install-recommends cmake g++ ")
 
-# Of alternatives the first one is installed that the distribution has.
+# Of several alternatives, the first one in the distribution is installed.
 file(REMOVE ${WORK_DIR}/old.log)
 execute_process(COMMAND ${ENV_COMMAND} PATH=${WORK_DIR}/old:$ENV{PATH} ${BASH} ${script} build
     RESULT_VARIABLE RESULT OUTPUT_VARIABLE OUTPUT ERROR_VARIABLE OUTPUT)
@@ -66,7 +66,7 @@ if(NOT calls MATCHES "install .* libquazip5-dev " OR calls MATCHES "libquazip1-q
     message(FATAL_ERROR "The older package should be installed; the calls were: ${calls}")
 endif()
 
-# The scripts that build and start a program, in a tree where a fake cmake makes a program that prints its
+# The scripts that build and start a program, in a tree where a fake cmake creates a program that prints its
 # arguments and returns 7.
 file(COPY ${SOURCE_DIR}/scripts ${SOURCE_DIR}/CMakePresets.json DESTINATION ${WORK_DIR}/tree)
 file(WRITE ${WORK_DIR}/program "#!/bin/sh\necho \"started: $*\"\nexit 7\n")
@@ -84,7 +84,7 @@ echo \"cmake $*\"
 run(chmod +x ${WORK_DIR}/program ${WORK_DIR}/good/cmake ${WORK_DIR}/bad/cmake ${WORK_DIR}/older/cmake)
 set(demo ${WORK_DIR}/tree/build/demo)
 
-# run_script(<folder of cmake> <script> [ARGUMENT...]): leaves RESULT, OUTPUT and ERRORS.
+# run_script(<folder of cmake> <script> [ARGUMENT...]): sets RESULT, OUTPUT and ERRORS.
 function(run_script folder script)
     execute_process(
         COMMAND ${ENV_COMMAND} PATH=${WORK_DIR}/${folder}:${WORK_DIR}/all:$ENV{PATH} ${BASH}
@@ -141,7 +141,7 @@ if(NOT OUTPUT STREQUAL "cmake --preset ci -DEXTRA=1\n")
     message(FATAL_ERROR "The options of a recent cmake are: ${OUTPUT} ${ERRORS}")
 endif()
 
-# Help starts nothing, and unknown options are refused.
+# --help starts nothing, and unknown options are rejected.
 file(REMOVE ${demo}/build.log)
 foreach(script install test demo build-demo configure install-dependencies coverage)
     run_script(good ${script} --help)

@@ -3,12 +3,12 @@
 file(REMOVE_RECURSE "${WORK_DIR}")
 file(MAKE_DIRECTORY "${WORK_DIR}")
 
-# configure(<source> <build> [OPTION...]): leaves RESULT (0 for success) and OUTPUT, all on one line.
+# configure(<source> <build> [OPTION...]): sets RESULT (0 for success) and OUTPUT, all on one line.
 function(configure source build)
     execute_process(
         COMMAND ${CMAKE_COMMAND} -S "${source}" -B "${build}" -G "${GENERATOR}" -DCMAKE_BUILD_TYPE=Debug ${ARGN}
         RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
-    # CMake wraps a message and doubles the blank behind a full stop.
+    # CMake wraps messages and puts two spaces after a full stop.
     string(REGEX REPLACE "[ \n]+" " " output "${output}")
     set(RESULT "${result}" PARENT_SCOPE)
     set(OUTPUT "${output}" PARENT_SCOPE)
@@ -16,21 +16,21 @@ endfunction()
 
 function(expect_failure_with text)
     if(RESULT EQUAL 0)
-        message(FATAL_ERROR "The configuration should fail; it said: ${OUTPUT}")
+        message(FATAL_ERROR "The command should fail; it printed: ${OUTPUT}")
     endif()
     string(FIND "${OUTPUT}" "${text}" position)
     if(position EQUAL -1)
-        message(FATAL_ERROR "Should say \"${text}\"; it said: ${OUTPUT}")
+        message(FATAL_ERROR "The command should print \"${text}\"; it printed: ${OUTPUT}")
     endif()
 endfunction()
 
 function(expect_success)
     if(NOT RESULT EQUAL 0)
-        message(FATAL_ERROR "Should succeed; it said: ${OUTPUT}")
+        message(FATAL_ERROR "The command should succeed; it printed: ${OUTPUT}")
     endif()
 endfunction()
 
-# run(COMMAND...): ends the test when the command fails; leaves OUTPUT.
+# run(COMMAND...): sets OUTPUT; the test fails if the command fails.
 function(run)
     execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
     if(NOT result EQUAL 0)

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: LGPL-2.1-or-later
 #
-# What is switched off is not there, and a tree inside another project builds the library alone.
+# Verifies the targets for each option. Inside another project, only the library is built.
 
 include(${CMAKE_CURRENT_LIST_DIR}/support.cmake)
 

@@ -3,11 +3,11 @@
 include(${CMAKE_CURRENT_LIST_DIR}/support.cmake)
 
 configure(${CMAKE_CURRENT_LIST_DIR}/cmake ${WORK_DIR}/build
-    -DCMAKE_PREFIX_PATH=${PREFIX} -DWANTED_VERSION=${VERSION})
+    -DCMAKE_PREFIX_PATH=${PREFIX} -DREQUIRED_VERSION=${VERSION})
 expect_success()
 run(${CMAKE_COMMAND} --build ${WORK_DIR}/build)
 expect_consumer_works(${WORK_DIR}/build/consumer)
 
-# A host that was written for a later version is told so.
-configure(${CMAKE_CURRENT_LIST_DIR}/cmake ${WORK_DIR}/later -DCMAKE_PREFIX_PATH=${PREFIX} -DWANTED_VERSION=99)
+# An application that requires a later version is rejected.
+configure(${CMAKE_CURRENT_LIST_DIR}/cmake ${WORK_DIR}/later -DCMAKE_PREFIX_PATH=${PREFIX} -DREQUIRED_VERSION=99)
 expect_failure_with("compatible with requested version \"99\"")

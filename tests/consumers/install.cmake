@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: LGPL-2.1-or-later
 #
-# Installs into a staging folder as packagers do, looks at what lies there, and moves it.
+# Installs to a staging directory as packagers do, moves the result, and checks the installed files.
 
 include(${CMAKE_CURRENT_LIST_DIR}/support.cmake)
 
@@ -10,7 +10,7 @@ run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix /opt/zybase)
 unset(ENV{DESTDIR})
 file(RENAME ${WORK_DIR}/stage/opt/zybase ${PREFIX})
 
-# Headers: all that a host includes, and none of the library's own.
+# The public headers are installed, and no private header.
 file(GLOB_RECURSE headers RELATIVE ${SOURCE_DIR} ${SOURCE_DIR}/ZyBase/*.h)
 list(REMOVE_ITEM headers
     ZyBase/analytics/SigningSecret.h ZyBase/http/Exchange.h ZyBase/netinfo/Services.h
@@ -23,7 +23,7 @@ if(NOT headers STREQUAL installed)
     message(FATAL_ERROR "Headers should be\n${headers}\nand are\n${installed}")
 endif()
 
-# Each can be included on its own by a host that is as strict as Qt can be.
+# Each header compiles alone with Qt's strictest settings.
 pkg_config(--cflags flags)
 separate_arguments(flags UNIX_COMMAND "${flags}")
 foreach(header ${headers})
@@ -32,20 +32,20 @@ foreach(header ${headers})
         -DQT_NO_KEYWORDS -DQT_NO_CAST_FROM_ASCII -DQT_NO_CAST_TO_ASCII ${flags} ${WORK_DIR}/alone.cpp)
 endforeach()
 
-# No text says where it was made.
+# No text file contains a path of the build.
 file(GLOB_RECURSE texts ${PREFIX}/include/* ${PREFIX}/*.cmake ${PREFIX}/*.pc ${PREFIX}/*.pri)
 foreach(text ${texts})
     file(READ ${text} content)
     foreach(path ${SOURCE_DIR} ${BUILD_DIR} /opt/zybase)
         string(FIND "${content}" "${path}" position)
         if(NOT position EQUAL -1)
-            message(FATAL_ERROR "${text} has the path ${path}")
+            message(FATAL_ERROR "${text} contains the path ${path}")
         endif()
     endforeach()
 endforeach()
 
-# The libraries find each other where they lie, and look nowhere else.
+# The library searches its own directory for its sibling, and no other.
 run(readelf -dW ${PREFIX}/${LIBDIR}/libZyBase.so)
 if(NOT OUTPUT MATCHES "R(UN)?PATH\\)[^\n]*\\[\\$ORIGIN\\]\n")
-    message(FATAL_ERROR "The installed library looks for its sibling elsewhere: ${OUTPUT}")
+    message(FATAL_ERROR "The installed library searches other directories for its sibling: ${OUTPUT}")
 endif()

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 
-// A host that needs a part of each kind: the log, a header of Qt Gui, and log4qt itself.
+// An application that uses the log, a function with a Qt Gui type, and log4qt itself.
 //
-//     consumer DIRECTORY    the log goes to DIRECTORY
+//     consumer DIRECTORY    writes the log to DIRECTORY/log
 
 #include <ZyBase/ZyBase.h>
 

@@ -4,7 +4,7 @@ include(${CMAKE_CURRENT_LIST_DIR}/support.cmake)
 
 pkg_config(--modversion version)
 if(NOT version STREQUAL VERSION)
-    message(FATAL_ERROR "pkg-config says version ${version}")
+    message(FATAL_ERROR "pkg-config reports version ${version} instead of ${VERSION}")
 endif()
 set(ENV{PKG_CONFIG_PATH} ${PREFIX}/${LIBDIR}/pkgconfig)
 run(make -C ${WORK_DIR} -f ${CMAKE_CURRENT_LIST_DIR}/pkgconfig/Makefile CXX=${CXX} LOG4QT=${LOG4QT})

@@ -8,17 +8,17 @@ expect_success()
 run(${CMAKE_COMMAND} --build ${WORK_DIR}/build)
 expect_consumer_works(${WORK_DIR}/build/consumer)
 
-# A host gets the library and what it needs, and neither our programs nor our installation.
+# An application builds the library and its dependencies, but no programs, and installs nothing of it.
 run(${CMAKE_COMMAND} --build ${WORK_DIR}/build --target help)
 if(OUTPUT MATCHES "tour|tst_|localservices|gallery|recipe")
-    message(FATAL_ERROR "The host's targets are: ${OUTPUT}")
+    message(FATAL_ERROR "The targets should be the library's alone: ${OUTPUT}")
 endif()
 run(${CMAKE_COMMAND} --install ${WORK_DIR}/build --prefix ${WORK_DIR}/installed)
 if(EXISTS ${WORK_DIR}/installed)
-    message(FATAL_ERROR "The host's installation has files that are not the host's")
+    message(FATAL_ERROR "The installation of the application contains files of the library")
 endif()
 
-# The same from an archive, by FetchContent.
+# The same with FetchContent, from an archive.
 file(COPY ${SOURCE_DIR}/CMakeLists.txt ${SOURCE_DIR}/cmake ${SOURCE_DIR}/ZyBase ${SOURCE_DIR}/log4qt
     DESTINATION ${WORK_DIR}/archive)
 run(${CMAKE_COMMAND} -E chdir ${WORK_DIR} ${CMAKE_COMMAND} -E tar czf archive.tar.gz archive)

@@ -2,7 +2,7 @@
 
 include(${CMAKE_CURRENT_LIST_DIR}/../configuration/support.cmake)
 
-# pkg_config(<option> <variable>): what pkg-config says of the moved library.
+# pkg_config(<option> <variable>): sets the variable to the output of pkg-config for the moved library.
 function(pkg_config option variable)
     set(ENV{PKG_CONFIG_PATH} ${PREFIX}/${LIBDIR}/pkgconfig)
     run(pkg-config ${option} ZyBase)
@@ -10,14 +10,14 @@ function(pkg_config option variable)
     set(${variable} "${output}" PARENT_SCOPE)
 endfunction()
 
-# expect_consumer_works(<program>): it logs by both ways into a file and says what it got.
+# expect_consumer_works(<program>): verifies the output of the program and its log.
 function(expect_consumer_works program)
     run(${program} ${WORK_DIR})
     if(NOT OUTPUT STREQUAL "1005b14bd29466723ace30d26f602f5b 64\n")
-        message(FATAL_ERROR "The consumer said: ${OUTPUT}")
+        message(FATAL_ERROR "The consumer printed: ${OUTPUT}")
     endif()
     file(READ ${WORK_DIR}/log/consumer.log log)
     if(NOT log MATCHES "INFO   - by log4qt itself\n[^\n]* INFO   - built against ${VERSION}\n$")
-        message(FATAL_ERROR "The consumer's log holds: ${log}")
+        message(FATAL_ERROR "The consumer's log contains: ${log}")
     endif()
 endfunction()

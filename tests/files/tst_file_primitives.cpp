@@ -440,7 +440,7 @@ private Q_SLOTS:
 
     void keepsPermissionsOfWritableFile()
     {
-        // Qt does not know the setuid bit, so setting the permissions again would clear it.
+        // Qt does not support the setuid bit, so setting the permissions again would clear it.
         if (!becomeOrdinaryUser())
             QSKIP("permission checks do not apply to root");
         QVERIFY(writeFile(path("file"), "kept"));

@@ -6,7 +6,7 @@
 #include <QProcess>
 #include <QTest>
 
-#include <memory>
+#include <optional>
 
 namespace {
 
@@ -43,10 +43,10 @@ private:
             .hasNext();
     }
 
-    std::unique_ptr<TemporaryHome> m_home;
+    std::optional<TemporaryHome> m_home;
 
 private Q_SLOTS:
-    void init() { m_home = std::make_unique<TemporaryHome>(); }
+    void init() { m_home.emplace(); }
     void cleanup() { m_home.reset(); }
 
     void logsAndDownloads()

@@ -86,6 +86,8 @@ private Q_SLOTS:
 
     void searchesSiblingsInOwnDirectory()
     {
+        if (qstrlen(LOG4QT_LIBRARY) == 0)
+            QSKIP("the library uses an installed log4qt");
         const QString dynamic = output(QStringLiteral("readelf"), {QStringLiteral("-dW"), library});
         const QStringList paths = captured(dynamic, QStringLiteral(R"(\((?:RUNPATH|RPATH)\).*\[(.*)\])"));
         QCOMPARE(paths.size(), 1);

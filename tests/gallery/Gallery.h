@@ -18,7 +18,7 @@
 
 enum Pages { Log, Request, Download, Archive, QrCode, Machine, Reports };
 
-/** A gallery, with what a user does with it. */
+/** A gallery, and the actions of its user. */
 class Gallery
 {
 public:

@@ -78,10 +78,10 @@ Gallery &GalleryFixture::reopen(const DevelopmentServices &services)
     m_gallery = std::make_unique<Gallery>(m_directory->path(), services);
     if (!QTest::qWaitForWindowExposed(&m_gallery->window(), timeoutMs))
         qFatal("The window of the gallery is not shown");
-    const auto isThemeKnown = [this] {
+    const auto isThemeRead = [this] {
         return m_gallery->text("desktopTheme") != QStringLiteral("Reading the desktop …");
     };
-    if (!QFile::exists(homePath(holdFile)) && !QTest::qWaitFor(isThemeKnown, timeoutMs))
+    if (!QFile::exists(homePath(holdFile)) && !QTest::qWaitFor(isThemeRead, timeoutMs))
         qFatal("The theme of the desktop is not read");
     return *m_gallery;
 }

@@ -4,7 +4,7 @@
 
 #include "FakeTools.h"
 #include "Gallery.h"
-#include "LocalWorld.h"
+#include "GalleryNetwork.h"
 #include "TemporaryHome.h"
 #include "VirtualDisplay.h"
 
@@ -35,7 +35,7 @@ public:
 
     GalleryFixture();
 
-    LocalWorld &world() { return m_world; }
+    GalleryNetwork &network() { return m_network; }
     const DevelopmentServices &services() const { return m_services; }
     QString homePath(const QString &name) const { return m_home.filePath(name); }
 
@@ -46,9 +46,9 @@ public:
     void holdTheme();
     void releaseTheme();
 
-    /** A gallery in an empty folder, or in that of the last one, once it shows and knows the desktop's look.
-     */
+    /** Opens a gallery in an empty directory and waits until it shows its window and the desktop's theme. */
     Gallery &open(const QByteArray &theme = "Adwaita-light");
+    /** Opens a gallery in the directory of the previous one. */
     Gallery &reopen(const DevelopmentServices &services);
 
     Gallery &gallery() { return *m_gallery; }
@@ -66,7 +66,7 @@ private:
 
     TemporaryHome m_home;
     FakeTools m_tools;
-    LocalWorld m_world;
+    GalleryNetwork m_network;
     DevelopmentServices m_services;
     std::unique_ptr<QTemporaryDir> m_directory;
     std::unique_ptr<Gallery> m_gallery;

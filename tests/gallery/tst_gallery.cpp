@@ -195,7 +195,7 @@ private Q_SLOTS:
     }
     void rejectsBodyThatIsNotAnObject()
     {
-        m_fixture->world().server().forgetRequests();
+        m_fixture->network().server().forgetRequests();
         gallery().open(Request);
         gallery().choose("requestMethod", QStringLiteral("POST"));
         QTest::keyClicks(gallery().find("requestBody"), QStringLiteral("!"));
@@ -203,7 +203,7 @@ private Q_SLOTS:
         gallery().click("requestSend");
         QCOMPARE(gallery().text("requestOutcome"), QStringLiteral("Not sent"));
         QVERIFY(gallery().isEnabled("requestSend"));
-        QCOMPARE(m_fixture->world().server().requests().size(), 0);
+        QCOMPARE(m_fixture->network().server().requests().size(), 0);
     }
 
     void downloadsFile()
@@ -409,27 +409,27 @@ private Q_SLOTS:
         QCOMPARE(gallery().text("reportDestination"), QStringLiteral("Sent to the local services"));
         QCOMPARE(gallery().text("reportPage"),
                  QStringLiteral("Arrivals are shown at http://127.0.0.1:8080/"));
-        const int events = m_fixture->world().events().size();
-        const int records = m_fixture->world().records().size();
+        const int events = m_fixture->network().events().size();
+        const int records = m_fixture->network().records().size();
 
         gallery().choose("reportEvent", QStringLiteral("open"));
         gallery().click("reportSendEvent");
-        QTRY_COMPARE_WITH_TIMEOUT(m_fixture->world().events().size(), events + 1, timeoutMs);
-        QCOMPARE(m_fixture->world().events().last().problems, QStringList());
-        QVERIFY(m_fixture->world().events().last().request.body.contains("\"event_label\": \"pdf\""));
+        QTRY_COMPARE_WITH_TIMEOUT(m_fixture->network().events().size(), events + 1, timeoutMs);
+        QCOMPARE(m_fixture->network().events().last().problems, QStringList());
+        QVERIFY(m_fixture->network().events().last().request.body.contains("\"event_label\": \"pdf\""));
 
         gallery().type("reportLabel", QStringLiteral("laser"));
         gallery().choose("reportEvent", QStringLiteral("print"));
         gallery().click("reportSendEvent");
-        QTRY_COMPARE_WITH_TIMEOUT(m_fixture->world().events().size(), events + 2, timeoutMs);
-        QVERIFY(m_fixture->world().events().last().request.body.contains("\"event_label\": \"laser\""));
+        QTRY_COMPARE_WITH_TIMEOUT(m_fixture->network().events().size(), events + 2, timeoutMs);
+        QVERIFY(m_fixture->network().events().last().request.body.contains("\"event_label\": \"laser\""));
 
         gallery().choose("reportAction", QStringLiteral("update"));
         gallery().choose("reportStatus", QStringLiteral("cancel"));
         gallery().click("reportSendRecord");
-        QTRY_COMPARE_WITH_TIMEOUT(m_fixture->world().records().size(), records + 1, timeoutMs);
-        QCOMPARE(m_fixture->world().records().last().problems, QStringList());
-        QCOMPARE(m_fixture->world().records().last().body.value(QStringLiteral("action")).toString(),
+        QTRY_COMPARE_WITH_TIMEOUT(m_fixture->network().records().size(), records + 1, timeoutMs);
+        QCOMPARE(m_fixture->network().records().last().problems, QStringList());
+        QCOMPARE(m_fixture->network().records().last().body.value(QStringLiteral("action")).toString(),
                  QStringLiteral("update"));
 
         const QStringList rows = gallery().rows("reportSent");
@@ -440,14 +440,14 @@ private Q_SLOTS:
     }
     void skipsEventWithoutLabel()
     {
-        const int events = m_fixture->world().events().size();
+        const int events = m_fixture->network().events().size();
         gallery().open(Reports);
         gallery().choose("reportEvent", QStringLiteral("print"));
         gallery().click("reportSendEvent");
         gallery().choose("reportEvent", QStringLiteral("share"));
         gallery().click("reportSendEvent");
-        QTRY_COMPARE_WITH_TIMEOUT(m_fixture->world().events().size(), events + 1, timeoutMs);
-        QVERIFY(m_fixture->world().events().last().request.body.contains("share_file"));
+        QTRY_COMPARE_WITH_TIMEOUT(m_fixture->network().events().size(), events + 1, timeoutMs);
+        QVERIFY(m_fixture->network().events().last().request.body.contains("share_file"));
         QVERIFY(gallery().rows("reportSent").at(1).contains(QStringLiteral("event, not sent: print")));
     }
     void sendsNothingWithoutLocalServices()

@@ -127,7 +127,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, look);
         const HalfServer files;
-        m_fixture->world().route("files.example.org", files.url());
+        m_fixture->network().route("files.example.org", files.url());
         m_fixture->open("Adwaita-" + look.toLatin1());
         gallery().window().setFixedSize(windowSize);
         fillPages();

@@ -41,7 +41,7 @@ private:
 
 } // namespace
 
-// Every service that can block does so.
+// All services that can block do so at the same time.
 class TestGalleryWaiting : public QObject
 {
     Q_OBJECT
@@ -70,7 +70,7 @@ private Q_SLOTS:
     {
         m_fixture->holdTheme();
         Gallery &gallery = m_fixture->reopen(m_fixture->services());
-        m_fixture->world().setSilent(true);
+        m_fixture->network().setSilent(true);
         Resolver::hold();
 
         const Ticker ticker;
@@ -96,7 +96,7 @@ private Q_SLOTS:
         // All calls continue when their services answer.
         gallery.click("downloadStop");
         m_fixture->releaseTheme();
-        m_fixture->world().setSilent(false);
+        m_fixture->network().setSilent(false);
         Resolver::release();
         QTRY_COMPARE_WITH_TIMEOUT(gallery.text("desktopTheme"), QStringLiteral("The desktop is light"),
                                   timeoutMs);

@@ -72,7 +72,7 @@ public:
 
     virtual void emitStop() = 0;
 
-    /** Whether each signal so far was emitted in another thread than that of this object. */
+    /** Returns true if every signal so far was emitted in a thread other than that of this object. */
     bool areEmittedInWorkers() const { return *m_areEmittedInWorkers; }
 
 protected:

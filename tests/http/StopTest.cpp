@@ -24,9 +24,7 @@ void StopTest::init()
 
 void StopTest::cleanup()
 {
-    const QStringList lines = m_output->lines();
-    m_output.reset();
-    QVERIFY2(lines.isEmpty(), qPrintable(lines.join(QLatin1Char('\n'))));
+    QCOMPARE(OutputCapture::take(m_output), QString());
 }
 
 void StopTest::addCalls(const QStringList &calls)

@@ -19,7 +19,7 @@ protected:
     virtual QStringList asyncCalls() const = 0;
     virtual QStringList syncCalls() const = 0;
 
-    /** Makes later requests go to this server. */
+    /** Sets the server of later requests. */
     virtual void setServer(const QUrl &url) = 0;
 
     virtual std::unique_ptr<OutcomeWatcher> createWatcher() = 0;

@@ -17,7 +17,7 @@ namespace {
 
 constexpr int timeoutMs = 120000;
 
-// What the server sends until it closes.
+// Sends a request and returns what the server sends until it closes the connection.
 QByteArray exchange(const QUrl &url, const QByteArray &request)
 {
     QTcpSocket socket;
@@ -29,7 +29,7 @@ QByteArray exchange(const QUrl &url, const QByteArray &request)
 
 } // namespace
 
-// The stand-ins are what all other tests lean on.
+// The local servers. The other tests depend on them.
 class TestLocalServices : public QObject
 {
     Q_OBJECT

@@ -79,7 +79,7 @@ private Q_SLOTS:
         QTest::newRow("key and text with place markers")
             << parsed("{\"%1\":\"%2\",\"%2\":5}") << QStringLiteral("%1") << QByteArray("%1=%2&%2=5%1");
         QTest::newRow("text with separators") << parsed("{\"a\":\"1&b=2\"}") << S << QByteArray("a=1&b=2S");
-        QTest::newRow("text as it stands")
+        QTest::newRow("text without changes")
             << parsed("{\"a\":\" x%20+\\n\\\"\"}") << S << QByteArray("a= x%20+\n\"S");
         QTest::newRow("empty text") << parsed("{\"a\":\"\",\"b\":\"\"}") << S << QByteArray("a=&b=S");
         QTest::newRow("UTF-8") << parsed("{\"名\":\"Größe 文件 😀\"}") << QStringLiteral("ключ")

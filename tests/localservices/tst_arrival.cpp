@@ -36,7 +36,7 @@ StatisticsBackend::Record recordWith(const QStringList &problems)
 
 } // namespace
 
-// What the developer of a host reads of the collectors' verdicts.
+// The results of the collectors' validation, as shown to developers of applications.
 class TestArrival : public QObject
 {
     Q_OBJECT
@@ -91,13 +91,13 @@ private Q_SLOTS:
         const QString query = QStringLiteral("query");
         QTest::newRow("none") << QStringList {QStringLiteral("day")} << QStringLiteral("good");
         QTest::newRow("sign") << QStringList {sign}
-                              << QStringLiteral("bad: it isn't the one of this secret, time stamp and body");
+                              << QStringLiteral("bad: it does not match the secret, time stamp and body");
         QTest::newRow("timestamp") << QStringList {timestamp}
                                    << QStringLiteral("bad: the time stamp is more than 300 seconds from now");
         QTest::newRow("both") << QStringList {timestamp, sign}
-                              << QStringLiteral("bad: it isn't the one of this secret, time stamp and body");
+                              << QStringLiteral("bad: it does not match the secret, time stamp and body");
         QTest::newRow("query") << QStringList {query, timestamp, sign}
-                               << QStringLiteral("bad: the query doesn't end in sign and timestamp");
+                               << QStringLiteral("bad: the query does not end with sign and timestamp");
     }
     void reportsMostImportantSignatureProblem()
     {

@@ -17,7 +17,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-// A wait that should end for another reason runs into the time limit of the whole test otherwise.
+// Longer than the time limit of the test: every wait must end for another reason.
 constexpr auto timeout = 1h;
 
 Arrival record(const QString &name)
@@ -51,7 +51,7 @@ QString number(int number)
 
 } // namespace
 
-// What arrives, as readers and pages get it.
+// The feed, and the server of the page.
 class TestArrivalFeed : public QObject
 {
     Q_OBJECT
@@ -88,7 +88,7 @@ private Q_SLOTS:
         QCOMPARE(size.load(), 1);
     }
 
-    // Now and then the arrival comes between a reader's look and its wait.
+    // In some rounds the arrival comes between the reader's query and its wait.
     void returnsArrivalThatComesBeforeWait()
     {
         constexpr qint64 rounds = 300;
@@ -146,7 +146,7 @@ private Q_SLOTS:
 
     void sendsArrivals()
     {
-        serve();
+        startServer();
         m_feed->add(record(QStringLiteral("before")));
         FeedReader reader(feedUrl());
         QVERIFY(reader.head().startsWith("HTTP/1.1 200 OK"));
@@ -172,7 +172,7 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, header);
         QFETCH(QString, query);
-        serve();
+        startServer();
         for (int i = 1; i <= 4; ++i)
             m_feed->add(record(number(i)));
         FeedReader reader(feedUrl(query), header);
@@ -182,7 +182,7 @@ private Q_SLOTS:
 
     void sendsClearedForUnknownId()
     {
-        serve();
+        startServer();
         m_feed->add(record(QStringLiteral("a")));
         FeedReader reader(feedUrl(), "1000");
         QCOMPARE(reader.next().name, QByteArray("cleared"));
@@ -191,14 +191,14 @@ private Q_SLOTS:
 
     void ignoresInvalidId()
     {
-        serve();
+        startServer();
         m_feed->add(record(QStringLiteral("a")));
         QCOMPARE(nameIn(FeedReader(feedUrl(), "nonsense").next()), QStringLiteral("a"));
     }
 
     void sendsNewestFiveHundred()
     {
-        serve();
+        startServer();
         for (int i = 1; i <= ArrivalFeed::newest + 20; ++i)
             m_store->add(record(number(i)));
         FeedReader reader(feedUrl());
@@ -208,7 +208,7 @@ private Q_SLOTS:
 
     void sendsAllArrivalsToAllReaders()
     {
-        serve();
+        startServer();
         std::vector<std::unique_ptr<FeedReader>> readers;
         for (int i = 0; i < 5; ++i) {
             readers.push_back(std::make_unique<FeedReader>(feedUrl()));
@@ -224,14 +224,14 @@ private Q_SLOTS:
 
     void acceptsReaderAfterAnotherCloses()
     {
-        serve();
+        startServer();
         std::vector<std::unique_ptr<FeedReader>> readers;
         for (int i = 0; i < PageServer::maximumReaders; ++i) {
             readers.push_back(std::make_unique<FeedReader>(feedUrl()));
             QVERIFY(readers.back()->head().startsWith("HTTP/1.1 200"));
         }
         QVERIFY(FeedReader(feedUrl()).head().startsWith("HTTP/1.1 503"));
-        // The page itself is served all the same.
+        // The page itself is still available.
         QCOMPARE(request("GET", m_server->url()).status, 200);
         readers.pop_back();
         QVERIFY(
@@ -240,7 +240,7 @@ private Q_SLOTS:
 
     void sendsClearedAndEmptiesList()
     {
-        serve();
+        startServer();
         m_feed->add(record(QStringLiteral("a")));
         FeedReader reader(feedUrl());
         QCOMPARE(reader.next().name, QByteArray("record"));
@@ -253,7 +253,7 @@ private Q_SLOTS:
 
     void returnsArrivalsAsJson()
     {
-        serve();
+        startServer();
         m_feed->add(record(QStringLiteral("a")));
         m_feed->add(record(QStringLiteral("b")));
         const Answer answer = request("GET", arrivalsUrl());
@@ -282,7 +282,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, host);
         QFETCH(int, status);
-        serve();
+        startServer();
         m_feed->add(record(QStringLiteral("a")));
         const QByteArray header =
             (host.contains(QLatin1String("%1")) ? host.arg(m_server->url().port()) : host).toLatin1();
@@ -295,14 +295,14 @@ private Q_SLOTS:
 
     void rejectsClearFromOtherSites()
     {
-        serve();
+        startServer();
         m_feed->add(record(QStringLiteral("a")));
         const QByteArray host = "Host: " + m_server->url().authority().toLatin1() + "\r\n";
         const Answer answer = rawRequest(m_server->url(), "OPTIONS /arrivals HTTP/1.1\r\n" + host
                                                               + "Origin: http://site.example\r\n"
                                                                 "Access-Control-Request-Method: DELETE\r\n");
         QVERIFY(answer.status >= 400);
-        // Those that a browser sends without asking first do nothing.
+        // A request that a browser sends without a preflight request changes nothing.
         QVERIFY(
             rawRequest(m_server->url(), "POST /arrivals HTTP/1.1\r\n" + host + "Content-Length: 0\r\n").status
             >= 400);
@@ -311,7 +311,7 @@ private Q_SLOTS:
 
     void allowsOnlyOwnScriptAndStyle()
     {
-        serve();
+        startServer();
         const Answer page = request("GET", m_server->url());
         const QByteArray policy = page.headers.value("content-security-policy");
         QVERIFY(policy.startsWith("default-src 'none'; connect-src 'self'; "));
@@ -337,7 +337,7 @@ private Q_SLOTS:
 
     void returns404ForOtherPaths()
     {
-        serve();
+        startServer();
         QUrl url = m_server->url();
         url.setPath(QStringLiteral("/other"));
         QCOMPARE(request("GET", url).status, 404);
@@ -345,7 +345,7 @@ private Q_SLOTS:
 
     void rejectsPortInUse()
     {
-        serve();
+        startServer();
         const auto port = quint16(m_server->url().port());
         {
             ArrivalFeed otherFeed(*m_store);
@@ -353,7 +353,7 @@ private Q_SLOTS:
             QVERIFY(!other.isListening());
         }
         QCOMPARE(request("GET", m_server->url()).status, 200);
-        // The next run has it again, although connections of this one were just closed.
+        // The next run can use the port again, although connections were just closed.
         m_server.reset();
         ArrivalFeed nextFeed(*m_store);
         const PageServer next(nextFeed, port, QString());
@@ -363,7 +363,7 @@ private Q_SLOTS:
 
     void endsWithReadersAndIdleClients()
     {
-        serve();
+        startServer();
         FeedReader reader(feedUrl());
         QVERIFY(reader.head().startsWith("HTTP/1.1 200"));
         QTcpSocket idle;
@@ -376,7 +376,7 @@ private Q_SLOTS:
     }
 
 private:
-    void serve()
+    void startServer()
     {
         m_server = std::make_unique<PageServer>(*m_feed, 0, QString());
         QVERIFY(m_server->isListening());

@@ -32,7 +32,7 @@ Arrival fullArrival()
 {
     Arrival result = arrival(QStringLiteral("größe"));
     result.detail = QStringLiteral("a'; DROP TABLE arrivals; --");
-    // No UTF-8, and a zero in the middle.
+    // Not UTF-8, and with a NUL byte inside.
     result.request = {"POST",
                       "/report?sign=1&timestamp=2",
                       {{"X-Second", "2"}, {"A-Third", "\xe4"}, {"X-Second", ""}},

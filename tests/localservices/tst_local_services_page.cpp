@@ -38,7 +38,7 @@ QByteArray eventBody(const QByteArray &name, const QByteArray &label)
 
 } // namespace
 
-// The page as the developer of a host sees it in a browser.
+// The page in a real browser.
 class TestLocalServicesPage : public QObject
 {
     Q_OBJECT
@@ -47,12 +47,12 @@ private Q_SLOTS:
     void initTestCase()
     {
         if (!Browser::isAvailable())
-            QSKIP("chromium or chromium-driver isn't installed");
+            QSKIP("chromium or chromium-driver is not installed");
         m_browser = std::make_unique<Browser>();
         const bool isRunning = m_browser->start();
-        // Not every machine lets a user have the sandbox that a browser puts its pages in.
+        // Some machines do not allow the sandbox that the browser needs.
         if (!isRunning && ::geteuid() != 0)
-            QSKIP(qPrintable(QStringLiteral("chromium can't run here: ") + m_browser->error()));
+            QSKIP(qPrintable(QStringLiteral("chromium cannot run on this machine: ") + m_browser->error()));
         QVERIFY2(isRunning, qPrintable(m_browser->error()));
     }
 
@@ -110,7 +110,7 @@ private Q_SLOTS:
             m_browser->waitFor(textOf("#list > details .signature.bad"), QStringLiteral("✗ signature bad")));
         QVERIFY(m_browser->waitFor(
             textOf(".reasons"),
-            QStringLiteral("Signature bad: it isn't the one of this secret, time stamp and body.")));
+            QStringLiteral("Signature bad: it does not match the secret, time stamp and body.")));
     }
 
     void showsProblems()
@@ -158,7 +158,7 @@ private Q_SLOTS:
         QVERIFY(m_browser->waitFor(textOf("#list > details[open] .name"), QStringLiteral("install")));
         sendEvent("open_file", "pdf");
         QVERIFY(m_browser->waitFor(textOf("#list > details[open] .name"), QStringLiteral("open_file")));
-        // From now on the newest doesn't open by itself.
+        // After a click, new rows do not open automatically.
         QVERIFY(m_browser->click(QStringLiteral("#list > details[open] > summary")));
         QVERIFY(m_browser->waitFor(textOf("#list > details[open] .name"), QString()));
         sendEvent("close_file", "pdf");
@@ -221,7 +221,7 @@ private Q_SLOTS:
         QVERIFY(choose("all"));
         QVERIFY(m_browser->type(QStringLiteral("#filter"), QStringLiteral("NEEDLE in")));
         QVERIFY(m_browser->waitFor(visibleNames, QStringLiteral("9lives")));
-        // What arrives meanwhile is filtered as well.
+        // The filter applies to new arrivals too.
         sendEvent("close_file", "another needle in it");
         sendEvent("print_file", "paper");
         QVERIFY(m_browser->waitFor(rowCount, 5));
@@ -248,7 +248,7 @@ private Q_SLOTS:
         const QString port = QString::number(m_program->url("page").port());
         QCOMPARE(m_program->end(), 0);
         QVERIFY(m_browser->waitFor(state, QStringLiteral("reconnecting")));
-        // A run at which the page doesn't look.
+        // A run to which the page is not connected.
         QVERIFY(m_program->start());
         sendEvent("missed", "pdf");
         QCOMPARE(m_program->end(), 0);
@@ -263,7 +263,7 @@ private Q_SLOTS:
     {
         m_browser->open(QUrl(QStringLiteral("about:blank")));
         std::vector<std::unique_ptr<FeedReader>> readers;
-        // The place of the page that was left is free within a moment.
+        // The connection of the closed page ends shortly after.
         const auto fillUp = [&] {
             readers.push_back(std::make_unique<FeedReader>(m_program->page(QStringLiteral("feed"))));
             if (!readers.back()->head().startsWith("HTTP/1.1 200"))
@@ -335,11 +335,11 @@ private:
     void take(const char *scheme, const char *name)
     {
         m_browser->setColorScheme(QLatin1String(scheme));
-        // The frame of a row that has just arrived fades away.
+        // The frame of a new row fades.
         QVERIFY(m_browser->waitFor(QStringLiteral("return document.getAnimations().length"), 0));
         const QByteArray picture = m_browser->screenshot();
         QVERIFY(picture.startsWith("\x89PNG"));
-        // The build folder may be another user's.
+        // The build directory can belong to another user.
         if (QFileInfo(QStringLiteral(PICTURES_FOLDER)).isWritable())
             QVERIFY(writeFile(QStringLiteral(PICTURES_FOLDER "/%1.png").arg(QLatin1String(name)), picture));
     }

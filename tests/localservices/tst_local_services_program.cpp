@@ -17,7 +17,7 @@ namespace {
 const QString shell = QStringLiteral("sh");
 const QString commandText = QStringLiteral("-c");
 
-// What the library is built with and its backend knows.
+// The signing secret of the library and its backend.
 const QByteArray secret = QByteArrayLiteral("0123456789abcdef0123456789ABCDEF");
 
 QStringList asShell(const char *text)
@@ -66,11 +66,11 @@ private Q_SLOTS:
         QCOMPARE(certificates.size(), 1);
         QVERIFY(!readFile(authority).contains("PRIVATE KEY"));
         QVERIFY(program.waitForStandardError("Press Ctrl-C"));
-        const QByteArray said = program.standardError();
-        QVERIFY(said.contains(program.value("page").toUtf8()));
-        QVERIFY(said.contains(
+        const QByteArray output = program.standardError();
+        QVERIFY(output.contains(program.value("page").toUtf8()));
+        QVERIFY(output.contains(
             "export LOCAL_SERVICES=" + program.filePath(QStringLiteral("services.json")).toUtf8() + "\n"));
-        QVERIFY(said.contains("scripts/local-services COMMAND"));
+        QVERIFY(output.contains("scripts/local-services COMMAND"));
     }
 
     void createsPrivateFolder()
@@ -137,9 +137,9 @@ private Q_SLOTS:
         QFETCH(QStringList, command);
         LocalServicesProcess program;
         QTEST(program.run(command), "exitCode");
-        const QByteArray said = program.standardError();
-        QVERIFY(said.endsWith("local-services: 0 events (0 good) and 0 records (0 good) arrived\n"));
-        QCOMPARE(said.contains("local-services: /no/such/command: "),
+        const QByteArray output = program.standardError();
+        QVERIFY(output.endsWith("local-services: 0 events (0 good) and 0 records (0 good) arrived\n"));
+        QCOMPARE(output.contains("local-services: /no/such/command: "),
                  command.size() == 1 && command.first() != QLatin1String("true"));
         QVERIFY(!QFileInfo::exists(program.filePath(QStringLiteral("services.json"))));
     }
@@ -166,7 +166,7 @@ private Q_SLOTS:
     void sendsSignalToCommand()
     {
         LocalServicesProcess program;
-        // The shell waits for its signal in a way that lets it answer at once.
+        // The shell runs the trap only between commands, so each one is short.
         QVERIFY(program.startCommand(
             asShell("trap 'echo got it; exit 9' TERM; echo ready; while :; do sleep 0.05; done")));
         QByteArray output;
@@ -214,7 +214,7 @@ private Q_SLOTS:
         QVERIFY(program.start());
         QCOMPARE(sendRecord(program.url("statistics"), "another secret").status, 403);
         QCOMPARE(textOf(program.arrivals().first(), "signature"),
-                 QStringLiteral("bad: it isn't the one of this secret, time stamp and body"));
+                 QStringLiteral("bad: it does not match the secret, time stamp and body"));
         QCOMPARE(program.arrivals().first().toObject().value(QStringLiteral("good")), QJsonValue(false));
         QCOMPARE(program.end(), 0);
         QVERIFY(program.standardError().contains("1 record (0 good)"));

@@ -53,7 +53,7 @@ void release()
     isReleased.notify_all();
 }
 
-QList<QByteArray> asked()
+QList<QByteArray> lookups()
 {
     const std::lock_guard<std::mutex> lock(mutex);
     return names;

@@ -6,8 +6,8 @@
 #include <QList>
 
 /**
- * Replaces getaddrinfo() in this process. Every name resolves until answerWith() says otherwise, and all
- * names are recorded.
+ * Replaces getaddrinfo() in this process and records its calls. Every name resolves until answerWith() sets
+ * an error.
  */
 namespace Resolver {
 
@@ -18,7 +18,7 @@ void answerWith(int code);
 void hold();
 void release();
 
-/** The names of all lookups so far. */
-QList<QByteArray> asked();
+/** Returns the names of all lookups so far. */
+QList<QByteArray> lookups();
 
 } // namespace Resolver

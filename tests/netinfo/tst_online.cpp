@@ -47,7 +47,7 @@ class TestOnline : public NetInfoTest
     Q_OBJECT
 
 private:
-    // Replaces the names in Qt's cache, which has about a hundred places.
+    // Replaces the names in Qt's cache, which has about a hundred entries.
     static void forgetLookups()
     {
         for (int i = 0; i < 300; ++i)
@@ -60,9 +60,9 @@ private:
             Resolver::answerWith(0);
             forgetLookups();
             Resolver::answerWith(code);
-            const int before = Resolver::asked().size();
+            const int before = Resolver::lookups().size();
             const bool isOnline = CNetworkUtils::IsNetWorkOnline();
-            if (Resolver::asked().size() > before)
+            if (Resolver::lookups().size() > before)
                 return isOnline;
         }
         qFatal("No name is looked up");
@@ -86,7 +86,7 @@ private Q_SLOTS:
     void looksUpNameAndSendsNothing()
     {
         Resolver::hold();
-        const int before = Resolver::asked().size();
+        const int before = Resolver::lookups().size();
         bool isDelivered = false;
         QTimer::singleShot(0, this, [&isDelivered] {
             isDelivered = true;
@@ -94,7 +94,7 @@ private Q_SLOTS:
         });
         QVERIFY(CNetworkUtils::IsNetWorkOnline());
         QVERIFY(isDelivered); // events are delivered while the lookup blocks
-        QCOMPARE(Resolver::asked().mid(before), QList<QByteArray> {probe});
+        QCOMPARE(Resolver::lookups().mid(before), QList<QByteArray> {probe});
         QCOMPARE(network().requestLines(), QStringList());
     }
 
@@ -156,9 +156,9 @@ private Q_SLOTS:
     {
         QVERIFY(isOnlineAnew(0));
         Resolver::answerWith(EAI_NONAME);
-        const int before = Resolver::asked().size();
+        const int before = Resolver::lookups().size();
         QVERIFY(CNetworkUtils::IsNetWorkOnline());
-        QCOMPARE(Resolver::asked().size(), before);
+        QCOMPARE(Resolver::lookups().size(), before);
     }
 
     void repeatsLookupAfterFailure()

@@ -53,7 +53,7 @@ private Q_SLOTS:
         QTest::newRow("no output") << QByteArray("true") << emptyString;
         QTest::newRow("only white space") << QByteArray("printf ' \\n'") << emptyString;
         QTest::newRow("only standard error") << QByteArray("echo wrong >&2") << emptyString;
-        QTest::newRow("tool that fails") << QByteArray("echo said; exit 3") << QStringLiteral("said");
+        QTest::newRow("tool that fails") << QByteArray("echo output; exit 3") << QStringLiteral("output");
     }
     void returnsOutput()
     {

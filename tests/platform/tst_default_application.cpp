@@ -60,8 +60,8 @@ private Q_SLOTS:
         QTest::newRow("last part") << entry << ".desktop" << true;
         QTest::newRow("longer name") << entry << "org.example.reader2" << false;
         QTest::newRow("another name") << entry << "okular" << false;
-        QTest::newRow("upper-case letter") << entry << "org.example.Reader" << false;
-        QTest::newRow("upper-case letter in the output")
+        QTest::newRow("upper-case character") << entry << "org.example.Reader" << false;
+        QTest::newRow("upper-case character in the output")
             << QByteArray("Reader.desktop\n") << "reader" << false;
         QTest::newRow("line end is removed") << entry << "org.example.reader.desktop\n" << false;
         QTest::newRow("white space before it is removed") << QByteArray(" \t\na\n") << " " << false;

@@ -10,7 +10,7 @@
 #include <QStandardPaths>
 #include <QTest>
 
-#include <memory>
+#include <optional>
 
 using ZyBase::CAssocUtils;
 using ZyBase::COperateSystem;
@@ -39,7 +39,7 @@ private:
                           "MimeType=application/pdf;text/plain;\n"));
     }
 
-    std::unique_ptr<TemporaryHome> m_home;
+    std::optional<TemporaryHome> m_home;
 
 private Q_SLOTS:
     void initTestCase()
@@ -53,7 +53,7 @@ private Q_SLOTS:
         for (const char *variable : {"XDG_CURRENT_DESKTOP", "DESKTOP_SESSION", "KDE_FULL_SESSION",
                                      "GNOME_DESKTOP_SESSION_ID", "DISPLAY", "XDG_CONFIG_DIRS"})
             qunsetenv(variable);
-        m_home = std::make_unique<TemporaryHome>();
+        m_home.emplace();
         qputenv("XDG_DATA_DIRS", QFile::encodeName(m_home->filePath(QStringLiteral("none"))));
         qputenv("XDG_CONFIG_DIRS", QFile::encodeName(m_home->filePath(QStringLiteral("none"))));
         install(reader);

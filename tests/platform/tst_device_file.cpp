@@ -19,6 +19,7 @@
 #include <sys/stat.h>
 
 #include <memory>
+#include <optional>
 #include <thread>
 #include <vector>
 
@@ -82,10 +83,10 @@ private:
         QVERIFY(writeFile(path(), content));
     }
 
-    std::unique_ptr<TemporaryHome> m_home;
+    std::optional<TemporaryHome> m_home;
 
 private Q_SLOTS:
-    void init() { m_home = std::make_unique<TemporaryHome>(); }
+    void init() { m_home.emplace(); }
     void cleanup() { m_home.reset(); }
 
     void joinsConfigurationDirectoryAndBothArguments_data()
@@ -229,7 +230,7 @@ private Q_SLOTS:
         QTest::newRow("digest") << QByteArray("[General]\nPCID=0123456789abcdef0123456789abcdef\n")
                                 << "0123456789abcdef0123456789abcdef";
         QTest::newRow("short word") << QByteArray("[General]\nPCID=abc\n") << "abc";
-        QTest::newRow("upper-case letters") << QByteArray("[General]\nPCID=ABC\n") << "ABC";
+        QTest::newRow("upper-case characters") << QByteArray("[General]\nPCID=ABC\n") << "ABC";
         QTest::newRow("number") << QByteArray("[General]\nPCID=0012\n") << "0012";
         QTest::newRow("true") << QByteArray("[General]\nPCID=true\n") << "true";
         QTest::newRow("no section") << QByteArray("PCID=abc\n") << "abc";
@@ -315,8 +316,8 @@ private Q_SLOTS:
         m_home.reset();
         const OrdinaryUser user;
         if (!user.isOrdinary())
-            QSKIP("root reads any file and can't become another user here");
-        m_home = std::make_unique<TemporaryHome>();
+            QSKIP("permission checks do not apply to root");
+        m_home.emplace();
         const QByteArray content = "[General]\nPCID=stored\nNewUser=true\n";
         write(content);
         QFile::setPermissions(path(), {});

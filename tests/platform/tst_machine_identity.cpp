@@ -14,6 +14,7 @@
 #include <QTest>
 
 #include <functional>
+#include <optional>
 
 using ZyBase::CSystemUtils;
 
@@ -112,7 +113,7 @@ private:
 
     std::unique_ptr<QTemporaryDir> m_etc;
     std::unique_ptr<QTemporaryDir> m_lib;
-    std::unique_ptr<TemporaryHome> m_home;
+    std::optional<TemporaryHome> m_home;
     std::unique_ptr<HostProcess> m_host;
     Sandbox m_sandbox; ///< of the last start()
 
@@ -126,7 +127,7 @@ private Q_SLOTS:
     {
         m_etc = std::make_unique<QTemporaryDir>();
         m_lib = std::make_unique<QTemporaryDir>();
-        m_home = std::make_unique<TemporaryHome>();
+        m_home.emplace();
         m_host = std::make_unique<HostProcess>();
     }
     void cleanup()
@@ -261,7 +262,7 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, dbus);
         if (!Sandbox::hasNetwork(addCard))
-            QSKIP("network interfaces can't be made here");
+            QSKIP("this machine does not allow network interfaces to be created");
         writeIdentifiers(QByteArray(" \n"), dbus);
         start(machine(addCard));
         QCOMPARE(address(cardAddress), cardAddress);
@@ -296,7 +297,7 @@ private Q_SLOTS:
         QFETCH(QString, network);
         QFETCH(QString, expected);
         if (!Sandbox::hasNetwork(network))
-            QSKIP("such network interfaces can't be made here");
+            QSKIP("such this machine does not allow network interfaces to be created");
         start(machine(network));
         QCOMPARE(address(expected), expected);
         if (expected.isNull())

@@ -69,8 +69,8 @@ QImage generate(const QByteArray &text, int side)
     return CSystemUtils::GenerateQRCode(QString::fromUtf8(text), QSize(side, side));
 }
 
-// Lower-case letters, which no denser mode can encode.
-QByteArray letters(int count)
+// Returns lower-case characters, which only the 8-bit mode can encode.
+QByteArray lowerCase(int count)
 {
     QByteArray text(count, 'x');
     for (int i = 0; i < count; ++i)
@@ -92,10 +92,10 @@ void addSymbols()
     QTest::addColumn<QByteArray>("text");
     QTest::newRow("25 modules") << QByteArray("a");
     QTest::newRow("25 modules, rows unlike columns at two pixels") << QByteArray(33, 'c');
-    QTest::newRow("49 modules") << letters(100);
-    QTest::newRow("81 modules") << letters(300);
-    QTest::newRow("141 modules") << letters(1000);
-    QTest::newRow("177 modules") << letters(longestText);
+    QTest::newRow("49 modules") << lowerCase(100);
+    QTest::newRow("81 modules") << lowerCase(300);
+    QTest::newRow("141 modules") << lowerCase(1000);
+    QTest::newRow("177 modules") << lowerCase(longestText);
 }
 
 } // namespace
@@ -231,8 +231,8 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<int>("error");
-        QTest::newRow("a byte too long") << QString::fromLatin1(letters(longestText + 1)) << ERANGE;
-        QTest::newRow("much too long") << QString::fromLatin1(letters(100000)) << ERANGE;
+        QTest::newRow("a byte too long") << QString::fromLatin1(lowerCase(longestText + 1)) << ERANGE;
+        QTest::newRow("much too long") << QString::fromLatin1(lowerCase(100000)) << ERANGE;
         QTest::newRow("too long in UTF-8") << QString(longestText / 3 + 1, QChar(0x6587)) << ERANGE;
         QTest::newRow("starts with a NUL character") << QString(QChar(0)) + QLatin1Char('a') << EINVAL;
     }
@@ -296,9 +296,9 @@ private Q_SLOTS:
         QTest::newRow("Chinese") << QByteArray("扫描二维码下载应用") << 4;
         QTest::newRow("umlauts and emoji") << QByteArray("Größe 😀") << 4;
         QTest::newRow("several lines") << QByteArray("BEGIN:VCARD\r\nN:a;b\r\nEND:VCARD") << 4;
-        QTest::newRow("100 bytes") << letters(100) << 4;
-        QTest::newRow("1000 bytes") << letters(1000) << 4;
-        QTest::newRow("longest string of bytes") << letters(longestText) << 5;
+        QTest::newRow("100 bytes") << lowerCase(100) << 4;
+        QTest::newRow("1000 bytes") << lowerCase(1000) << 4;
+        QTest::newRow("longest string of bytes") << lowerCase(longestText) << 5;
         QTest::newRow("longest string of digits") << QByteArray(3993, '7') << 5;
         QTest::newRow("uneven modules") << QByteArray("uneven") << 0;
     }

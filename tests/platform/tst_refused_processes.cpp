@@ -64,7 +64,7 @@ private Q_SLOTS:
     void initTestCase()
     {
         if (ZYBASE_SANITIZED)
-            QSKIP("sanitizers can't be loaded after another library");
+            QSKIP("sanitizers cannot be loaded after another library");
         if (!hasOwnProcesses())
             QSKIP("bubblewrap is not installed, or may not make a process namespace here");
     }

@@ -13,6 +13,7 @@
 #include <QTest>
 
 #include <memory>
+#include <optional>
 #include <thread>
 
 using ZyBase::COperateSystem;
@@ -126,7 +127,7 @@ private:
         return lines.size() > 1 ? lines.join(QLatin1Char('|')) : lines.value(0);
     }
 
-    std::unique_ptr<TemporaryHome> m_home;
+    std::optional<TemporaryHome> m_home;
     std::unique_ptr<FakeTools> m_tools;
     std::unique_ptr<MessageCapture> m_messages;
 
@@ -136,7 +137,7 @@ private Q_SLOTS:
         for (const char *variable :
              {"GTK_THEME", "QT_STYLE_OVERRIDE", "DESKTOP_SESSION", "XDG_CURRENT_DESKTOP"})
             qunsetenv(variable);
-        m_home = std::make_unique<TemporaryHome>();
+        m_home.emplace();
         m_tools = std::make_unique<FakeTools>();
         qputenv("PATH", QFile::encodeName(m_tools->path()));
         provideWhich(true);
@@ -565,8 +566,8 @@ private Q_SLOTS:
     {
         // The check succeeds for GNOME and fails for UKUI.
         m_tools->add(QStringLiteral("which"), "[ -e '" + QFile::encodeName(m_tools->path())
-                                                  + "/asked' ] && exit 1\n: >'"
-                                                  + QFile::encodeName(m_tools->path()) + "/asked'");
+                                                  + "/checked' ] && exit 1\n: >'"
+                                                  + QFile::encodeName(m_tools->path()) + "/checked'");
         provideGSettings({{ukuiStyle, "'dark'"}, {ukuiMode, "'dark'"}, {ukuiTheme, "'dark'"}});
         QCOMPARE(COperateSystem::IsDarkTheme(), false);
         QCOMPARE(m_tools->calls(), allCalls().mid(0, 4) << getCall(mateTheme));

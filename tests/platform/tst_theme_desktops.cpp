@@ -13,6 +13,7 @@
 #include <QTest>
 
 #include <memory>
+#include <optional>
 
 using ZyBase::CSystemUtils;
 
@@ -87,7 +88,7 @@ private:
         return (isDark ? QStringLiteral("dark by ") : QStringLiteral("light by ")) + decider;
     }
 
-    std::unique_ptr<TemporaryHome> m_home;
+    std::optional<TemporaryHome> m_home;
     std::unique_ptr<MessageCapture> m_messages;
 
 private Q_SLOTS:
@@ -101,7 +102,7 @@ private Q_SLOTS:
         for (const char *variable :
              {"GTK_THEME", "QT_STYLE_OVERRIDE", "DESKTOP_SESSION", "GSETTINGS_SCHEMA_DIR"})
             qunsetenv(variable);
-        m_home = std::make_unique<TemporaryHome>();
+        m_home.emplace();
         qputenv("GSETTINGS_BACKEND", "keyfile");
     }
     void cleanup()

@@ -10,6 +10,8 @@
 #include <QElapsedTimer>
 #include <QTest>
 
+#include <optional>
+
 using LocalServices::HttpServer;
 
 namespace {
@@ -77,11 +79,11 @@ private:
         return files.hasNext();
     }
 
-    std::unique_ptr<TemporaryHome> m_home;
+    std::optional<TemporaryHome> m_home;
     SeenServices m_services;
 
 private Q_SLOTS:
-    void init() { m_home = std::make_unique<TemporaryHome>(); }
+    void init() { m_home.emplace(); }
     void cleanup() { m_home.reset(); }
 
     void sendsNothingBeforeConsent()

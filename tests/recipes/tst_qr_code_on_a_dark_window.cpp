@@ -25,8 +25,8 @@ int widthInModules(const QByteArray &text)
     return width;
 }
 
-// Returns lower-case letters, which no shorter mode of the code can encode.
-QByteArray letters(int count)
+// Returns lower-case characters, which only the 8-bit mode can encode.
+QByteArray lowerCase(int count)
 {
     QByteArray text(count, 'x');
     for (int i = 0; i < count; ++i)
@@ -85,8 +85,8 @@ private Q_SLOTS:
         QTest::newRow("address") << QByteArray("https://example.org/app?id=17&lang=zh_CN#top") << "400";
         QTest::newRow("address in a small window") << QByteArray("https://example.org/") << "130";
         QTest::newRow("Chinese") << QByteArray("扫描二维码下载应用") << "333";
-        QTest::newRow("500 bytes") << letters(500) << "600";
-        QTest::newRow("1663 bytes") << letters(1663) << "1000";
+        QTest::newRow("500 bytes") << lowerCase(500) << "600";
+        QTest::newRow("1663 bytes") << lowerCase(1663) << "1000";
     }
     void drawsReadableCode()
     {
@@ -127,7 +127,7 @@ private Q_SLOTS:
     {
         QSet<int> widths;
         for (int length = 1; length <= 1663; length += 12) {
-            const QByteArray text = letters(length);
+            const QByteArray text = lowerCase(length);
             const int width = widthInModules(text);
             if (widths.contains(width))
                 continue;
@@ -159,7 +159,7 @@ private Q_SLOTS:
                                              << "114";
         QTest::newRow("window of size 0") << "a"
                                           << "0";
-        QTest::newRow("too long for any code") << QString::fromLatin1(letters(1664)) << "2000";
+        QTest::newRow("too long for any code") << QString::fromLatin1(lowerCase(1664)) << "2000";
         QTest::newRow("empty string") << ""
                                       << "400";
     }

@@ -9,6 +9,8 @@
 #include <QDir>
 #include <QTest>
 
+#include <optional>
+
 class TestTheDirectoryOfTheLog : public QObject
 {
     Q_OBJECT
@@ -35,10 +37,10 @@ private:
         QVERIFY(!run.standardError.contains(utf8("log4qt")));
     }
 
-    std::unique_ptr<TemporaryHome> m_home;
+    std::optional<TemporaryHome> m_home;
 
 private Q_SLOTS:
-    void init() { m_home = std::make_unique<TemporaryHome>(); }
+    void init() { m_home.emplace(); }
     void cleanup() { m_home.reset(); }
 
     void writesLogOfNewUser()

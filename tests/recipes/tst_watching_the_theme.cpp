@@ -18,6 +18,7 @@
 #include <QTimer>
 
 #include <memory>
+#include <optional>
 
 namespace {
 
@@ -114,7 +115,7 @@ private:
     QString tool(const char *name) const { return m_tools->path() + QLatin1Char('/') + utf8(name); }
     int queries() const { return m_tools->calls().filter(utf8("which")).size(); }
 
-    std::unique_ptr<TemporaryHome> m_home;
+    std::optional<TemporaryHome> m_home;
     std::unique_ptr<FakeTools> m_tools;
     QByteArray m_path;
     int m_threads = 0;
@@ -131,7 +132,7 @@ private Q_SLOTS:
         for (const char *variable :
              {"GTK_THEME", "QT_STYLE_OVERRIDE", "DESKTOP_SESSION", "XDG_CURRENT_DESKTOP"})
             qunsetenv(variable);
-        m_home = std::make_unique<TemporaryHome>();
+        m_home.emplace();
         qputenv("GSETTINGS_BACKEND", "keyfile");
     }
     void cleanup()

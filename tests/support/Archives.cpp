@@ -7,9 +7,9 @@
 namespace {
 
 const QLatin1String python("python3");
-constexpr int patience = 240000;
+constexpr int timeoutMs = 240000;
 
-// Names and contents come in hexadecimal.
+// The arguments are names and contents, in hexadecimal.
 constexpr const char *makeScript = R"(
 import sys, zipfile
 class Raw(zipfile.ZipInfo):
@@ -40,7 +40,7 @@ bool runTool(const QString &program, const QStringList &arguments, const QString
     process.setWorkingDirectory(directory);
     process.setProcessChannelMode(QProcess::MergedChannels);
     process.start(program, arguments);
-    return process.waitForFinished(patience) && process.exitStatus() == QProcess::NormalExit
+    return process.waitForFinished(timeoutMs) && process.exitStatus() == QProcess::NormalExit
            && process.exitCode() == 0;
 }
 

@@ -6,26 +6,24 @@
 #include <QString>
 #include <QStringList>
 
-/** One entry of an archive: its name as bytes, so that it need be no UTF-8, and its content. */
+/** One entry of an archive. The name can be any bytes, not only UTF-8. */
 struct ArchiveEntry
 {
     QByteArray name;
     QByteArray content;
 };
 
-/** Whether archives can be made with Python's zipfile; tests that need it are skipped by name. */
+/** Returns false if Python or its module zipfile is not installed. */
 bool canMakeArchives();
 
-/**
- * Runs a tool in a directory; @return whether it is installed and ended well.
- */
+/** Runs a program in a directory. Returns true if its exit code is 0. */
 bool runTool(const QString &program, const QStringList &arguments, const QString &directory);
 
-/** Has Python run @p script, which finds @p arguments in sys.argv[1:]. */
+/** Runs a Python script, whose arguments are in sys.argv[1:]. Returns true if its exit code is 0. */
 bool runPython(const char *script, const QStringList &arguments);
 
 /**
- * Makes an archive of these entries in this order, by Python's zipfile, stored. Names are taken as they
- * are, also twice, and not marked as UTF-8 unless they are and have other characters than ASCII.
+ * Creates an archive with these entries in this order, uncompressed. A name may occur twice. Names are marked
+ * as UTF-8 if they are UTF-8 and not ASCII.
  */
 bool makeArchive(const QString &path, const QList<ArchiveEntry> &entries);

@@ -20,7 +20,7 @@ public:
     void setCommand(const QStringList &command) { m_command = command; }
     void setSandbox(const Sandbox &sandbox) { m_sandbox = sandbox; }
 
-    /** A null @p value removes the variable. */
+    /** Sets an environment variable. A null value removes it. */
     void setEnvironment(const QString &variable, const QString &value);
 
     /** Starts the command with additional arguments, and returns whether it was started. */
@@ -41,7 +41,7 @@ public:
     bool isRunning() const { return m_process.state() != QProcess::NotRunning; }
     qint64 processId() const { return m_process.processId(); }
 
-    /** The time from start() to the end of finish(), in milliseconds. */
+    /** Returns the time from start() to the end of finish(). */
     qint64 durationMs() const { return m_durationMs; }
 
     /** Returns whether a whole line can be read within @p limitMs. */
@@ -50,13 +50,13 @@ public:
     /** Returns the next line with its end, or an empty array if there is none within the time limit. */
     QByteArray readLine();
 
-    /** The output so far, without the lines that readLine() returned. */
+    /** Returns the output so far, without the lines that readLine() returned. */
     QByteArray standardOutput();
 
-    /** The complete lines of standardOutput(), without their ends. */
+    /** Returns the complete lines of standardOutput(), without their ends. */
     QStringList lines();
 
-    /** Waits for a line of standardOutput() while events are delivered. */
+    /** Waits for a line of standardOutput() in an event loop. */
     bool waitForLine(const QString &line);
 
     QByteArray standardError();

@@ -7,7 +7,7 @@
 
 #include <QStringList>
 
-/** A host's own appender: keeps "LEVEL message" of every event that reaches it. */
+/** An appender of an application. It stores "LEVEL message" for each event. */
 class CollectingAppender : public Log4Qt::AppenderSkeleton
 {
 public:

@@ -47,7 +47,7 @@ void FakeClock::install(HostProcess *host) const
     host->setEnvironment(QStringLiteral("FAKETIME_FMT"), QStringLiteral("%s"));
     host->setEnvironment(QStringLiteral("FAKETIME_NO_CACHE"), QStringLiteral("1"));
     host->setEnvironment(QStringLiteral("FAKETIME_DONT_FAKE_MONOTONIC"), QStringLiteral("1"));
-    // The address sanitizer wants to be first; here faketime is.
+    // The address sanitizer must normally be loaded first; here faketime is.
     host->setEnvironment(QStringLiteral("ASAN_OPTIONS"),
                          QStringLiteral("verify_asan_link_order=0:detect_leaks=0"));
 }

@@ -8,19 +8,19 @@
 
 class HostProcess;
 
-/** The time that a HostProcess sees: it stands still until the test moves it. */
+/** The clock of a HostProcess. The time changes only by set() and advance(). */
 class FakeClock
 {
 public:
-    /** False where faketime isn't installed. */
+    /** Returns false if faketime is not installed. */
     static bool isAvailable();
 
     explicit FakeClock(const QDateTime &now);
 
-    /** Removes what faketime leaves in shared memory for processes that are gone. */
+    /** Removes the shared memory that faketime created for processes that have ended. */
     ~FakeClock();
 
-    /** To be called before the host is started. */
+    /** Makes the process use this clock. Call it before the process is started. */
     void install(HostProcess *host) const;
     void set(const QDateTime &now);
     void advance(qint64 seconds);

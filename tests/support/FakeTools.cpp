@@ -9,7 +9,7 @@
 void FakeTools::add(const QString &program, const QByteArray &script)
 {
     const QString file = m_directory.filePath(program);
-    // One write a call: the record of two at the same time is two lines.
+    // Each call is written at once, so that concurrent calls do not share a line.
     const QByteArray recording = "#!/bin/sh\ncall=" + program.toUtf8()
                                  + "\nfor argument in \"$@\"; do call=\"$call [$argument]\"; done\n"
                                    "printf '%s\\n' \"$call\" >>'"

@@ -8,23 +8,23 @@
 #include <QTemporaryDir>
 
 /**
- * Programs in a folder of their own that record each call and then do what the test says. A test puts
- * the folder on the PATH as the only one, so that the machine's own programs are out of reach.
+ * Programs in a temporary directory. Each one records its call and then runs a script of the test. Set PATH
+ * to this directory only, so that no program of the machine is found.
  */
 class FakeTools
 {
 public:
     FakeTools() = default;
 
-    /** @p script is what /bin/sh runs after the call is recorded; other programs need their full path. */
+    /** Adds a program. @p script is run by /bin/sh; it needs the full paths of other programs. */
     void add(const QString &program, const QByteArray &script);
 
     QString path() const { return m_directory.path(); }
 
-    /** The calls so far, each as "program [argument] [argument]". */
+    /** Returns the calls so far, each as "program [argument] [argument]". */
     QStringList calls() const;
 
-    /** A command for a script that prints just these bytes. */
+    /** Returns a shell command that prints these bytes. */
     static QByteArray print(const QByteArray &bytes);
 
 private:

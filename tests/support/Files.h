@@ -6,10 +6,11 @@
 #include <QString>
 #include <QStringList>
 
-/** The whole content of the file; null when it can't be read. */
+/** Returns the content of the file; a null array if it cannot be read. */
 QByteArray readFile(const QString &path);
 
-/** The lines of a text file without their ends; a last one that lacks its end is shown with "<cut>". */
+/** Returns the lines of a file without their ends. If the last line has no end, "<cut>" is appended to it. */
 QStringList readLines(const QString &path);
 
+/** Creates or replaces the file. Returns false after a failure. */
 bool writeFile(const QString &path, const QByteArray &content);

@@ -20,6 +20,16 @@ bool HostProcess::start(const Sandbox &sandbox)
     return m_process.start();
 }
 
+bool HostProcess::startInRootDirectory()
+{
+    const QString path = QStringLiteral("/host");
+    Sandbox sandbox;
+    sandbox.freshRoot();
+    sandbox.replace(path, program());
+    setCommand({path});
+    return start(sandbox);
+}
+
 QJsonValue HostProcess::call(const QString &command, const QJsonArray &arguments)
 {
     send(command, arguments);

@@ -8,22 +8,22 @@
 #include <QJsonValue>
 
 /**
- * A host application as a child process: the program "testhost", which loads the library and carries out
- * one command at a time. It shows what an application writes to disk and to its standard streams, also in
- * a sandbox, at another time, or after it was killed.
+ * A host application as a child process: the program "testhost", which loads the library and runs one
+ * command at a time. Use it to test what an application writes to disk and to its standard streams, in a
+ * sandbox, at another time, or after it was killed.
  */
 class HostProcess
 {
 public:
     HostProcess();
 
-    /** The path of the program. */
+    /** Returns the path of the program. */
     static QString program();
 
     /** Replaces program() as the command of start(), for a copy in another directory. */
     void setCommand(const QStringList &command) { m_process.setCommand(command); }
 
-    /** Must be called before start(). A null @p value removes the variable. */
+    /** Sets an environment variable. A null value removes it. Call it before start(). */
     void setEnvironment(const QString &variable, const QString &value)
     {
         m_process.setEnvironment(variable, value);
@@ -31,31 +31,34 @@ public:
 
     bool start(const Sandbox &sandbox = Sandbox());
 
+    /** Starts the program as "/host", in the root directory of a sandbox. */
+    bool startInRootDirectory();
+
     /**
-     * Calls a command and waits for its answer. A null argument is passed as a null pointer.
+     * Runs a command and waits for its result. A null argument is passed as a null pointer.
      *
-     * @return the answer; undefined if the host ended instead
+     * @return the result; undefined if the process ended
      */
     QJsonValue call(const QString &command, const QJsonArray &arguments = {});
 
-    /** Together these do the same as call(); the test can do something else in between. */
+    /** Together these do the same as call(). */
     void send(const QString &command, const QJsonArray &arguments = {});
     QJsonValue answer();
 
-    /** Returns whether an answer arrives within @p timeoutMs. */
+    /** Waits for a result. Returns false after the timeout. */
     bool hasAnswer(int timeoutMs) { return m_process.waitForLine(timeoutMs); }
 
-    /** Closes the host's input, waits for its end and returns its exit code; -1 after a crash. */
+    /** Closes the standard input, waits for the end and returns the exit code; -1 after a crash. */
     int quit();
 
-    /** Ends the host with SIGKILL. */
+    /** Ends the process with SIGKILL. */
     void kill() { m_process.kill(); }
 
-    /** All that the host wrote to its standard error stream so far. */
+    /** Returns the standard error stream so far. */
     QString standardError() { return QString::fromUtf8(standardErrorBytes()); }
     QByteArray standardErrorBytes() { return m_process.standardError(); }
 
-    /** What the host wrote to its standard output stream besides its answers, up to the last answer. */
+    /** Returns the standard output up to the last result, without the results. */
     QString standardOutput() const { return QString::fromUtf8(m_standardOutput); }
 
     qint64 processId() const { return m_process.processId(); }

@@ -7,7 +7,7 @@
 #include <QMutex>
 #include <QString>
 
-/** Keeps all Qt messages of the process instead of printing them. Thread-safe. */
+/** Stores all Qt messages of the process instead of printing them. Thread-safe. */
 class MessageCapture
 {
 public:

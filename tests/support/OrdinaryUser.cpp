@@ -7,22 +7,22 @@
 namespace {
 
 constexpr uid_t root = 0;
-constexpr uid_t nobody = 65534;
+constexpr uid_t nobodyUser = 65534;
 
 } // namespace
 
-// The saved user stays root, so that the way back is open.
+// The saved user identifier remains root, which allows the return to root.
 OrdinaryUser::OrdinaryUser()
     : m_wasRoot(geteuid() == root)
 {
-    if (m_wasRoot && setresuid(nobody, nobody, root) != 0)
+    if (m_wasRoot && setresuid(nobodyUser, nobodyUser, root) != 0)
         m_wasRoot = false;
 }
 
 OrdinaryUser::~OrdinaryUser()
 {
     if (m_wasRoot && setresuid(root, root, root) != 0)
-        qFatal("The way back to root is closed");
+        qFatal("The process cannot become root again");
 }
 
 bool OrdinaryUser::isOrdinary() const

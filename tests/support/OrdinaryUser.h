@@ -5,8 +5,8 @@
 #include <QtGlobal>
 
 /**
- * While it lives, this process is a user who does not pass every permission check: where the tests run
- * as root, the user "nobody". What is made meanwhile belongs to that user.
+ * Runs this process as an ordinary user, to whom permission checks apply, until the object is destroyed. If
+ * the tests run as root, that is the user "nobody", who then owns the files that the process creates.
  */
 class OrdinaryUser
 {
@@ -14,7 +14,7 @@ public:
     OrdinaryUser();
     ~OrdinaryUser();
 
-    /** False where root can't become another; tests that need it are skipped by name. */
+    /** Returns false if root cannot become another user. */
     bool isOrdinary() const;
 
 private:

@@ -34,3 +34,10 @@ QStringList OutputCapture::lines()
     std::fflush(stderr);
     return m_previousStandardError == -1 ? lines : lines + readLines(m_standardError.fileName());
 }
+
+QString OutputCapture::take(std::unique_ptr<OutputCapture> &capture)
+{
+    const QStringList lines = capture->lines();
+    capture.reset();
+    return lines.join(QLatin1Char('\n'));
+}

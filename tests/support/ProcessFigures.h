@@ -4,14 +4,14 @@
 
 #include <QtGlobal>
 
-/** Figures that the system reports of this process. */
+/** Values that the system reports about this process. */
 namespace ProcessFigures {
 
 int threadCount();
 int openFileCount();
 
 /**
- * The resident memory of heap and stacks, in bytes. Mapped files are not counted, because the system loads
+ * Returns the resident memory of heap and stacks. Mapped files are not counted, because the system loads
  * and drops their pages at any time.
  */
 qint64 residentBytes();

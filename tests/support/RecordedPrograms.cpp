@@ -37,7 +37,7 @@ void RecordedPrograms::addFailing(const QString &name)
     add(name, "exit 1\n");
 }
 
-// The record gets its final name when it is whole.
+// The record is renamed when it is complete.
 void RecordedPrograms::add(const QString &name, const QByteArray &afterwards)
 {
     const QByteArray record = QFile::encodeName(m_records.path()) + "/$$";

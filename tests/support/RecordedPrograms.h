@@ -9,8 +9,8 @@
 #include <QTemporaryDir>
 
 /**
- * While it lives, the search path of this process holds nothing but these programs, which do nothing
- * but write down how they were called.
+ * Programs that only record their calls. Until the object is destroyed, the search path of this process
+ * contains no other programs.
  */
 class RecordedPrograms
 {
@@ -24,13 +24,13 @@ public:
     explicit RecordedPrograms(const QStringList &names = {});
     ~RecordedPrograms();
 
-    /** A program that runs on for minutes or until it is killed, once it has written down its call. */
+    /** Adds a program that runs for five minutes after it has recorded its call. */
     void addEndless(const QString &name);
 
-    /** A program that ends with an error, once it has written down its call. */
+    /** Adds a program that returns exit code 1 after it has recorded its call. */
     void addFailing(const QString &name);
 
-    /** The calls whose record is complete. */
+    /** Returns the completely recorded calls. */
     QList<Call> calls() const;
 
 private:

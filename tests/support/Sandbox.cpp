@@ -24,7 +24,7 @@ QStringList bindRoot()
     return {QStringLiteral("--dev-bind"), QStringLiteral("/"), QStringLiteral("/")};
 }
 
-// Whoever starts it is root inside, so that an ordinary user can make interfaces as well.
+// Inside the sandbox the user is root, so that an ordinary user can create network interfaces too.
 QStringList unshareNetwork()
 {
     return {QStringLiteral("--unshare-user"),
@@ -37,14 +37,14 @@ QStringList unshareNetwork()
             QStringLiteral("CAP_NET_ADMIN")};
 }
 
-// What stands behind it is run once the commands have succeeded.
+// The arguments after these are a command, which is run if the shell commands succeed.
 QStringList afterCommands(const QString &commands)
 {
     return {QStringLiteral("sh"), QStringLiteral("-ec"), commands + QStringLiteral("\nexec \"$@\""),
             QStringLiteral("sh")};
 }
 
-// All that lies in the root, on an empty file system that can be written to.
+// Binds all entries of the root directory to an empty, writable file system.
 QStringList bindFreshRoot()
 {
     QStringList arguments {QStringLiteral("--tmpfs"), QStringLiteral("/")};

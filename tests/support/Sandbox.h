@@ -6,8 +6,8 @@
 #include <QStringList>
 
 /**
- * A view of the machine for one child process: the machine's own, with single places of the file system
- * replaced, and its network where wanted.
+ * A restricted view of the machine for one child process: some paths of the file system are replaced, and
+ * optionally the network.
  *
  * @code
  * Sandbox sandbox;
@@ -18,34 +18,34 @@
 class Sandbox
 {
 public:
-    /** False where the machine lets this user make none; tests that need one are skipped by name. */
+    /** Returns false if bubblewrap is not installed or not allowed for this user. */
     static bool isAvailable();
 
-    /** True where fullDisk() can be had. */
+    /** Returns true if sizedFileSystem() is supported. */
     static bool hasSizedFileSystems();
 
-    /** True where ownNetwork() can be had and the commands succeed in it. */
+    /** Returns true if ownNetwork() is supported and the commands succeed. */
     static bool hasNetwork(const QString &setUp);
 
-    /** @p path can be read but not written to, by root neither. */
+    /** Makes the path read-only, also for root. */
     void readOnly(const QString &path);
 
-    /** @p path shows the content of @p source. */
+    /** Replaces the path by @p source. */
     void replace(const QString &path, const QString &source);
 
-    /** The root itself is a fresh folder: what is made at the top of the file system goes there. */
+    /** Makes the root directory writable. Files created in it are deleted with the sandbox. */
     void freshRoot();
 
-    /** @p path is an empty file system of @p bytes. */
+    /** Replaces the path by an empty file system of this size. */
     void sizedFileSystem(const QString &path, int bytes);
 
     /**
-     * A network of its own, with nothing but the loopback interface and what the shell commands @p setUp
-     * add to it as root of the sandbox. They have to succeed for the child to be started.
+     * Replaces the network by one that has only a loopback interface. The shell commands @p setUp can add
+     * interfaces; they run as root of the sandbox. If one fails, the child is not started.
      */
     void ownNetwork(const QString &setUp);
 
-    /** The command line that runs @p command inside; @p command itself for a sandbox without a change. */
+    /** Returns the command line that runs @p command in the sandbox; @p command itself without changes. */
     QStringList commandLine(const QStringList &command) const;
 
 private:

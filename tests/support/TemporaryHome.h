@@ -7,7 +7,13 @@
 #include <QString>
 #include <QTemporaryDir>
 
-/** A home of its own for this process and its children while it lives, with every XDG folder inside it. */
+/**
+ * A temporary home directory for this process and its child processes, with all XDG directories in it. The
+ * destructor restores the previous home.
+ *
+ * To have a new home for each test function, use a std::optional and emplace(), which destroys the old object
+ * first. Assignment of a new std::unique_ptr restores the real home while the new object exists.
+ */
 class TemporaryHome
 {
 public:

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr int patience = 60000;
+constexpr int timeoutMs = 60000;
 const QString program = QStringLiteral("Xvfb");
 
 } // namespace
@@ -19,11 +19,11 @@ bool VirtualDisplay::isAvailable()
 VirtualDisplay::~VirtualDisplay()
 {
     m_process.terminate();
-    m_process.waitForFinished(patience);
+    m_process.waitForFinished(timeoutMs);
 }
 
-// It writes the number of the display that it found free once it is ready, and ends with its last client,
-// so that a test that is killed leaves none behind.
+// Xvfb prints the number of a free display when it is ready. It ends with its last client, so it does not
+// remain if the test is killed.
 bool VirtualDisplay::start()
 {
     m_process.setStandardErrorFile(QProcess::nullDevice());
@@ -32,7 +32,7 @@ bool VirtualDisplay::start()
                               QStringLiteral("96"), QStringLiteral("-nolisten"), QStringLiteral("tcp"),
                               QStringLiteral("-terminate")});
     while (!m_process.canReadLine()) {
-        if (!m_process.waitForReadyRead(patience))
+        if (!m_process.waitForReadyRead(timeoutMs))
             return false;
     }
     qputenv("DISPLAY", ":" + m_process.readLine().trimmed());

@@ -4,17 +4,17 @@
 
 #include <QProcess>
 
-/** An X display without a screen, for this process and all that it starts. What runs on it ends with it. */
+/** An X display without a screen, for this process and its child processes. */
 class VirtualDisplay
 {
 public:
-    /** False where Xvfb isn't installed; tests that need it are skipped by name. */
+    /** Returns false if Xvfb is not installed. */
     static bool isAvailable();
 
     VirtualDisplay() = default;
     ~VirtualDisplay();
 
-    /** Before the application object is made. @return false when this user can start none */
+    /** Starts Xvfb. Call it before the application object is created. Returns false after a failure. */
     bool start();
 
 private:

@@ -15,7 +15,7 @@
 
 namespace {
 
-// Whether the call ends with the exception for a system that grants no further thread, which it does.
+// Calls the function while no thread can be created. Returns true if it throws std::system_error.
 template <typename Call> bool failsToStart(Call call)
 {
     const rlimit none {0, RLIM_INFINITY};
@@ -31,8 +31,8 @@ template <typename Call> bool failsToStart(Call call)
     return hasFailed;
 }
 
-// Starts a request in the background that gets no thread. Answers whether it failed, how many requests
-// are left behind, and whether a stop reaches them.
+// Starts a request in the background while no thread can be created. Returns whether it failed, how many
+// request objects remain, and whether a stop signal reaches them.
 template <typename Reporter, typename Request, typename Call> QJsonValue startWithoutThreads(Call call)
 {
     Reporter reporter;

@@ -9,8 +9,7 @@
 
 #include <functional>
 
-/** What the test's host can be told to do: a name to a function of the arguments, whose result is the answer.
- */
+/** The functions of the host program by their names. Each one gets the arguments and returns the result. */
 using Commands = QHash<QString, std::function<QJsonValue(const QJsonArray &)>>;
 
 Commands processCommands();

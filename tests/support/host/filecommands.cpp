@@ -11,13 +11,13 @@ using ZyBase::CFileUtils;
 
 namespace {
 
-// As text: a JSON number can't hold all of a long long.
+// The argument is a string because a JSON number cannot represent every long long.
 QJsonValue formatOpenTime(const QJsonArray &arguments)
 {
     return CFileUtils::FormatOpenTime(arguments.at(0).toString().toLongLong());
 }
 
-// A character a byte: paths need be no UTF-8.
+// Returns one character for each byte, because paths can be invalid UTF-8.
 QString bytes(const std::string &path)
 {
     return QString::fromLatin1(path.data(), int(path.size()));

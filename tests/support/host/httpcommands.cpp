@@ -16,7 +16,8 @@ using ZyBase::DownloadManager;
 
 namespace {
 
-// URL and directory; answers the arguments of the one outcome signal, or false when nothing started.
+// The arguments are URL, directory and whether to stop. Returns the arguments of the outcome signal, or false
+// if the download does not start.
 QJsonValue download(const QJsonArray &arguments)
 {
     DownloadManager manager;
@@ -35,7 +36,7 @@ QJsonValue download(const QJsonArray &arguments)
     return outcome;
 }
 
-// Starts a request while the system grants no further thread; answers the exception's kind.
+// Starts a request while no thread can be created. Returns the type of the exception.
 QJsonValue startWithoutThreads(const QJsonArray &)
 {
     const rlimit none {0, RLIM_INFINITY};

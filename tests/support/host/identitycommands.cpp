@@ -12,7 +12,7 @@ using ZyBase::CSystemUtils;
 
 namespace {
 
-// Null as null, so that it is told from empty.
+// Distinguishes null strings from empty ones.
 QJsonValue toJson(const QString &text)
 {
     return text.isNull() ? QJsonValue(QJsonValue::Null) : QJsonValue(text);
@@ -25,7 +25,7 @@ QJsonValue sources(const QJsonArray &)
                         {QStringLiteral("address"), toJson(ZyBase::getMainMacAddress())}};
 }
 
-// Prefix, name and how many times; answers all results.
+// The arguments are both of GetPCID() and the number of calls. Returns all results.
 QJsonValue pcid(const QJsonArray &arguments)
 {
     QJsonArray results;

@@ -11,7 +11,7 @@ using ZyBase::LoggerObject;
 
 namespace {
 
-// A text argument as a host passes it; JSON's null is a null pointer.
+// A string argument of the library. JSON's null is a null pointer.
 class Text
 {
 public:
@@ -47,7 +47,7 @@ QJsonValue release(const QJsonArray &)
     return true;
 }
 
-// Logs on the root logger of another log4qt that the process has loaded, whose headers nobody has.
+// Logs with the root logger of another log4qt that the process has loaded. Its headers are not available.
 QJsonValue warnOnForeignRoot(const QJsonArray &arguments)
 {
     using RootLogger = void *(*)();

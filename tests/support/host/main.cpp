@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 
-// A host application that does what it is told: a JSON array a line on its standard input (command,
-// arguments), the answer as a JSON array of one on its standard output, until the input ends.
+// A host application that runs commands until its standard input ends. Each line of the input is a JSON array
+// of a command and its arguments. The result is printed as a JSON array with one element.
 
 #include "commands.h"
 
@@ -35,7 +35,7 @@ int main(int argc, char **argv)
         const QJsonValue answer = (*command)(arguments);
         output.write(QJsonDocument(QJsonArray {answer}).toJson(QJsonDocument::Compact) + '\n');
         output.flush();
-        // What a call left to the event loop happens before the next.
+        // Runs what the call has queued, before the next command.
         QCoreApplication::processEvents();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }

@@ -6,15 +6,14 @@
 
 #include <QTemporaryDir>
 
-/** The network of the gallery. LOCAL_SERVICES contains the path of its description while the object exists.
- */
-class LocalWorld
+/** The network of the gallery. LOCAL_SERVICES is the path of its description until it is destroyed. */
+class GalleryNetwork
 {
 public:
-    LocalWorld();
-    ~LocalWorld();
+    GalleryNetwork();
+    ~GalleryNetwork();
 
-    /** Makes the geolocation services never answer, or answer again. */
+    /** Stops the answers of the geolocation services, or resumes them. */
     void setSilent(bool isSilent);
 
     /** Routes @p host to another server than server(). */
@@ -28,7 +27,7 @@ public:
     }
 
 private:
-    Q_DISABLE_COPY(LocalWorld)
+    Q_DISABLE_COPY(GalleryNetwork)
 
     const QTemporaryDir m_directory;
     LocalServices::HttpServer m_server;

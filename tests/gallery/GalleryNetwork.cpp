@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 
-#include "LocalWorld.h"
+#include "GalleryNetwork.h"
 
 #include <ZyBase/netinfo/Services.h>
 
@@ -24,7 +24,7 @@ HttpServer::Answer answerWith(const QByteArray &body)
 
 } // namespace
 
-LocalWorld::LocalWorld()
+GalleryNetwork::GalleryNetwork()
     : m_server({}, {{QStringLiteral("/json"), answerWith(location)},
                     {QStringLiteral("/orders/4711"), answerWith(order)}})
 {
@@ -35,12 +35,12 @@ LocalWorld::LocalWorld()
     qputenv("LOCAL_SERVICES", QFile::encodeName(m_network.writeDescription(m_directory.path(), addresses)));
 }
 
-LocalWorld::~LocalWorld()
+GalleryNetwork::~GalleryNetwork()
 {
     qunsetenv("LOCAL_SERVICES");
 }
 
-void LocalWorld::setSilent(bool isSilent)
+void GalleryNetwork::setSilent(bool isSilent)
 {
     for (const char *host : {ZyBase::pszGeolocationHost, ZyBase::pszGeolocationPageHost}) {
         if (isSilent)

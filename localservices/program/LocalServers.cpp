@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 
-#include "StandIns.h"
-
-#include <ZyBase/analytics/SigningSecret.h>
+#include "LocalServers.h"
 
 #include <QDeadlineTimer>
 #include <QThread>
@@ -13,7 +11,6 @@ using LocalServices::StatisticsBackend;
 
 namespace {
 
-constexpr const char *collectorHost = "www.google-analytics.com";
 constexpr int settlingMs = 2000;
 constexpr int pauseMs = 50;
 
@@ -37,35 +34,29 @@ QMap<QString, HttpServer::Answer> files()
 
 } // namespace
 
-StandIns::StandIns(ArrivalFeed &feed)
+LocalServers::LocalServers(ArrivalFeed &feed)
     : m_downloads({}, files())
-    , m_collector([&feed](const GaCollector::Event &event) { feed.add(Arrival::of(event)); })
-    , m_backend(ZyBase::pszSigningSecret, {},
+    , m_network([&feed](const GaCollector::Event &event) { feed.add(Arrival::of(event)); },
                 [&feed](const StatisticsBackend::Record &record) { feed.add(Arrival::of(record)); })
-    , m_proxy(m_authority)
 {
-    m_publicServices.route(m_proxy);
-    m_proxy.route(QLatin1String(collectorHost), m_collector.url());
+    m_network.routePublicServices();
 }
 
-QUrl StandIns::proxy() const
+bool LocalServers::writeDescription(const QString &directory, const QUrl &page) const
 {
-    return QUrl(QStringLiteral("http://127.0.0.1:%1").arg(m_proxy.port()));
-}
-
-bool StandIns::isQuiet()
-{
-    return m_proxy.openConnections() == 0 && m_collector.openConnections() == 0
-           && m_backend.openConnections() == 0;
+    LocalServices::FakeNetwork::Addresses addresses;
+    addresses.downloads = m_downloads.url(QStringLiteral("/"));
+    addresses.page = page;
+    return !m_network.writeDescription(directory, addresses).isNull();
 }
 
 // A new connection may not be counted yet, so one check is not enough.
-void StandIns::settle()
+void LocalServers::settle()
 {
     constexpr int enoughChecks = 3;
     int quietChecks = 0;
     for (const QDeadlineTimer deadline(settlingMs); quietChecks < enoughChecks && !deadline.hasExpired();) {
         QThread::msleep(pauseMs);
-        quietChecks = isQuiet() ? quietChecks + 1 : 0;
+        quietChecks = m_network.openConnections() == 0 ? quietChecks + 1 : 0;
     }
 }
