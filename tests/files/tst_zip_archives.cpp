@@ -12,6 +12,9 @@
 #include <QMap>
 #include <QTextCodec>
 
+#include <quazip.h>
+#include <quazipfile.h>
+
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -62,6 +65,22 @@ bool makeSourceTree(const QString &directory)
            && writeFile(directory + utf8("/目录/报告 ü.txt"), "文件");
 }
 
+// Whether the installed QuaZip reads each entry: it can be built without bzip2.
+bool canQuaZipRead(const QString &archive)
+{
+    QuaZip zip(archive);
+    if (!zip.open(QuaZip::mdUnzip))
+        return false;
+    QuaZipFile entry(&zip);
+    for (bool hasEntry = zip.goToFirstFile(); hasEntry; hasEntry = zip.goToNextFile()) {
+        if (!entry.open(QIODevice::ReadOnly))
+            return false;
+        entry.readAll();
+        entry.close();
+    }
+    return true;
+}
+
 } // namespace
 
 // Archives that common tools create.
@@ -105,6 +124,8 @@ private Q_SLOTS:
         const QString program = command.takeFirst();
         if (!runTool(program, command, path("source")))
             QSKIP(qPrintable(program + utf8(" is not installed")));
+        if (!canQuaZipRead(path("archive.zip")))
+            QSKIP("The installed QuaZip does not support this compression");
         QCOMPARE(extractInLocale(utf8("C.UTF-8")), QJsonValue(true));
         QCOMPARE(tree(path("target")), tree(path("source")));
     }
