@@ -58,20 +58,29 @@ void sendAsync(CGoogleAnalytics &analytics, const Event &event)
 }
 
 WatchedEvent::WatchedEvent()
+    : m_analytics(std::make_unique<CGoogleAnalytics>())
 {
-    connect(&m_analytics, &CGoogleAnalytics::SignalRequestTimeout, this, [this] { addOutcome(timedOut); });
-    connect(&m_analytics, &CGoogleAnalytics::SignalRequestCancel, this, [this] { addOutcome(cancelled); });
-    connect(&m_analytics, &CGoogleAnalytics::SignalRequestResult, this,
+    connect(m_analytics.get(), &CGoogleAnalytics::SignalRequestTimeout, this,
+            [this] { addOutcome(timedOut); });
+    connect(m_analytics.get(), &CGoogleAnalytics::SignalRequestCancel, this,
+            [this] { addOutcome(cancelled); });
+    connect(m_analytics.get(), &CGoogleAnalytics::SignalRequestResult, this,
             [this](const QByteArray &data) { addOutcome(result(Form::PostAsync, data, -1)); });
-    checkThreadOf(&m_analytics, &CGoogleAnalytics::SignalRequestTimeout);
-    checkThreadOf(&m_analytics, &CGoogleAnalytics::SignalRequestCancel);
-    checkThreadOf(&m_analytics, &CGoogleAnalytics::SignalRequestResult);
+    checkThreadOf(m_analytics.get(), &CGoogleAnalytics::SignalRequestTimeout);
+    checkThreadOf(m_analytics.get(), &CGoogleAnalytics::SignalRequestCancel);
+    checkThreadOf(m_analytics.get(), &CGoogleAnalytics::SignalRequestResult);
+}
+
+WatchedEvent::~WatchedEvent()
+{
+    stopAll();
+    retire(std::move(m_analytics));
 }
 
 void WatchedEvent::start(const Event &event)
 {
     addRequest();
-    sendAsync(m_analytics, event);
+    sendAsync(*m_analytics, event);
 }
 
 QStringList ownMethods(const QMetaObject &meta)

@@ -71,15 +71,15 @@ class WatchedEvent : public OutcomeWatcher
 public:
     WatchedEvent();
 
-    /** Stops the requests and waits until they have ended. */
-    ~WatchedEvent() override { stopAll(); }
+    /** Stops the requests and retires the request object. */
+    ~WatchedEvent() override;
 
-    CGoogleAnalytics &analytics() { return m_analytics; }
+    CGoogleAnalytics &analytics() { return *m_analytics; }
     void start(const Event &event = Event());
-    void emitStop() override { Q_EMIT m_analytics.SignalStopRequest(); }
+    void emitStop() override { Q_EMIT m_analytics->SignalStopRequest(); }
 
 private:
-    CGoogleAnalytics m_analytics;
+    std::unique_ptr<CGoogleAnalytics> m_analytics;
 };
 
 /** Returns the fields of an object, which follow those of QObject. */

@@ -113,6 +113,14 @@ void OutcomeWatcher::addOutcome(const Outcome &outcome)
         m_loop.quit();
 }
 
+void OutcomeWatcher::retire(std::unique_ptr<QObject> object)
+{
+    static std::deque<std::unique_ptr<QObject>> retired;
+    retired.push_back(std::move(object));
+    if (retired.size() > maximumRetiredRequests)
+        retired.pop_front();
+}
+
 WatchedRequest::WatchedRequest()
     : m_request(std::make_unique<CHttpPostRequest>())
 {
@@ -132,10 +140,7 @@ WatchedRequest::WatchedRequest()
 WatchedRequest::~WatchedRequest()
 {
     stopAll();
-    static std::deque<std::unique_ptr<CHttpPostRequest>> retired;
-    retired.push_back(std::move(m_request));
-    if (retired.size() > maximumRetiredRequests)
-        retired.pop_front();
+    retire(std::move(m_request));
 }
 
 void WatchedRequest::start(Form form, const QUrl &url, const QString &session, const QJsonObject &object)

@@ -84,6 +84,9 @@ protected:
                 *flag = false;
         });
     }
+    /** Deletes the object much later: a thread may still be emitting its signal. */
+    static void retire(std::unique_ptr<QObject> object);
+
     void addRequest() { ++m_requestCount; }
     void addOutcome(const Outcome &outcome);
     bool hasAllOutcomes() const { return m_outcomes.size() >= m_requestCount; }
@@ -101,7 +104,7 @@ class WatchedRequest : public OutcomeWatcher
 public:
     WatchedRequest();
 
-    /** Stops the requests. The request object is deleted later: a thread may still be emitting its signal. */
+    /** Stops the requests and retires the request object. */
     ~WatchedRequest() override;
 
     ZyBase::CHttpPostRequest *request() { return m_request.get(); }
