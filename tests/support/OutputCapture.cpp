@@ -4,12 +4,16 @@
 
 #include "Files.h"
 
+#include <QNetworkAccessManager>
+
 #include <unistd.h>
 
 #include <cstdio>
 
 OutputCapture::OutputCapture()
 {
+    // Qt 5.15 may print a line if the first managers of a process are created in several threads at once.
+    QNetworkAccessManager();
     if (ZYBASE_SANITIZED || !m_standardError.open())
         return;
     m_previousStandardError = ::dup(STDERR_FILENO);
