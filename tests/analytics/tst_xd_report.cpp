@@ -4,6 +4,7 @@
 
 #include "HostProcess.h"
 #include "Utf8.h"
+#include "Waiting.h"
 
 #include <ZyBase/analytics/CXdReport.h>
 #include <ZyBase/analytics/SigningSecret.h>
@@ -87,7 +88,7 @@ private Q_SLOTS:
         const StatisticsBackend other(QByteArray(32, 'x'));
         Reporter reporter;
         start(reporter, other.url());
-        QTRY_COMPARE(reporter.running(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(reporter.running(), 0, longestWaitMs);
         QCOMPARE(other.records().size(), 1);
         QCOMPARE(other.records().first().problems, QStringList {utf8("sign")});
     }
@@ -190,7 +191,7 @@ private Q_SLOTS:
         const QString address = server.url(QStringLiteral("/")).toString().chopped(1) + path;
         reporter.InitData(address, utf8("d"), utf8("p"), utf8("v"), utf8("q"));
         reporter.ReportXdData(utf8("a"), utf8("s"));
-        QTRY_COMPARE(reporter.running(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(reporter.running(), 0, longestWaitMs);
         QCOMPARE(server.requests().size(), 1);
         const QByteArray sent = server.requests().first().target;
         QVERIFY2(sent.startsWith(target), sent.constData());
@@ -202,7 +203,7 @@ private Q_SLOTS:
         const HttpServer server;
         Reporter reporter;
         start(reporter, server.url(QStringLiteral("/echo#part")));
-        QTRY_COMPARE(reporter.running(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(reporter.running(), 0, longestWaitMs);
         QCOMPARE(server.requests().size(), 1);
         QCOMPARE(server.requests().first().target, QByteArray("/echo"));
     }
@@ -211,7 +212,7 @@ private Q_SLOTS:
     {
         Reporter reporter;
         start(reporter, QUrl(backend().url().toString() + QStringLiteral("?app=1")));
-        QTRY_COMPARE(reporter.running(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(reporter.running(), 0, longestWaitMs);
         QCOMPARE(backend().records().size(), 1);
         QCOMPARE(backend().records().first().problems, QStringList());
     }
@@ -222,7 +223,7 @@ private Q_SLOTS:
                                        Authority::selfSigned(QStringLiteral("other")));
         Reporter reporter;
         start(reporter, secure.url());
-        QTRY_COMPARE(reporter.running(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(reporter.running(), 0, longestWaitMs);
         QCOMPARE(secure.records().size(), 1);
         QCOMPARE(secure.records().first().problems, QStringList());
     }
@@ -238,7 +239,7 @@ private Q_SLOTS:
         reporter.ReportXdData(utf8("a"), utf8("s"));
         QCOMPARE(reporter.started(), 1);
         QCOMPARE(reporter.running(), 1);
-        QTRY_COMPARE(reporter.running(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(reporter.running(), 0, longestWaitMs);
     }
 
     void sendsValuesSetAtStart()
@@ -249,7 +250,7 @@ private Q_SLOTS:
         reporter.ReportXdData(utf8("a"), utf8("s"));
         reporter.InitData(url, utf8("d2"), utf8("p2"), utf8("v2"), utf8("q2"));
         reporter.ReportXdData(utf8("a"), utf8("s"));
-        QTRY_COMPARE(reporter.running(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(reporter.running(), 0, longestWaitMs);
         QList<QByteArray> bodies;
         const QList<Record> records = backend().records();
         for (const Record &record : records)
@@ -275,7 +276,7 @@ private Q_SLOTS:
         for (int attempt = 0; attempt < 5; ++attempt) {
             reporter.ReportXdData(utf8("a"), utf8("s"));
             reporter.ReportXdData(utf8("a"), utf8("s"));
-            QTRY_COMPARE(reporter.running(), 0);
+            QTRY_COMPARE_WITH_TIMEOUT(reporter.running(), 0, longestWaitMs);
             two = backend().records().mid(2 * attempt);
             QCOMPARE(two.size(), 2);
             if (two.at(0).request.target == two.at(1).request.target)
@@ -291,7 +292,7 @@ private Q_SLOTS:
         Reporter reporter;
         start(reporter, closedPortUrl());
         QCOMPARE(reporter.running(), 1);
-        QTRY_COMPARE(reporter.running(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(reporter.running(), 0, longestWaitMs);
     }
 
     void stopsRequestsBeforeReturning()

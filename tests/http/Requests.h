@@ -121,3 +121,6 @@ private:
  */
 Outcome carryOut(Form form, const QUrl &url, const QString &session = QString(),
                  const QJsonObject &object = {});
+
+/** Does the same, and repeats a request that was ended by the time limit, which happens on a busy machine. */
+Outcome carryOutInTime(Form form, const QUrl &url, const QJsonObject &object = {});

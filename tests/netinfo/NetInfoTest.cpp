@@ -3,6 +3,7 @@
 #include "NetInfoTest.h"
 
 #include "Files.h"
+#include "Waiting.h"
 
 #include <QDir>
 
@@ -44,6 +45,6 @@ void NetInfoTest::init()
 void NetInfoTest::cleanup()
 {
     m_network.reset();
-    QTRY_VERIFY(!hasRequestThreads());
+    QTRY_VERIFY_WITH_TIMEOUT(!hasRequestThreads(), longestWaitMs);
     QCOMPARE(OutputCapture::take(m_output), QString());
 }
