@@ -6,6 +6,7 @@
 #include "Utf8.h"
 #include "Waiting.h"
 
+#include <QMetaMethod>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QSslConfiguration>
@@ -352,6 +353,16 @@ private Q_SLOTS:
                  QStringList({utf8("signal SignalRequestTimeout()"), utf8("signal SignalRequestCancel()"),
                               utf8("signal SignalStopRequest()"),
                               utf8("signal SignalRequestResult(QByteArray)")}));
+    }
+
+    // Applications can read them from the meta-object.
+    void keepsParameterNames()
+    {
+        const QMetaObject &meta = CGoogleAnalytics::staticMetaObject;
+        QList<QList<QByteArray>> names;
+        for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
+            names << meta.method(i).parameterNames();
+        QCOMPARE(names, QList<QList<QByteArray>>({{}, {}, {}, {"data"}}));
     }
 
     void hasEndpointAsOnlyField()

@@ -12,10 +12,14 @@
 
 #include <QCryptographicHash>
 #include <QDateTime>
+#include <QPointer>
 #include <QRegularExpression>
+
+#include <sys/time.h>
 
 #include <algorithm>
 #include <ctime>
+#include <utility>
 
 using LocalServices::StatisticsBackend;
 using ZyBase::CHttpPostRequest;
@@ -24,7 +28,21 @@ namespace {
 
 using Reporter = WatchedReporter<CXdReport>;
 
+thread_local int clockReadings = -1; // not counted if negative
+
 } // namespace
+
+// Called by Qt instead of the C library's function, because symbols of the program come first. While readings
+// are counted, each is a second later than the one before.
+extern "C" __attribute__((visibility("default"))) int gettimeofday(timeval *time, void *) noexcept
+{
+    timespec now {};
+    clock_gettime(CLOCK_REALTIME, &now);
+    *time = {now.tv_sec, now.tv_nsec / 1000};
+    if (clockReadings >= 0)
+        time->tv_sec += clockReadings++;
+    return 0;
+}
 
 class TestXdReport : public ReporterTest
 {
@@ -164,6 +182,23 @@ private Q_SLOTS:
         QVERIFY(day.mid(11).startsWith(QLatin1String("20:")) || day.mid(11).startsWith(QLatin1String("21:")));
     }
 
+    void readsClockForDayAndAgainForTimestamp()
+    {
+        Reporter reporter;
+        init(reporter, backend().url());
+        clockReadings = 0;
+        report(reporter);
+        const int readings = std::exchange(clockReadings, -1);
+        QTRY_COMPARE_WITH_TIMEOUT(backend().records().size(), 1, longestWaitMs);
+        if (readings == 0)
+            QSKIP("this Qt does not read the clock with gettimeofday()");
+        QCOMPARE(readings, 2);
+        const Record record = backend().records().first();
+        const QDateTime day = QDateTime::fromString(record.body.value(QStringLiteral("day")).toString(),
+                                                    QStringLiteral("yyyy-MM-dd hh:mm:ss"));
+        QVERIFY(record.timestamp > day.toSecsSinceEpoch());
+    }
+
     void sendsCurrentTimestamp()
     {
         const qint64 before = QDateTime::currentSecsSinceEpoch();
@@ -293,6 +328,35 @@ private Q_SLOTS:
         start(reporter, closedPortUrl());
         QCOMPARE(reporter.running(), 1);
         QTRY_COMPARE_WITH_TIMEOUT(reporter.running(), 0, longestWaitMs);
+    }
+
+    // The functions that delete a request end with the reporter.
+    void deletesNoRequestAfterReporter_data()
+    {
+        QTest::addColumn<bool>("isStopped");
+        QTest::newRow("result") << false;
+        QTest::newRow("cancelled") << true;
+    }
+    void deletesNoRequestAfterReporter()
+    {
+        QFETCH(bool, isStopped);
+        const SlowServer slow;
+        const SilentServer silent;
+        auto reporter = std::make_unique<CXdReport>();
+        start(*reporter, isStopped ? silent.url() : slow.url());
+        const QPointer<CHttpPostRequest> request = reporter->findChild<CHttpPostRequest *>();
+        QVERIFY(!request.isNull());
+        int outcomes = 0;
+        const auto count = [&outcomes] { ++outcomes; };
+        connect(request, &CHttpPostRequest::SignalRequestResult, this, count);
+        connect(request, &CHttpPostRequest::SignalRequestCancel, this, count);
+        request->setParent(nullptr);
+        reporter.reset();
+        QTRY_VERIFY_WITH_TIMEOUT((isStopped ? Q_EMIT request->SignalStopRequest() : void(), outcomes == 1),
+                                 longestWaitMs);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(!request.isNull());
+        delete request;
     }
 
     void stopsRequestsBeforeReturning()

@@ -2,6 +2,8 @@
 
 #include "FilesTest.h"
 
+#include <ZyBase/base/LoggerObjectPrivate.h>
+
 #include <QDir>
 
 QStringList FilesTest::entries() const
@@ -33,4 +35,5 @@ void FilesTest::cleanup()
     m_user.reset();
     m_directory.reset();
     QCOMPARE(printed, QStringList());
+    QVERIFY(!LoggerObjectPrivate::s_pLogger); // the log is not used
 }

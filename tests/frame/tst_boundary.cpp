@@ -5,12 +5,15 @@
 
 #include "Files.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QLibrary>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <dlfcn.h>
 
 #define STRING_OF(tokens) #tokens
 #define EXPANSION_OF(macro) STRING_OF(macro)
@@ -19,6 +22,33 @@ namespace {
 
 const QString library = QStringLiteral(ZYBASE_LIBRARY);
 constexpr bool isInstrumented = ZYBASE_INSTRUMENTED != 0;
+
+// In the order in which they are created.
+const QStringList wordsOfRecords {QStringLiteral("install"),
+                                  QStringLiteral("uninstall"),
+                                  QStringLiteral("uninstall_opt"),
+                                  QStringLiteral("update"),
+                                  QStringLiteral("feedback"),
+                                  QStringLiteral("mf_show"),
+                                  QStringLiteral("payment_completed"),
+                                  QStringLiteral("crash"),
+                                  QStringLiteral("server_run"),
+                                  QStringLiteral("start"),
+                                  QStringLiteral("end"),
+                                  QStringLiteral("cancel"),
+                                  QStringLiteral("fail"),
+                                  QStringLiteral("none")};
+
+// Copies the library with its sibling to another directory, as it is installed with an application, and
+// returns its path.
+QString copyLibraries(const QTemporaryDir &directory)
+{
+    const QFileInfo original(library);
+    const QFileInfoList siblings = original.dir().entryInfoList({QStringLiteral("lib*.so")}, QDir::Files);
+    for (const QFileInfo &sibling : siblings)
+        QFile::copy(sibling.filePath(), directory.filePath(sibling.fileName()));
+    return directory.filePath(original.fileName());
+}
 
 QString output(const QString &program, const QStringList &arguments)
 {
@@ -38,7 +68,20 @@ QStringList captured(const QString &text, const QString &pattern)
     return found;
 }
 
+QList<const void *> *staticObjects = nullptr; // those constructed; not recorded if null
+
 } // namespace
+
+// Called instead of the C library's function, because symbols of the program come first. A static object
+// whose constructor has run is registered with it.
+extern "C" __attribute__((visibility("default"))) int __cxa_atexit(void (*destroy)(void *), void *object,
+                                                                   void *library)
+{
+    if (staticObjects)
+        staticObjects->append(object);
+    static const auto original = reinterpret_cast<decltype(&__cxa_atexit)>(dlsym(RTLD_NEXT, "__cxa_atexit"));
+    return original(destroy, object, library);
+}
 
 // Verifies what a loader and a linker use of the library.
 class TestBoundary : public QObject
@@ -120,16 +163,14 @@ private Q_SLOTS:
     void containsWordsOfStatisticsRecords()
     {
         const QByteArray content = readFile(library);
-        for (const char *word :
-             {"install", "uninstall", "uninstall_opt", "update", "feedback", "mf_show", "payment_completed",
-              "crash", "server_run", "start", "end", "cancel", "fail", "none"}) {
-            const QString text = QString::fromLatin1(word) + QChar(0);
+        for (const QString &word : wordsOfRecords) {
+            const QString text = word + QChar(0);
             const QByteArray utf16(reinterpret_cast<const char *>(text.utf16()), 2 * text.size());
             // The match must not be the end of a longer word.
             int position = content.indexOf(utf16);
             while (position > 0 && content.at(position - 1) == 0 && content.at(position - 2) != 0)
                 position = content.indexOf(utf16, position + 1);
-            QVERIFY2(position > 0, word);
+            QVERIFY2(position > 0, qPrintable(word));
         }
     }
 
@@ -147,17 +188,33 @@ private Q_SLOTS:
         QCOMPARE(slots, QStringList());
     }
 
+    void createsOnlyWordsOfStatisticsRecordsAtLoadTime()
+    {
+        if (isInstrumented)
+            QSKIP("instrumentation does not allow a second copy of the library");
+        const QTemporaryDir application;
+        const QString path = copyLibraries(application);
+        QList<const void *> objects;
+        staticObjects = &objects;
+        QLibrary loaded(path);
+        const bool isLoaded = loaded.load();
+        staticObjects = nullptr;
+        QVERIFY2(isLoaded, qPrintable(loaded.errorString()));
+        QStringList words;
+        for (const void *object : qAsConst(objects)) {
+            Dl_info owner {};
+            if (dladdr(object, &owner) != 0 && path == QString::fromUtf8(owner.dli_fname))
+                words << *static_cast<const QString *>(object);
+        }
+        QCOMPARE(words, wordsOfRecords);
+    }
+
     void loadsWithoutBeingLinked()
     {
         if (isInstrumented)
             QSKIP("instrumentation does not allow a second copy of the library");
-        // Copied with its sibling to another directory, as it is installed with an application.
         const QTemporaryDir application;
-        const QFileInfo original(library);
-        const QFileInfoList siblings = original.dir().entryInfoList({QStringLiteral("lib*.so")}, QDir::Files);
-        for (const QFileInfo &sibling : siblings)
-            QVERIFY(QFile::copy(sibling.filePath(), application.filePath(sibling.fileName())));
-        QLibrary loaded(application.filePath(original.fileName()));
+        QLibrary loaded(copyLibraries(application));
         QVERIFY2(loaded.load(), qPrintable(loaded.errorString()));
         QVERIFY(loaded.resolve("_ZN6ZyBase12LoggerObject4infoEPKc"));
     }

@@ -5,6 +5,8 @@
 #include "Servers.h"
 #include "Waiting.h"
 
+#include <ZyBase/base/LoggerObjectPrivate.h>
+
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QTimer>
@@ -19,6 +21,7 @@ void StopTest::init()
 void StopTest::cleanup()
 {
     QCOMPARE(OutputCapture::take(m_output), QString());
+    QVERIFY(!LoggerObjectPrivate::s_pLogger); // the log is not used
 }
 
 void StopTest::addCalls(const QStringList &calls)

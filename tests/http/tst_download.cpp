@@ -92,6 +92,22 @@ private Q_SLOTS:
                       "slot downloadReadyRead()"}));
     }
 
+    // Applications can read them from the meta-object.
+    void keepsParameterNames()
+    {
+        const QMetaObject &meta = DownloadManager::staticMetaObject;
+        QList<QList<QByteArray>> names;
+        for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
+            names << meta.method(i).parameterNames();
+        QCOMPARE(names, QList<QList<QByteArray>>({{},
+                                                  {"bytesReceived", "bytesTotal", "strSpeed"},
+                                                  {"bSuccess", "strFilePath"},
+                                                  {},
+                                                  {"bytesReceived", "bytesTotal"},
+                                                  {},
+                                                  {}}));
+    }
+
     void keepsParent()
     {
         QObject parent;

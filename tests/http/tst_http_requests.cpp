@@ -79,6 +79,16 @@ private Q_SLOTS:
                                                 "SignalRequestResultAndStatusCode(QByteArray,int)"}));
     }
 
+    // Applications can read them from the meta-object.
+    void keepsParameterNames()
+    {
+        const QMetaObject &meta = CHttpPostRequest::staticMetaObject;
+        QList<QList<QByteArray>> names;
+        for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
+            names << meta.method(i).parameterNames();
+        QCOMPARE(names, QList<QList<QByteArray>>({{}, {}, {}, {"data"}, {"data", "nStatusCode"}}));
+    }
+
     void sendsMethodAndTarget_data() { addForms(allForms); }
     void sendsMethodAndTarget()
     {

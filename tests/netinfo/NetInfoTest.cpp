@@ -5,6 +5,8 @@
 #include "Files.h"
 #include "Waiting.h"
 
+#include <ZyBase/base/LoggerObjectPrivate.h>
+
 #include <QDir>
 
 namespace {
@@ -47,4 +49,5 @@ void NetInfoTest::cleanup()
     m_network.reset();
     QTRY_VERIFY_WITH_TIMEOUT(!hasRequestThreads(), longestWaitMs);
     QCOMPARE(OutputCapture::take(m_output), QString());
+    QVERIFY(!LoggerObjectPrivate::s_pLogger); // the log is not used
 }
