@@ -1,4 +1,4 @@
-// SPDX-License-Identifier: LGPL-2.1-or-later
+// SPDX-License-Identifier: 0BSD
 
 // A first application: it logs, downloads a file, and sends usage reports if the user has agreed.
 //
