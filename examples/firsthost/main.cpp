@@ -110,7 +110,7 @@ int main(int argc, char **argv)
     int exitCode = 0;
     {
         const QCoreApplication application(argc, argv);
-        QCoreApplication::setOrganizationName(QStringLiteral("Example"));
+        QCoreApplication::setOrganizationName(QStringLiteral("example"));
         QCoreApplication::setApplicationName(QStringLiteral("firsthost"));
         exitCode = runApplication();
     }

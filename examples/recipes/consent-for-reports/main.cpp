@@ -57,7 +57,7 @@ void readCommands(UsageReports &reports)
 int run(int argc, char **argv)
 {
     QCoreApplication application(argc, argv);
-    QCoreApplication::setOrganizationName(QStringLiteral("Example"));
+    QCoreApplication::setOrganizationName(QStringLiteral("example"));
     QCoreApplication::setApplicationName(QStringLiteral("consent"));
     const DevelopmentServices services = useDevelopmentServices();
 
