@@ -11,7 +11,7 @@ find_program(ENV_COMMAND env)
 
 # A machine with basic commands and without apt.
 file(MAKE_DIRECTORY ${WORK_DIR}/bin)
-foreach(command dirname grep id sed)
+foreach(command cat dirname grep id sed)
     find_program(program_${command} ${command})
     file(CREATE_LINK ${program_${command}} ${WORK_DIR}/bin/${command} SYMBOLIC)
 endforeach()
