@@ -61,13 +61,20 @@ call(uninstall)
 expect_success()
 expect_files(include include/other.h lib share share/other)
 
-# A later version replaces the earlier one, and its manifest lists the directories of both.
+# A later version replaces the earlier one. Running applications keep the file that they have loaded. The new
+# manifest lists the directories of both.
 file(REMOVE_RECURSE ${prefix})
 call(install)
+file(CREATE_LINK ${prefix}/lib/libZyBase.so ${WORK_DIR}/loaded)
 file(RENAME ${library}/include/ZyBase/Old.h ${library}/include/ZyBase/New.h)
+file(WRITE ${library}/lib/libZyBase.so 2)
 call(install)
 expect_success()
 expect_files(include include/ZyBase include/ZyBase/New.h lib lib/libZyBase.so share share/ZyBase ${manifest})
+file(READ ${WORK_DIR}/loaded loaded)
+if(NOT loaded STREQUAL "1")
+    message(FATAL_ERROR "The library that applications have loaded was overwritten")
+endif()
 
 # The linker's cache is refreshed if the installation did that.
 if(EXISTS ${WORK_DIR}/ldconfig.log)
