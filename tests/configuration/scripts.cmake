@@ -60,7 +60,7 @@ expect_failure_with("installing packages needs root. Run:\n    sudo apt-get inst
 expect_failure_with(" libquazip5-dev ")
 execute_process(COMMAND ${ENV_COMMAND} PATH=${WORK_DIR}/user:${WORK_DIR}/bin ${BASH} ${script} build
     RESULT_VARIABLE RESULT OUTPUT_VARIABLE OUTPUT ERROR_VARIABLE OUTPUT INPUT_FILE /dev/null)
-expect_failure_with("Run:\n    su -c \"apt-get install --no-install-recommends cmake g++ ")
+expect_failure_with("Run:\n    su -c 'apt-get install --no-install-recommends cmake g++ ")
 
 # Of several alternatives, the first one in the distribution is installed.
 file(REMOVE ${WORK_DIR}/old.log)
