@@ -133,6 +133,17 @@ foreach(text "started: --folder ${demo}/local-services ${demo}/examples/tour/tou
     endif()
 endforeach()
 
+# The demo names the gallery only if there is a display.
+foreach(display "" ":1")
+    set(ENV{DISPLAY} "${display}")
+    unset(ENV{WAYLAND_DISPLAY})
+    run_script(good demo)
+    string(FIND "${OUTPUT}" "examples/gallery/gallery" position)
+    if((position EQUAL -1 AND display) OR (NOT position EQUAL -1 AND NOT display))
+        message(FATAL_ERROR "With the display \"${display}\" the demo printed: ${OUTPUT}")
+    endif()
+endforeach()
+
 # CMake before 3.20 gets the preset's variables as options, with those of the presets that it inherits.
 run_script(older configure ci -DEXTRA=1)
 if(NOT OUTPUT MATCHES "^cmake -S . -B build/ci -G Ninja .*-DZYBASE_WARNINGS_AS_ERRORS=ON .*-DEXTRA=1\n$"
