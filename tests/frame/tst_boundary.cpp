@@ -209,7 +209,10 @@ private Q_SLOTS:
         QVERIFY(importedSymbols(file).contains(QStringLiteral("__fprintf_chk")));
     }
 
-    void startsFunctionsWithJumpTarget_data() { addSharedObjects(); }
+    void startsFunctionsWithJumpTarget_data()
+    {
+        addSharedObjects();
+    }
     void startsFunctionsWithJumpTarget()
     {
         QFETCH(QString, file);
