@@ -68,6 +68,28 @@ QStringList captured(const QString &text, const QString &pattern)
     return found;
 }
 
+QString programHeader(const QString &file, const QString &type)
+{
+    const QStringList headers = output(QStringLiteral("readelf"), {QStringLiteral("-lW"), file})
+                                    .split(QLatin1Char('\n'))
+                                    .filter(QRegularExpression(QStringLiteral("^ *%1 ").arg(type)));
+    return headers.value(0);
+}
+
+QString importedSymbols(const QString &file)
+{
+    return output(QStringLiteral("nm"), {QStringLiteral("-D"), QStringLiteral("--undefined-only"), file});
+}
+
+// Adds the column "file" with a row for each shared object of this tree.
+void addSharedObjects()
+{
+    QTest::addColumn<QString>("file");
+    QTest::newRow("libZyBase.so") << library;
+    if (qstrlen(LOG4QT_LIBRARY) > 0)
+        QTest::newRow("libZyLog4Qt.so") << QStringLiteral(LOG4QT_LIBRARY);
+}
+
 QList<const void *> *staticObjects = nullptr; // those constructed; not recorded if null
 
 } // namespace
@@ -193,6 +215,64 @@ private Q_SLOTS:
                          "((?:ZyBase::|LoggerObjectPrivate::|C(?:GoogleAnalytics|GaReport|XdReport)::).*)$"));
         QCOMPARE(slots, QStringList());
     }
+
+    void hasReadOnlyAddressesOfFunctions_data() { addSharedObjects(); }
+    void hasReadOnlyAddressesOfFunctions()
+    {
+        QFETCH(QString, file);
+        QVERIFY(programHeader(file, QStringLiteral("GNU_RELRO")).contains(QStringLiteral(" R ")));
+        const QString dynamic = output(QStringLiteral("readelf"), {QStringLiteral("-dW"), file});
+        QCOMPARE(captured(dynamic, QStringLiteral(R"(\(FLAGS_1\).*\b(NOW)\b)")),
+                 QStringList {QStringLiteral("NOW")});
+    }
+
+    void hasNoExecutableStack_data() { addSharedObjects(); }
+    void hasNoExecutableStack()
+    {
+        QFETCH(QString, file);
+        QVERIFY(programHeader(file, QStringLiteral("GNU_STACK")).contains(QStringLiteral(" RW ")));
+    }
+
+    void detectsOverwrittenStack_data() { addSharedObjects(); }
+    void detectsOverwrittenStack()
+    {
+        QFETCH(QString, file);
+        if (!ZYBASE_HAS_STACK_PROTECTOR)
+            QSKIP("the compiler has no stack protector");
+        QVERIFY(importedSymbols(file).contains(QStringLiteral("__stack_chk_fail")));
+    }
+
+    void checksSizesOfBuffers_data() { addSharedObjects(); }
+    void checksSizesOfBuffers()
+    {
+        QFETCH(QString, file);
+#ifdef __clang__
+        QSKIP("Clang does not check the functions that the library calls");
+#endif
+        if (!ZYBASE_SETS_FORTIFY_SOURCE)
+            QSKIP("the build is not optimised, or its flags decide about the checks");
+        if (isInstrumented)
+            QSKIP("the sanitizers check buffers themselves");
+        QVERIFY(importedSymbols(file).contains(QStringLiteral("__fprintf_chk")));
+    }
+
+    void startsFunctionsWithJumpTarget_data()
+    {
+        addSharedObjects();
+    }
+    void startsFunctionsWithJumpTarget()
+    {
+        QFETCH(QString, file);
+        if (!ZYBASE_HAS_CF_PROTECTION)
+            QSKIP("the compiler cannot protect jumps on this processor");
+        const QString code = output(QStringLiteral("objdump"), {QStringLiteral("-d"), file});
+        const QStringList marked = captured(code, QStringLiteral("^([0-9a-f]+) <.*>:\\n.*\\tendbr"));
+        const QString symbols =
+            output(QStringLiteral("nm"), {QStringLiteral("-D"), QStringLiteral("--defined-only"), file});
+        const QStringList exported = captured(symbols, QStringLiteral("^([0-9a-f]+) T "));
+        QVERIFY(!exported.isEmpty());
+        for (const QString &address : exported)
+            QVERIFY2(marked.contains(address), qPrintable(address));
 
     void createsOnlyWordsOfStatisticsRecordsAtLoadTime()
     {

@@ -80,6 +80,7 @@ private Q_SLOTS:
         QTest::newRow("error") << 182 << "ERROR";
         QTest::newRow("fatal") << 214 << "FATAL";
         QTest::newRow("off") << 255 << "OFF";
+        QTest::newRow("no level") << 100 << "NULL";
     }
     void returnsNumberAndNameOfLevel()
     {
@@ -215,6 +216,15 @@ private Q_SLOTS:
         root->warn(text());
         QCOMPARE(limited->lines(), QStringList {QStringLiteral("WARN x")});
         QCOMPARE(unlimited->lines().size(), 2);
+    }
+
+    void comparesLevelWithThreshold()
+    {
+        CollectingAppender appender;
+        appender.setThreshold(Level(Level::WARN_INT));
+        QVERIFY(!appender.isAsSevereAsThreshold(Level(Level::INFO_INT)));
+        QVERIFY(appender.isAsSevereAsThreshold(Level(Level::WARN_INT)));
+        QVERIFY(appender.isAsSevereAsThreshold(Level(Level::ERROR_INT)));
     }
 
     void passesEventToParents()
