@@ -216,7 +216,10 @@ private Q_SLOTS:
         QCOMPARE(slots, QStringList());
     }
 
-    void hasReadOnlyAddressesOfFunctions_data() { addSharedObjects(); }
+    void hasReadOnlyAddressesOfFunctions_data()
+    {
+        addSharedObjects();
+    }
     void hasReadOnlyAddressesOfFunctions()
     {
         QFETCH(QString, file);
@@ -226,14 +229,20 @@ private Q_SLOTS:
                  QStringList {QStringLiteral("NOW")});
     }
 
-    void hasNoExecutableStack_data() { addSharedObjects(); }
+    void hasNoExecutableStack_data()
+    {
+        addSharedObjects();
+    }
     void hasNoExecutableStack()
     {
         QFETCH(QString, file);
         QVERIFY(programHeader(file, QStringLiteral("GNU_STACK")).contains(QStringLiteral(" RW ")));
     }
 
-    void detectsOverwrittenStack_data() { addSharedObjects(); }
+    void detectsOverwrittenStack_data()
+    {
+        addSharedObjects();
+    }
     void detectsOverwrittenStack()
     {
         QFETCH(QString, file);
@@ -242,7 +251,10 @@ private Q_SLOTS:
         QVERIFY(importedSymbols(file).contains(QStringLiteral("__stack_chk_fail")));
     }
 
-    void checksSizesOfBuffers_data() { addSharedObjects(); }
+    void checksSizesOfBuffers_data()
+    {
+        addSharedObjects();
+    }
     void checksSizesOfBuffers()
     {
         QFETCH(QString, file);
@@ -273,6 +285,7 @@ private Q_SLOTS:
         QVERIFY(!exported.isEmpty());
         for (const QString &address : exported)
             QVERIFY2(marked.contains(address), qPrintable(address));
+    }
 
     void createsOnlyWordsOfStatisticsRecordsAtLoadTime()
     {
