@@ -1,4 +1,4 @@
-// SPDX-License-Identifier: LGPL-2.1-or-later
+// SPDX-License-Identifier: 0BSD
 
 // A first application: it logs, downloads a file, and sends usage reports if the user has agreed.
 //
@@ -110,7 +110,7 @@ int main(int argc, char **argv)
     int exitCode = 0;
     {
         const QCoreApplication application(argc, argv);
-        QCoreApplication::setOrganizationName(QStringLiteral("Example"));
+        QCoreApplication::setOrganizationName(QStringLiteral("example"));
         QCoreApplication::setApplicationName(QStringLiteral("firsthost"));
         exitCode = runApplication();
     }

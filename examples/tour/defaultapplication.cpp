@@ -1,4 +1,4 @@
-// SPDX-License-Identifier: LGPL-2.1-or-later
+// SPDX-License-Identifier: 0BSD
 
 #include "services.h"
 
@@ -21,7 +21,7 @@ bool install(const QDir &applications, const QString &application)
 {
     QFile file(applications.filePath(application + QStringLiteral(".desktop")));
     return file.open(QIODevice::WriteOnly)
-           && file.write("[Desktop Entry]\nType=Application\nName=Reader\nExec=true %f\n"
+           && file.write("[Desktop Entry]\nType=Application\nName=Reader\nExec=/bin/true %f\n"
                          "MimeType=application/pdf;\n")
                   > 0;
 }

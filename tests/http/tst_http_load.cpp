@@ -16,7 +16,8 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr bool isSanitized = ZYBASE_SANITIZED != 0;
-constexpr int parallelRequests = isSanitized ? 40 : 200;
+// Each request has threads, whose stacks fill the address space of a 32-bit process.
+constexpr int parallelRequests = isSanitized || sizeof(void *) == 4 ? 40 : 200;
 constexpr int sequentialRequests = isSanitized ? 300 : 5000;
 constexpr int warmUpRequests = isSanitized ? 50 : 500;
 constexpr qint64 mebibyte = 1024 * 1024;

@@ -439,8 +439,9 @@ private Q_SLOTS:
 
     void returnsNameOrAddressOfThread()
     {
+        constexpr int digits = 2 * sizeof(void *);
         const QString address =
-            QStringLiteral("0x%1").arg(quintptr(QThread::currentThread()), 16, 16, QLatin1Char('0'));
+            QStringLiteral("0x%1").arg(quintptr(QThread::currentThread()), digits, 16, QLatin1Char('0'));
         QCOMPARE(LoggingEvent(nullptr, Level(), text()).threadName(), address);
         QThread::currentThread()->setObjectName(QStringLiteral("main"));
         QCOMPARE(LoggingEvent(nullptr, Level(), text()).threadName(), QStringLiteral("main"));

@@ -1,4 +1,4 @@
-// SPDX-License-Identifier: LGPL-2.1-or-later
+// SPDX-License-Identifier: 0BSD
 //
 // Shows the log's warnings with an appender of the application, beside a plug-in that loads another log4qt.
 //

@@ -1,4 +1,4 @@
-// SPDX-License-Identifier: LGPL-2.1-or-later
+// SPDX-License-Identifier: 0BSD
 
 // Sends usage reports, but only while the user allows it.
 //
@@ -57,7 +57,7 @@ void readCommands(UsageReports &reports)
 int run(int argc, char **argv)
 {
     QCoreApplication application(argc, argv);
-    QCoreApplication::setOrganizationName(QStringLiteral("Example"));
+    QCoreApplication::setOrganizationName(QStringLiteral("example"));
     QCoreApplication::setApplicationName(QStringLiteral("consent"));
     const DevelopmentServices services = useDevelopmentServices();
 

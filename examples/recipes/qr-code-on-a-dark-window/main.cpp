@@ -1,4 +1,4 @@
-// SPDX-License-Identifier: LGPL-2.1-or-later
+// SPDX-License-Identifier: 0BSD
 //
 // Draws a dark window with a readable QR code to an image file.
 //

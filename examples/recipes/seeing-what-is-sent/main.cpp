@@ -1,4 +1,4 @@
-// SPDX-License-Identifier: LGPL-2.1-or-later
+// SPDX-License-Identifier: 0BSD
 
 // Sends an event and a record to the local services, and prints the address of their web page.
 //

@@ -1,4 +1,4 @@
-// SPDX-License-Identifier: LGPL-2.1-or-later
+// SPDX-License-Identifier: 0BSD
 
 // Sends a request and prints a message for the user: the server can't be reached, or this machine has no TLS.
 //

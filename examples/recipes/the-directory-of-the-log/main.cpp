@@ -1,4 +1,4 @@
-// SPDX-License-Identifier: LGPL-2.1-or-later
+// SPDX-License-Identifier: 0BSD
 //
 // Opens a log in the user's data directory, or prints why there is none.
 //

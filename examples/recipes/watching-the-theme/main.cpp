@@ -1,4 +1,4 @@
-// SPDX-License-Identifier: LGPL-2.1-or-later
+// SPDX-License-Identifier: 0BSD
 //
 // Prints "dark" or "light" now and after each change of the desktop's theme. Press Enter to quit.
 //
