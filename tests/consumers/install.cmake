@@ -13,8 +13,8 @@ file(RENAME ${WORK_DIR}/stage/opt/zybase ${PREFIX})
 # The public headers are installed, and no private header.
 file(GLOB_RECURSE headers RELATIVE ${SOURCE_DIR} ${SOURCE_DIR}/ZyBase/*.h)
 list(REMOVE_ITEM headers
-    ZyBase/analytics/SigningSecret.h ZyBase/http/Exchange.h ZyBase/netinfo/Services.h
-    ZyBase/platform/ChildProcess.h)
+    ZyBase/analytics/SigningSecret.h ZyBase/base/DateFormatting.h ZyBase/http/Exchange.h
+    ZyBase/netinfo/Services.h ZyBase/platform/ChildProcess.h)
 list(APPEND headers ZyBase/base/ZyBaseVersion.h)
 file(GLOB_RECURSE installed RELATIVE ${PREFIX}/include ${PREFIX}/include/ZyBase/*)
 list(SORT headers)
