@@ -30,21 +30,55 @@ function(zybase_compile target)
         target_compile_options(${target} PRIVATE -fsanitize=${ZYBASE_SANITIZE} -fno-omit-frame-pointer)
         target_link_options(${target} PRIVATE -fsanitize=${ZYBASE_SANITIZE})
     endif()
-    if(ZYBASE_COVERAGE)
-        target_compile_options(${target} PRIVATE --coverage)
-        target_link_options(${target} PRIVATE --coverage)
+endfunction()
+
+# Protects the stack and, on x86, indirect jumps and returns. The loader makes the addresses of functions
+# read-only before the program starts. Optimised builds check the sizes of buffers.
+include(CheckCXXCompilerFlag)
+check_cxx_compiler_flag(-fstack-protector-strong ZYBASE_HAS_STACK_PROTECTOR)
+check_cxx_compiler_flag(-fcf-protection ZYBASE_HAS_CF_PROTECTION)
+
+# False without optimisation, and if the compiler or CXXFLAGS define the macro. Both depend on flags that can
+# change, so each configuration checks it again.
+include(CheckCXXSourceCompiles)
+string(TOUPPER "CMAKE_CXX_FLAGS_${CMAKE_BUILD_TYPE}" flags_of_build_type)
+set(CMAKE_REQUIRED_FLAGS "${${flags_of_build_type}}")
+set(CMAKE_REQUIRED_QUIET ON)
+unset(ZYBASE_SETS_FORTIFY_SOURCE CACHE)
+check_cxx_source_compiles("
+#if defined _FORTIFY_SOURCE || !defined __OPTIMIZE__
+#error
+#endif
+int main() { return 0; }" ZYBASE_SETS_FORTIFY_SOURCE)
+unset(CMAKE_REQUIRED_FLAGS)
+unset(CMAKE_REQUIRED_QUIET)
+
+function(zybase_harden target)
+    target_compile_options(${target} PRIVATE
+        $<$<BOOL:${ZYBASE_HAS_STACK_PROTECTOR}>:-fstack-protector-strong>
+        $<$<BOOL:${ZYBASE_HAS_CF_PROTECTION}>:-fcf-protection>)
+    if(ZYBASE_SETS_FORTIFY_SOURCE AND NOT ZYBASE_SANITIZE)
+        target_compile_definitions(${target} PRIVATE _FORTIFY_SOURCE=2)
     endif()
+    target_link_options(${target} PRIVATE -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
 endfunction()
 
 # A shared object that applications ship with their program. The SONAME is the plain file name, internal calls
 # are bound at link time, and other libraries are searched for in its own directory.
 function(zybase_shared_object target)
     zybase_compile(${target})
+    zybase_harden(${target})
     target_compile_options(${target} PRIVATE -fno-semantic-interposition)
     target_link_options(${target} PRIVATE -Wl,-Bsymbolic-functions -Wl,-z,defs)
     if(ZYBASE_SANITIZE)
         # The program defines the symbols of the sanitizers.
         target_link_options(${target} PRIVATE -Wl,-z,undefs)
+    endif()
+    if(ZYBASE_COVERAGE)
+        # Several threads count the same lines. The library handles no exceptions, and the code that the
+        # compiler generates for them has branches that no test can reach.
+        target_compile_options(${target} PRIVATE --coverage -fprofile-update=atomic -fno-exceptions)
+        target_link_options(${target} PRIVATE --coverage)
     endif()
     set_target_properties(${target} PROPERTIES
         LIBRARY_OUTPUT_DIRECTORY "${ZYBASE_LIBRARY_DIR}"

@@ -46,7 +46,8 @@ struct HttpResponse
  * Reads one request from the connection.
  *
  * @param received if not null, set to the bytes of the request as received
- * @return the request, or nothing if the connection ends first or its bytes are not HTTP
+ * @return the request, or nothing if the connection ends first, its bytes are not HTTP, or its body is larger
+ * than 1 GiB
  */
 std::optional<HttpRequest> readRequest(Connection &connection, QByteArray *received = nullptr);
 

@@ -100,7 +100,7 @@ void answerCut(Connection &connection, const HttpRequest &request, int size)
 void answerChunked(Connection &connection, const HttpRequest &request, int size)
 {
     bool isOpen = beginChunks(connection, request, {{contentType, plainBytes}});
-    for (int offset = 0; isOpen && offset < size; offset += int(pieceSizeBytes))
+    for (qint64 offset = 0; isOpen && offset < size; offset += pieceSizeBytes)
         isOpen = writeChunk(connection, piece(offset, size - offset));
     if (isOpen)
         writeChunk(connection, {});
@@ -151,7 +151,7 @@ void HttpServer::handle(Connection &connection)
         writeResponse(connection, *request, answer(*request));
     } else if (const BuiltIn function = builtIn(segments.value(1))) {
         record(*request);
-        function(connection, *request, segments.value(2).toInt());
+        function(connection, *request, qMax(0, segments.value(2).toInt()));
     } else {
         writeResponse(connection, *request, {HttpStatus::NotFound, {}});
     }

@@ -27,6 +27,7 @@ namespace LocalServices {
  * | /bytes/N?rate=R         | N bytes, at R bytes per second or, without a rate, at full speed    |
  *
  * "/anything" may follow each path, to set the file name of a download. The N bytes are those of content().
+ * A missing or negative N is 0.
  * Other paths are answered with status 404. The connection is closed after each response.
  */
 class HttpServer

@@ -2,6 +2,7 @@
 
 #include "CXdReport.h"
 
+#include "../base/DateFormatting.h"
 #include "../http/CHttpPostRequest.h"
 #include "../platform/CSystemUtils.h"
 #include "SigningSecret.h"
@@ -75,6 +76,7 @@ void CXdReport::ReportXdData(const QString &action, const QString &status)
     connect(pRequest, &CHttpPostRequest::SignalRequestResult, this, remove);
     connect(this, SIGNAL(SignalStopRequest()), pRequest, SIGNAL(SignalStopRequest()));
 
+    ZyBase::prepareDateFormatting();
     const QDateTime day = QDateTime::currentDateTime();
     const QString strTimestamp = QString::number(QDateTime::currentDateTime().toSecsSinceEpoch());
     const QJsonObject record {{QStringLiteral("action"), action},

@@ -2,6 +2,8 @@
 
 #include "CFileUtils.h"
 
+#include "../base/DateFormatting.h"
+
 #include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
@@ -18,20 +20,6 @@ constexpr const char *pszUnits[] = {"B", "KB", "MB", "GB", "TB"};
 constexpr int nLastUnit = 4;
 constexpr double dUnitBase = 1024.0;
 constexpr double dPerUnit = 1.0 / dUnitBase;
-
-QString dateFormat()
-{
-    return QStringLiteral("MM/dd/yyyy");
-}
-
-// Called once, as the initialiser of a static. Qt loads the system's locale when a date is first formatted,
-// which is not thread-safe. Formatting one here loads it before a second thread can need it.
-QDate todayWithLocaleLoaded()
-{
-    const QDate today = QDate::currentDate();
-    today.toString(dateFormat());
-    return today;
-}
 
 } // namespace
 
@@ -52,11 +40,12 @@ bool CFileUtils::CheckFilePathValid(const QString &strFilePath)
 
 QString CFileUtils::FormatOpenTime(long long nSeconds)
 {
-    static const QDate today = todayWithLocaleLoaded();
+    static const QDate today = QDate::currentDate();
+    prepareDateFormatting();
     const QDateTime dateTime = QDateTime::fromSecsSinceEpoch(nSeconds, Qt::LocalTime);
     if (dateTime.date() == today)
         return dateTime.toString(QStringLiteral("HH:mm:ss"));
-    return dateTime.toString(dateFormat());
+    return dateTime.toString(QStringLiteral("MM/dd/yyyy"));
 }
 
 QString CFileUtils::FormatFileSize(long long nSize)

@@ -23,8 +23,9 @@ namespace ZyBase {
  * @endcode
  *
  * The whole file is read into memory. Qt's limits apply: at most 1024 levels of nesting, numbers are doubles,
- * and files of 2 GiB or more cannot be read. Relative paths are relative to the current directory of the
- * process.
+ * and files of 2 GiB or more cannot be read. A byte order mark (U+FEFF) at the start of a string is lost when
+ * the string is saved and read again. If a key occurs twice, the last value is used, and Qt never frees a
+ * replaced array or object. Relative paths are relative to the current directory of the process.
  *
  * **Threads.** All functions are thread-safe. The files themselves are not protected; see SaveJsonFile().
  *

@@ -58,6 +58,8 @@ namespace ZyBase {
  *   refused connection, an unknown server, a TLS failure and an invalid URL.
  * - A request with an HTTP answer ends with its body and its status, whatever the status. An HTTP 500 has
  *   the status 500.
+ * - Qt can miss the end of a connection between two chunks of an answer. Such a request ends at the time
+ *   limit.
  *
  * Check the data before you use it.
  *

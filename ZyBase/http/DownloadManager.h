@@ -41,7 +41,8 @@ namespace ZyBase {
  * signals.
  *
  * **Blocking.** No function blocks on the network. Data is written to the disk in this thread. There is no
- * timeout: if a server stops sending, the download stays open until StopDownload().
+ * timeout: if a server stops sending, the download stays open until StopDownload(). The same applies if the
+ * connection ends between two chunks of an answer, because Qt can miss that.
  *
  * **Failures.** StartDownload() returns false, or signalDownloadFinished() reports false. The start and the
  * end of a download are also printed to the standard output and error streams.

@@ -93,8 +93,9 @@ public:
      * from the time, the last write wins, and the other callers have a value that is not the stored one.
      *
      * **Blocking.** Reads one small file. The first call also writes it, and waits while another process
-     * holds the lock file "device.conf.lock": up to about 32 seconds, after which Qt ignores the lock. To
-     * keep the window responsive, make the first call in another thread.
+     * holds the lock file "device.conf.lock": up to about 32 seconds, after which Qt ignores the lock. A lock
+     * file that cannot be deleted counts as held, and so does an empty one, which a process leaves that is
+     * killed while it creates the file. To keep the window responsive, make the first call in another thread.
      *
      * @warning No separator is inserted between the arguments: "example" and "reader" are the directory
      * "examplereader". For two directory levels, end @p dirPrefix with a slash.

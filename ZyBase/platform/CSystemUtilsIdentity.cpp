@@ -2,6 +2,7 @@
 
 #include "CSystemUtils.h"
 
+#include "../base/DateFormatting.h"
 #include "COperateSystem.h"
 
 #include <QCryptographicHash>
@@ -41,18 +42,11 @@ void storeValue(const QString &strPath, const QString &strKey, const QVariant &v
     settings.setValue(strKey, value);
 }
 
-QString currentTime()
-{
-    return QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss.zzz"));
-}
-
-// Qt's first formatting of a date is not thread-safe: the string can be empty in other threads. The
-// initialiser of the static, which only one thread runs, formats a date before any other thread does.
 QString timeAndRandomNumber()
 {
-    static const bool bCanFormat = !currentTime().isEmpty();
-    Q_UNUSED(bCanFormat)
-    return currentTime() + QString::number(CSystemUtils::GetRandomNum(nFirstSuffix, nEndOfSuffixes));
+    prepareDateFormatting();
+    return QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss.zzz"))
+           + QString::number(CSystemUtils::GetRandomNum(nFirstSuffix, nEndOfSuffixes));
 }
 
 // Returns the most reliable string that identifies this machine. Never empty.

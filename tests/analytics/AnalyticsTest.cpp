@@ -4,6 +4,8 @@
 
 #include "Utf8.h"
 
+#include <ZyBase/base/LoggerObjectPrivate.h>
+
 #include <QMetaMethod>
 #include <QNetworkProxy>
 
@@ -43,6 +45,7 @@ void AnalyticsTest::cleanup()
 {
     m_network.reset();
     QCOMPARE(OutputCapture::take(m_output), QString());
+    QVERIFY(!LoggerObjectPrivate::s_pLogger); // the log is not used
 }
 
 bool sendSync(CGoogleAnalytics &analytics, const Event &event)

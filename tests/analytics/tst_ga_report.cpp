@@ -3,6 +3,7 @@
 #include "ReporterTest.h"
 
 #include "HostProcess.h"
+#include "Waiting.h"
 
 #include <ZyBase/analytics/CGaReport.h>
 
@@ -60,7 +61,7 @@ private Q_SLOTS:
         Reporter reporter;
         reporter.InitData(clientId, measurementId, apiSecret);
         report(reporter, sync);
-        QTRY_COMPARE(reporter.running(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(reporter.running(), 0, longestWaitMs);
         QCOMPARE(received().size(), 1);
         const GaCollector::Event event = received().first();
         QCOMPARE(event.problems, QStringList());
@@ -79,7 +80,7 @@ private Q_SLOTS:
         QFETCH(bool, sync);
         Reporter reporter;
         report(reporter, sync);
-        QTRY_COMPARE(reporter.running(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(reporter.running(), 0, longestWaitMs);
         QCOMPARE(received().size(), 1);
         QCOMPARE(received().first().request.target, QByteArray("/mp/collect?measurement_id=&api_secret="));
         QCOMPARE(received().first().body.value(QStringLiteral("client_id")), QJsonValue(QString()));
@@ -127,7 +128,7 @@ private Q_SLOTS:
         routeEvents(server.url());
         Reporter reporter;
         report(reporter, false);
-        QTRY_COMPARE(server.requests().size(), 1);
+        QTRY_COMPARE_WITH_TIMEOUT(server.requests().size(), 1, longestWaitMs);
         int stops = 0;
         const QObject listener;
         auto *const request = qobject_cast<CGoogleAnalytics *>(reporter.children().value(0));
@@ -146,7 +147,7 @@ private Q_SLOTS:
         Reporter reporter;
         reporter.StopReport();
         report(reporter, sync);
-        QTRY_COMPARE(reporter.running(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(reporter.running(), 0, longestWaitMs);
         QCOMPARE(received().size(), 1);
     }
 
@@ -176,7 +177,7 @@ private Q_SLOTS:
         report(reporter, false);
         reporter.InitData(clientId, QStringLiteral("second"), apiSecret);
         report(reporter, false);
-        QTRY_COMPARE(reporter.running(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(reporter.running(), 0, longestWaitMs);
         QList<QByteArray> targets {received().value(0).request.target, received().value(1).request.target};
         std::sort(targets.begin(), targets.end());
         QCOMPARE(targets, QList<QByteArray>({"/mp/collect?measurement_id=first&api_secret=secret",

@@ -6,6 +6,7 @@
 #include "Utf8.h"
 #include "Waiting.h"
 
+#include <QMetaMethod>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QSslConfiguration>
@@ -182,7 +183,7 @@ private Q_SLOTS:
         QNetworkRequest plain(QUrl(QStringLiteral("https://www.google-analytics.com/mp/collect")));
         plain.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
         const std::unique_ptr<QNetworkReply> reply(manager.post(plain, request.body));
-        QTRY_VERIFY(reply->isFinished());
+        QTRY_VERIFY_WITH_TIMEOUT(reply->isFinished(), longestWaitMs);
         QCOMPARE(request.headers, network().collector().events().last().request.headers);
     }
 
@@ -310,14 +311,23 @@ private Q_SLOTS:
         QCOMPARE(clients.size(), 20);
     }
 
+    void emitsResultInWorkerThread()
+    {
+        WatchedEvent watched;
+        watched.start();
+        QVERIFY(watched.waitForAll());
+        QCOMPARE(watched.outcomes(), QList<Outcome> {resultOf("")});
+        QVERIFY(watched.areEmittedInWorkers());
+    }
+
     void endsThreadAfterOutcome()
     {
         send(Mode::Async); // Qt starts its own threads at the first request
-        QTRY_COMPARE(network().openConnections(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(network().openConnections(), 0, longestWaitMs);
         const int before = ProcessFigures::threadCount();
         for (int i = 0; i < 10; ++i)
             QCOMPARE(send(Mode::Async), resultOf(""));
-        QTRY_VERIFY(ProcessFigures::threadCount() <= before);
+        QTRY_VERIFY_WITH_TIMEOUT(ProcessFigures::threadCount() <= before, longestWaitMs);
     }
 
     void disconnectsBeforeDestroyed()
@@ -343,6 +353,16 @@ private Q_SLOTS:
                  QStringList({utf8("signal SignalRequestTimeout()"), utf8("signal SignalRequestCancel()"),
                               utf8("signal SignalStopRequest()"),
                               utf8("signal SignalRequestResult(QByteArray)")}));
+    }
+
+    // Applications can read them from the meta-object.
+    void keepsParameterNames()
+    {
+        const QMetaObject &meta = CGoogleAnalytics::staticMetaObject;
+        QList<QList<QByteArray>> names;
+        for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
+            names << meta.method(i).parameterNames();
+        QCOMPARE(names, QList<QList<QByteArray>>({{}, {}, {}, {"data"}}));
     }
 
     void hasEndpointAsOnlyField()

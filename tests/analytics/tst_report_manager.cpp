@@ -4,6 +4,7 @@
 
 #include "Files.h"
 #include "Utf8.h"
+#include "Waiting.h"
 
 #include <ZyBase/analytics/CGaReportManager.h>
 
@@ -95,7 +96,8 @@ private Q_SLOTS:
     void cleanup()
     {
         if (CGaReportManager::s_instance) {
-            QTRY_VERIFY((CGaReportManager::ReleaseReport(), runningEvents() + runningRecords() == 0));
+            QTRY_VERIFY_WITH_TIMEOUT(
+                (CGaReportManager::ReleaseReport(), runningEvents() + runningRecords() == 0), longestWaitMs);
             delete CGaReportManager::s_instance;
             CGaReportManager::s_instance = nullptr;
         }
@@ -172,7 +174,7 @@ private Q_SLOTS:
         QCOMPARE(runningEvents(), sync ? 0 : 1);
         if (sync)
             QCOMPARE(received().size(), 1);
-        QTRY_COMPARE(runningEvents(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(runningEvents(), 0, longestWaitMs);
         QCOMPARE(received(), QStringList {utf8("open_file/file/pdf")});
         const GaCollector::Event event = network().collector().events().first();
         QCOMPARE(event.problems, QStringList());
@@ -388,7 +390,7 @@ private Q_SLOTS:
                               utf8("1.2.3"), utf8("store"));
         manager()->SendXdReport(utf8("payment_completed"), utf8("none"));
         QCOMPARE(runningRecords(), 1);
-        QTRY_COMPARE(runningRecords(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(runningRecords(), 0, longestWaitMs);
         QCOMPARE(network().statistics().records().size(), 1);
         const Record record = network().statistics().records().first();
         QCOMPARE(record.problems, QStringList());
@@ -406,7 +408,7 @@ private Q_SLOTS:
     {
         manager()->SendXdReport(utf8("install"), utf8("start"));
         QCOMPARE(runningRecords(), 1);
-        QTRY_COMPARE(runningRecords(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(runningRecords(), 0, longestWaitMs);
     }
 
     void stopsEventsAndRecordsSeparately()
@@ -419,14 +421,14 @@ private Q_SLOTS:
             manager()->SendGaReport(utf8("open"), QString(), false);
             manager()->SendXdReport(utf8("crash"), utf8("end"));
         }
-        QTRY_COMPARE(silent.requests().size(), 6);
+        QTRY_COMPARE_WITH_TIMEOUT(silent.requests().size(), 6, longestWaitMs);
         manager()->StopGaReport();
-        QTRY_COMPARE_WITH_TIMEOUT(runningEvents(), 0, 5000);
+        QTRY_COMPARE_WITH_TIMEOUT(runningEvents(), 0, beforeTimeLimitMs);
         QCOMPARE(runningRecords(), 3);
         manager()->SendGaReport(utf8("open"), QString(), false);
-        QTRY_COMPARE(silent.requests().size(), 7);
+        QTRY_COMPARE_WITH_TIMEOUT(silent.requests().size(), 7, longestWaitMs);
         manager()->StopXdReport();
-        QTRY_COMPARE_WITH_TIMEOUT(runningRecords(), 0, 5000);
+        QTRY_COMPARE_WITH_TIMEOUT(runningRecords(), 0, beforeTimeLimitMs);
         QCOMPARE(runningEvents(), 1);
     }
 
@@ -439,20 +441,20 @@ private Q_SLOTS:
         instance->InitXdData(silent.url().toString(), {}, {}, {}, {});
         instance->SendGaReport(utf8("open"), QString(), false);
         instance->SendXdReport(utf8("crash"), utf8("end"));
-        QTRY_COMPARE(silent.requests().size(), 2);
+        QTRY_COMPARE_WITH_TIMEOUT(silent.requests().size(), 2, longestWaitMs);
         CGaReportManager::ReleaseReport();
         QCOMPARE(runningEvents(), 1); // requests end in the event loop
         QCOMPARE(runningRecords(), 1);
-        QTRY_COMPARE_WITH_TIMEOUT(runningEvents() + runningRecords(), 0, 5000);
+        QTRY_COMPARE_WITH_TIMEOUT(runningEvents() + runningRecords(), 0, beforeTimeLimitMs);
 
         QCOMPARE(CGaReportManager::s_instance, instance);
         QVERIFY(!instance->GetGaData(utf8("open")).isEmpty());
         routeEvents(network().collector().url());
         instance->SendGaReport(utf8("open"), QString(), false);
-        QTRY_COMPARE(runningEvents(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(runningEvents(), 0, longestWaitMs);
         QCOMPARE(received(), QStringList {utf8("open_file/file/pdf")});
         instance->SendXdReport(utf8("crash"), utf8("end"));
-        QTRY_COMPARE(silent.requests().size(), 3);
+        QTRY_COMPARE_WITH_TIMEOUT(silent.requests().size(), 3, longestWaitMs);
     }
 
     void stopsEventsBeforeRecordsOnRelease()
@@ -472,7 +474,7 @@ private Q_SLOTS:
         manager()->StopXdReport();
         loadTwoEvents();
         manager()->SendGaReport(utf8("open"), QString(), false);
-        QTRY_COMPARE(runningEvents(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(runningEvents(), 0, longestWaitMs);
         QCOMPARE(received().size(), 1);
     }
 };

@@ -6,8 +6,10 @@
 
 #include <ZyBase/analytics/CGaReport.h>
 #include <ZyBase/analytics/CXdReport.h>
+#include <ZyBase/http/CHttpPostRequest.h>
 
 #include <QElapsedTimer>
+#include <QPointer>
 
 #include <thread>
 
@@ -61,6 +63,8 @@ private:
     WatchedReporter<CXdReport> m_xdReporter;
     qint64 m_gaDurationMs = 0;
     qint64 m_xdDurationMs = 0;
+    QPointer<ZyBase::CHttpPostRequest> m_withoutReporter;
+    int m_withoutReporterTimeouts = 0;
 
 private Q_SLOTS:
     void initTestCase()
@@ -80,7 +84,7 @@ private Q_SLOTS:
                 return true;
             });
         });
-        QTRY_COMPARE(m_dripping.requests().size(), 2);
+        QTRY_COMPARE_WITH_TIMEOUT(m_dripping.requests().size(), 2, longestWaitMs);
         routeEvents(m_silent.url());
 
         QElapsedTimer clock;
@@ -95,6 +99,14 @@ private Q_SLOTS:
         m_xdReporter.InitData(m_silent.url().toString(), {}, {}, {}, {});
         for (int i = 0; i < 3; ++i)
             m_xdReporter.ReportXdData(QStringLiteral("a"), QStringLiteral("s"));
+        auto reporter = std::make_unique<CXdReport>();
+        reporter->InitData(m_silent.url().toString(), {}, {}, {}, {});
+        reporter->ReportXdData(QStringLiteral("a"), QStringLiteral("s"));
+        m_withoutReporter = reporter->findChild<ZyBase::CHttpPostRequest *>();
+        m_withoutReporter->setParent(nullptr);
+        connect(m_withoutReporter, &ZyBase::CHttpPostRequest::SignalRequestTimeout, this,
+                [this] { ++m_withoutReporterTimeouts; });
+        reporter.reset();
         QVERIFY(QTest::qWaitFor(
             [&] {
                 if (m_gaReporter.running() > 0)
@@ -102,7 +114,7 @@ private Q_SLOTS:
                 if (m_xdReporter.running() > 0)
                     m_xdDurationMs = clock.elapsed();
                 return m_gaReporter.running() + m_xdReporter.running() == 0 && m_event.outcomes().size() == 1
-                       && m_stoppedLate.outcomes().size() == 1;
+                       && m_stoppedLate.outcomes().size() == 1 && m_withoutReporterTimeouts == 1;
             },
             30000));
         first.join();
@@ -142,9 +154,17 @@ private Q_SLOTS:
         QVERIFY(m_xdReporter.areDeletedInOwnThread());
     }
 
+    // The functions that delete a request end with the reporter.
+    void deletesNoRequestAfterReporter()
+    {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(!m_withoutReporter.isNull());
+        delete m_withoutReporter;
+    }
+
     void writesNoMessages() { QCOMPARE(m_output.lines(), QStringList()); }
 
-    void closesConnections() { QTRY_COMPARE(m_network.openConnections(), 0); }
+    void closesConnections() { QTRY_COMPARE_WITH_TIMEOUT(m_network.openConnections(), 0, longestWaitMs); }
 };
 
 QTEST_GUILESS_MAIN(TestReportTimeLimit)

@@ -4,6 +4,7 @@
 
 #include "HostProcess.h"
 #include "Utf8.h"
+#include "Waiting.h"
 
 #include <ZyBase/analytics/CXdReport.h>
 #include <ZyBase/analytics/SigningSecret.h>
@@ -11,10 +12,14 @@
 
 #include <QCryptographicHash>
 #include <QDateTime>
+#include <QPointer>
 #include <QRegularExpression>
+
+#include <sys/time.h>
 
 #include <algorithm>
 #include <ctime>
+#include <utility>
 
 using LocalServices::StatisticsBackend;
 using ZyBase::CHttpPostRequest;
@@ -23,7 +28,21 @@ namespace {
 
 using Reporter = WatchedReporter<CXdReport>;
 
+thread_local int clockReadings = -1; // not counted if negative
+
 } // namespace
+
+// Called by Qt instead of the C library's function, because symbols of the program come first. While readings
+// are counted, each is a second later than the one before.
+extern "C" __attribute__((visibility("default"))) int gettimeofday(timeval *time, void *) noexcept
+{
+    timespec now {};
+    clock_gettime(CLOCK_REALTIME, &now);
+    *time = {now.tv_sec, now.tv_nsec / 1000};
+    if (clockReadings >= 0)
+        time->tv_sec += clockReadings++;
+    return 0;
+}
 
 class TestXdReport : public ReporterTest
 {
@@ -87,7 +106,7 @@ private Q_SLOTS:
         const StatisticsBackend other(QByteArray(32, 'x'));
         Reporter reporter;
         start(reporter, other.url());
-        QTRY_COMPARE(reporter.running(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(reporter.running(), 0, longestWaitMs);
         QCOMPARE(other.records().size(), 1);
         QCOMPARE(other.records().first().problems, QStringList {utf8("sign")});
     }
@@ -163,6 +182,23 @@ private Q_SLOTS:
         QVERIFY(day.mid(11).startsWith(QLatin1String("20:")) || day.mid(11).startsWith(QLatin1String("21:")));
     }
 
+    void readsClockForDayAndAgainForTimestamp()
+    {
+        Reporter reporter;
+        init(reporter, backend().url());
+        clockReadings = 0;
+        report(reporter);
+        const int readings = std::exchange(clockReadings, -1);
+        QTRY_COMPARE_WITH_TIMEOUT(backend().records().size(), 1, longestWaitMs);
+        if (readings == 0)
+            QSKIP("this Qt does not read the clock with gettimeofday()");
+        QCOMPARE(readings, 2);
+        const Record record = backend().records().first();
+        const QDateTime day = QDateTime::fromString(record.body.value(QStringLiteral("day")).toString(),
+                                                    QStringLiteral("yyyy-MM-dd hh:mm:ss"));
+        QVERIFY(record.timestamp > day.toSecsSinceEpoch());
+    }
+
     void sendsCurrentTimestamp()
     {
         const qint64 before = QDateTime::currentSecsSinceEpoch();
@@ -190,7 +226,7 @@ private Q_SLOTS:
         const QString address = server.url(QStringLiteral("/")).toString().chopped(1) + path;
         reporter.InitData(address, utf8("d"), utf8("p"), utf8("v"), utf8("q"));
         reporter.ReportXdData(utf8("a"), utf8("s"));
-        QTRY_COMPARE(reporter.running(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(reporter.running(), 0, longestWaitMs);
         QCOMPARE(server.requests().size(), 1);
         const QByteArray sent = server.requests().first().target;
         QVERIFY2(sent.startsWith(target), sent.constData());
@@ -202,7 +238,7 @@ private Q_SLOTS:
         const HttpServer server;
         Reporter reporter;
         start(reporter, server.url(QStringLiteral("/echo#part")));
-        QTRY_COMPARE(reporter.running(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(reporter.running(), 0, longestWaitMs);
         QCOMPARE(server.requests().size(), 1);
         QCOMPARE(server.requests().first().target, QByteArray("/echo"));
     }
@@ -211,7 +247,7 @@ private Q_SLOTS:
     {
         Reporter reporter;
         start(reporter, QUrl(backend().url().toString() + QStringLiteral("?app=1")));
-        QTRY_COMPARE(reporter.running(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(reporter.running(), 0, longestWaitMs);
         QCOMPARE(backend().records().size(), 1);
         QCOMPARE(backend().records().first().problems, QStringList());
     }
@@ -222,7 +258,7 @@ private Q_SLOTS:
                                        Authority::selfSigned(QStringLiteral("other")));
         Reporter reporter;
         start(reporter, secure.url());
-        QTRY_COMPARE(reporter.running(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(reporter.running(), 0, longestWaitMs);
         QCOMPARE(secure.records().size(), 1);
         QCOMPARE(secure.records().first().problems, QStringList());
     }
@@ -238,7 +274,7 @@ private Q_SLOTS:
         reporter.ReportXdData(utf8("a"), utf8("s"));
         QCOMPARE(reporter.started(), 1);
         QCOMPARE(reporter.running(), 1);
-        QTRY_COMPARE(reporter.running(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(reporter.running(), 0, longestWaitMs);
     }
 
     void sendsValuesSetAtStart()
@@ -249,7 +285,7 @@ private Q_SLOTS:
         reporter.ReportXdData(utf8("a"), utf8("s"));
         reporter.InitData(url, utf8("d2"), utf8("p2"), utf8("v2"), utf8("q2"));
         reporter.ReportXdData(utf8("a"), utf8("s"));
-        QTRY_COMPARE(reporter.running(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(reporter.running(), 0, longestWaitMs);
         QList<QByteArray> bodies;
         const QList<Record> records = backend().records();
         for (const Record &record : records)
@@ -275,7 +311,7 @@ private Q_SLOTS:
         for (int attempt = 0; attempt < 5; ++attempt) {
             reporter.ReportXdData(utf8("a"), utf8("s"));
             reporter.ReportXdData(utf8("a"), utf8("s"));
-            QTRY_COMPARE(reporter.running(), 0);
+            QTRY_COMPARE_WITH_TIMEOUT(reporter.running(), 0, longestWaitMs);
             two = backend().records().mid(2 * attempt);
             QCOMPARE(two.size(), 2);
             if (two.at(0).request.target == two.at(1).request.target)
@@ -291,7 +327,36 @@ private Q_SLOTS:
         Reporter reporter;
         start(reporter, closedPortUrl());
         QCOMPARE(reporter.running(), 1);
-        QTRY_COMPARE(reporter.running(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(reporter.running(), 0, longestWaitMs);
+    }
+
+    // The functions that delete a request end with the reporter.
+    void deletesNoRequestAfterReporter_data()
+    {
+        QTest::addColumn<bool>("isStopped");
+        QTest::newRow("result") << false;
+        QTest::newRow("cancelled") << true;
+    }
+    void deletesNoRequestAfterReporter()
+    {
+        QFETCH(bool, isStopped);
+        const SlowServer slow;
+        const SilentServer silent;
+        auto reporter = std::make_unique<CXdReport>();
+        start(*reporter, isStopped ? silent.url() : slow.url());
+        const QPointer<CHttpPostRequest> request = reporter->findChild<CHttpPostRequest *>();
+        QVERIFY(!request.isNull());
+        int outcomes = 0;
+        const auto count = [&outcomes] { ++outcomes; };
+        connect(request, &CHttpPostRequest::SignalRequestResult, this, count);
+        connect(request, &CHttpPostRequest::SignalRequestCancel, this, count);
+        request->setParent(nullptr);
+        reporter.reset();
+        QTRY_VERIFY_WITH_TIMEOUT((isStopped ? Q_EMIT request->SignalStopRequest() : void(), outcomes == 1),
+                                 longestWaitMs);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(!request.isNull());
+        delete request;
     }
 
     void stopsRequestsBeforeReturning()

@@ -2,6 +2,8 @@
 
 #include "FilesTest.h"
 
+#include <ZyBase/base/LoggerObjectPrivate.h>
+
 #include <QDir>
 
 QStringList FilesTest::entries() const
@@ -22,11 +24,16 @@ void FilesTest::init()
 {
     m_directory = std::make_unique<QTemporaryDir>();
     m_messages = std::make_unique<MessageCapture>();
+    m_standardError = std::make_unique<StandardErrorCapture>();
 }
 
 void FilesTest::cleanup()
 {
+    const QStringList printed = m_standardError->lines();
+    m_standardError.reset();
     m_messages.reset();
     m_user.reset();
     m_directory.reset();
+    QCOMPARE(printed, QStringList());
+    QVERIFY(!LoggerObjectPrivate::s_pLogger); // the log is not used
 }

@@ -5,6 +5,7 @@
 #include "EightThreads.h"
 #include "MessageCapture.h"
 #include "OrdinaryUser.h"
+#include "StandardErrorCapture.h"
 #include "Utf8.h"
 
 #include <QObject>
@@ -13,7 +14,10 @@
 
 #include <memory>
 
-/** Base of the tests of files: each function has its own temporary directory and keeps all Qt messages. */
+/**
+ * Base of the tests of files. Each function has its own temporary directory, keeps all Qt messages, and fails
+ * if the process writes anything else to its standard error stream.
+ */
 class FilesTest : public QObject
 {
     Q_OBJECT
@@ -46,4 +50,5 @@ private:
     std::unique_ptr<OrdinaryUser> m_user;
     std::unique_ptr<QTemporaryDir> m_directory;
     std::unique_ptr<MessageCapture> m_messages;
+    std::unique_ptr<StandardErrorCapture> m_standardError;
 };

@@ -188,6 +188,17 @@ private Q_SLOTS:
         QCOMPARE(entries(), QStringList({utf8("file"), utf8("second")}));
     }
 
+    void writesFileThatCannotBeRead()
+    {
+        if (!becomeOrdinaryUser())
+            QSKIP("permission checks do not apply to root");
+        QVERIFY(writeFile(path("file"), "old content"));
+        QVERIFY(setMode(path("file"), 0200));
+        CFileUtils::WriteFileData(path("file"), utf8("new"));
+        QVERIFY(setMode(path("file"), 0600));
+        QCOMPARE(readFile(path("file")), QByteArray("new"));
+    }
+
     void ignoresFileThatCannotBeWritten_data()
     {
         QTest::addColumn<QString>("name");

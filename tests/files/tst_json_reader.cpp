@@ -237,6 +237,17 @@ private Q_SLOTS:
         QCOMPARE(messages().size(), 0);
     }
 
+    void writesFileThatCannotBeRead()
+    {
+        if (!becomeOrdinaryUser())
+            QSKIP("permission checks do not apply to root");
+        QVERIFY(writeFile(jsonFile(), "{\"old\": true}"));
+        QVERIFY(QFile::setPermissions(jsonFile(), QFile::WriteOwner));
+        CJsonReader::SaveJsonFile(jsonFile(), {{key, 1}});
+        QVERIFY(QFile::setPermissions(jsonFile(), QFile::ReadOwner));
+        QCOMPARE(CJsonReader::ParseJsonFileToObject(jsonFile()), QJsonObject({{key, 1}}));
+    }
+
     void writesIndentedUtf8()
     {
         CJsonReader::SaveJsonFile(

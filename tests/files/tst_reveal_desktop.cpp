@@ -2,6 +2,7 @@
 
 #include <ZyBase/files/CFileUtils.h>
 
+#include "ChildProcess.h"
 #include "Files.h"
 #include "MessageCapture.h"
 #include "RecordedPrograms.h"
@@ -12,12 +13,13 @@
 #include <QGuiApplication>
 #include <QImage>
 #include <QPixmap>
-#include <QProcess>
 #include <QScreen>
 #include <QSet>
 #include <QStandardPaths>
 #include <QTest>
 #include <QUrl>
+
+#include <optional>
 
 using ZyBase::CFileUtils;
 
@@ -48,29 +50,21 @@ public:
 
     bool start() { return m_display.start() && startBus(); }
 
-    ~Desktop()
-    {
-        m_bus.terminate();
-        m_bus.waitForFinished(timeoutMs);
-    }
-
 private:
     bool startBus()
     {
-        m_bus.setStandardErrorFile(QProcess::nullDevice());
-        m_bus.start(QStringLiteral("dbus-daemon"), {QStringLiteral("--session"), QStringLiteral("--nofork"),
-                                                    QStringLiteral("--print-address")});
-        while (!m_bus.canReadLine()) {
-            if (!m_bus.waitForReadyRead(timeoutMs))
-                return false;
-        }
-        qputenv("DBUS_SESSION_BUS_ADDRESS", m_bus.readLine().trimmed());
+        // Created here, because it starts programs with the environment of this moment.
+        m_bus.emplace(QStringList {QStringLiteral("dbus-daemon"), QStringLiteral("--session"),
+                                   QStringLiteral("--nofork"), QStringLiteral("--print-address")});
+        if (!m_bus->start() || !m_bus->waitForLine(timeoutMs))
+            return false;
+        qputenv("DBUS_SESSION_BUS_ADDRESS", m_bus->readLine().trimmed());
         return true;
     }
 
     TemporaryHome m_home;
     VirtualDisplay m_display;
-    QProcess m_bus;
+    std::optional<ChildProcess> m_bus;
 };
 
 QImage screenshot()
@@ -144,10 +138,10 @@ private:
     // Returns the titles of all windows.
     static QString windowTitles()
     {
-        QProcess process;
-        process.start(QStringLiteral("xwininfo"), {QStringLiteral("-root"), QStringLiteral("-tree")});
-        process.waitForFinished(timeoutMs);
-        return QString::fromUtf8(process.readAllStandardOutput());
+        ChildProcess process({QStringLiteral("xwininfo"), QStringLiteral("-root"), QStringLiteral("-tree")});
+        process.start();
+        process.finish();
+        return QString::fromUtf8(process.standardOutput());
     }
 };
 

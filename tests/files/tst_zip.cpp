@@ -232,6 +232,19 @@ private Q_SLOTS:
         QVERIFY(QDir(target()).isEmpty());
     }
 
+    void replacesFileThatCannotBeRead()
+    {
+        if (!becomeOrdinaryUser())
+            QSKIP("permission checks do not apply to root");
+        QVERIFY(make({{"a.txt", "new"}}));
+        QVERIFY(QDir().mkpath(target()));
+        QVERIFY(writeFile(extracted("a.txt"), "old content"));
+        QVERIFY(QFile::setPermissions(extracted("a.txt"), QFile::WriteOwner));
+        QVERIFY(extract());
+        QVERIFY(QFile::setPermissions(extracted("a.txt"), QFile::ReadOwner));
+        QCOMPARE(content("a.txt"), QByteArray("new"));
+    }
+
     void rejectsDirectoryAsArchive()
     {
         QVERIFY(QDir(directoryPath()).mkdir(utf8("archive.zip")));

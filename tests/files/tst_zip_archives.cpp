@@ -56,7 +56,7 @@ bool makeSourceTree(const QString &directory)
 {
     QByteArray binary;
     for (int i = 0; i < 300000; ++i)
-        binary += char((i * 2654435761U) >> 24U);
+        binary += char((quint32(i) * 2654435761U) >> 24U);
     return QDir().mkpath(directory + utf8("/sub/deep")) && QDir().mkpath(directory + utf8("/目录"))
            && writeFile(directory + utf8("/a.txt"), "hello\r\n") && writeFile(directory + utf8("/empty"), "")
            && writeFile(directory + utf8("/.hidden"), "hidden")

@@ -5,12 +5,15 @@
 
 #include "Files.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QLibrary>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <dlfcn.h>
 
 #define STRING_OF(tokens) #tokens
 #define EXPANSION_OF(macro) STRING_OF(macro)
@@ -19,6 +22,33 @@ namespace {
 
 const QString library = QStringLiteral(ZYBASE_LIBRARY);
 constexpr bool isInstrumented = ZYBASE_INSTRUMENTED != 0;
+
+// In the order in which they are created.
+const QStringList wordsOfRecords {QStringLiteral("install"),
+                                  QStringLiteral("uninstall"),
+                                  QStringLiteral("uninstall_opt"),
+                                  QStringLiteral("update"),
+                                  QStringLiteral("feedback"),
+                                  QStringLiteral("mf_show"),
+                                  QStringLiteral("payment_completed"),
+                                  QStringLiteral("crash"),
+                                  QStringLiteral("server_run"),
+                                  QStringLiteral("start"),
+                                  QStringLiteral("end"),
+                                  QStringLiteral("cancel"),
+                                  QStringLiteral("fail"),
+                                  QStringLiteral("none")};
+
+// Copies the library with its sibling to another directory, as it is installed with an application, and
+// returns its path.
+QString copyLibraries(const QTemporaryDir &directory)
+{
+    const QFileInfo original(library);
+    const QFileInfoList siblings = original.dir().entryInfoList({QStringLiteral("lib*.so")}, QDir::Files);
+    for (const QFileInfo &sibling : siblings)
+        QFile::copy(sibling.filePath(), directory.filePath(sibling.fileName()));
+    return directory.filePath(original.fileName());
+}
 
 QString output(const QString &program, const QStringList &arguments)
 {
@@ -38,7 +68,42 @@ QStringList captured(const QString &text, const QString &pattern)
     return found;
 }
 
+QString programHeader(const QString &file, const QString &type)
+{
+    const QStringList headers = output(QStringLiteral("readelf"), {QStringLiteral("-lW"), file})
+                                    .split(QLatin1Char('\n'))
+                                    .filter(QRegularExpression(QStringLiteral("^ *%1 ").arg(type)));
+    return headers.value(0);
+}
+
+QString importedSymbols(const QString &file)
+{
+    return output(QStringLiteral("nm"), {QStringLiteral("-D"), QStringLiteral("--undefined-only"), file});
+}
+
+// Adds the column "file" with a row for each shared object of this tree.
+void addSharedObjects()
+{
+    QTest::addColumn<QString>("file");
+    QTest::newRow("libZyBase.so") << library;
+    if (qstrlen(LOG4QT_LIBRARY) > 0)
+        QTest::newRow("libZyLog4Qt.so") << QStringLiteral(LOG4QT_LIBRARY);
+}
+
+QList<const void *> *staticObjects = nullptr; // those constructed; not recorded if null
+
 } // namespace
+
+// Called instead of the C library's function, because symbols of the program come first. A static object
+// whose constructor has run is registered with it.
+extern "C" __attribute__((visibility("default"))) int __cxa_atexit(void (*destroy)(void *), void *object,
+                                                                   void *library)
+{
+    if (staticObjects)
+        staticObjects->append(object);
+    static const auto original = reinterpret_cast<decltype(&__cxa_atexit)>(dlsym(RTLD_NEXT, "__cxa_atexit"));
+    return original(destroy, object, library);
+}
 
 // Verifies what a loader and a linker use of the library.
 class TestBoundary : public QObject
@@ -112,24 +177,28 @@ private Q_SLOTS:
         if (isInstrumented)
             QSKIP("an instrumented library runs code at load time");
         const QString dynamic = output(QStringLiteral("readelf"), {QStringLiteral("-dW"), library});
-        // One entry is from the compiler's start file, one creates the strings of statistics records.
+        // One entry is from the compiler's start file, one creates the strings of statistics records. On
+        // 64-bit ARM, GCC adds one that asks which atomic instructions the processor has.
+#if defined __aarch64__ && !defined __ARM_FEATURE_ATOMICS && !defined __clang__
+        constexpr int entries = 3;
+#else
+        constexpr int entries = 2;
+#endif
         QCOMPARE(captured(dynamic, QStringLiteral(R"(\(INIT_ARRAYSZ\)\s+(\d+))")),
-                 QStringList {QString::number(2 * sizeof(void *))});
+                 QStringList {QString::number(entries * sizeof(void *))});
     }
 
     void containsWordsOfStatisticsRecords()
     {
         const QByteArray content = readFile(library);
-        for (const char *word :
-             {"install", "uninstall", "uninstall_opt", "update", "feedback", "mf_show", "payment_completed",
-              "crash", "server_run", "start", "end", "cancel", "fail", "none"}) {
-            const QString text = QString::fromLatin1(word) + QChar(0);
+        for (const QString &word : wordsOfRecords) {
+            const QString text = word + QChar(0);
             const QByteArray utf16(reinterpret_cast<const char *>(text.utf16()), 2 * text.size());
             // The match must not be the end of a longer word.
             int position = content.indexOf(utf16);
             while (position > 0 && content.at(position - 1) == 0 && content.at(position - 2) != 0)
                 position = content.indexOf(utf16, position + 1);
-            QVERIFY2(position > 0, word);
+            QVERIFY2(position > 0, qPrintable(word));
         }
     }
 
@@ -147,17 +216,104 @@ private Q_SLOTS:
         QCOMPARE(slots, QStringList());
     }
 
+    void hasReadOnlyAddressesOfFunctions_data()
+    {
+        addSharedObjects();
+    }
+    void hasReadOnlyAddressesOfFunctions()
+    {
+        QFETCH(QString, file);
+        QVERIFY(programHeader(file, QStringLiteral("GNU_RELRO")).contains(QStringLiteral(" R ")));
+        const QString dynamic = output(QStringLiteral("readelf"), {QStringLiteral("-dW"), file});
+        QCOMPARE(captured(dynamic, QStringLiteral(R"(\(FLAGS_1\).*\b(NOW)\b)")),
+                 QStringList {QStringLiteral("NOW")});
+    }
+
+    void hasNoExecutableStack_data()
+    {
+        addSharedObjects();
+    }
+    void hasNoExecutableStack()
+    {
+        QFETCH(QString, file);
+        QVERIFY(programHeader(file, QStringLiteral("GNU_STACK")).contains(QStringLiteral(" RW ")));
+    }
+
+    void detectsOverwrittenStack_data()
+    {
+        addSharedObjects();
+    }
+    void detectsOverwrittenStack()
+    {
+        QFETCH(QString, file);
+        if (!ZYBASE_HAS_STACK_PROTECTOR)
+            QSKIP("the compiler has no stack protector");
+        QVERIFY(importedSymbols(file).contains(QStringLiteral("__stack_chk_fail")));
+    }
+
+    void checksSizesOfBuffers_data()
+    {
+        addSharedObjects();
+    }
+    void checksSizesOfBuffers()
+    {
+        QFETCH(QString, file);
+#ifdef __clang__
+        QSKIP("Clang does not check the functions that the library calls");
+#endif
+        if (!ZYBASE_SETS_FORTIFY_SOURCE)
+            QSKIP("the build is not optimised, or its flags decide about the checks");
+        if (isInstrumented)
+            QSKIP("the sanitizers check buffers themselves");
+        QVERIFY(importedSymbols(file).contains(QStringLiteral("__fprintf_chk")));
+    }
+
+    void startsFunctionsWithJumpTarget_data()
+    {
+        addSharedObjects();
+    }
+    void startsFunctionsWithJumpTarget()
+    {
+        QFETCH(QString, file);
+        if (!ZYBASE_HAS_CF_PROTECTION)
+            QSKIP("the compiler cannot protect jumps on this processor");
+        const QString code = output(QStringLiteral("objdump"), {QStringLiteral("-d"), file});
+        const QStringList marked = captured(code, QStringLiteral("^([0-9a-f]+) <.*>:\\n.*\\tendbr"));
+        const QString symbols =
+            output(QStringLiteral("nm"), {QStringLiteral("-D"), QStringLiteral("--defined-only"), file});
+        const QStringList exported = captured(symbols, QStringLiteral("^([0-9a-f]+) T "));
+        QVERIFY(!exported.isEmpty());
+        for (const QString &address : exported)
+            QVERIFY2(marked.contains(address), qPrintable(address));
+    }
+
+    void createsOnlyWordsOfStatisticsRecordsAtLoadTime()
+    {
+        if (isInstrumented)
+            QSKIP("instrumentation does not allow a second copy of the library");
+        const QTemporaryDir application;
+        const QString path = copyLibraries(application);
+        QList<const void *> objects;
+        staticObjects = &objects;
+        QLibrary loaded(path);
+        const bool isLoaded = loaded.load();
+        staticObjects = nullptr;
+        QVERIFY2(isLoaded, qPrintable(loaded.errorString()));
+        QStringList words;
+        for (const void *object : qAsConst(objects)) {
+            Dl_info owner {};
+            if (dladdr(object, &owner) != 0 && path == QString::fromUtf8(owner.dli_fname))
+                words << *static_cast<const QString *>(object);
+        }
+        QCOMPARE(words, wordsOfRecords);
+    }
+
     void loadsWithoutBeingLinked()
     {
         if (isInstrumented)
             QSKIP("instrumentation does not allow a second copy of the library");
-        // Copied with its sibling to another directory, as it is installed with an application.
         const QTemporaryDir application;
-        const QFileInfo original(library);
-        const QFileInfoList siblings = original.dir().entryInfoList({QStringLiteral("lib*.so")}, QDir::Files);
-        for (const QFileInfo &sibling : siblings)
-            QVERIFY(QFile::copy(sibling.filePath(), application.filePath(sibling.fileName())));
-        QLibrary loaded(application.filePath(original.fileName()));
+        QLibrary loaded(copyLibraries(application));
         QVERIFY2(loaded.load(), qPrintable(loaded.errorString()));
         QVERIFY(loaded.resolve("_ZN6ZyBase12LoggerObject4infoEPKc"));
     }

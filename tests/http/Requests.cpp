@@ -160,3 +160,12 @@ Outcome carryOut(Form form, const QUrl &url, const QString &session, const QJson
     watched.waitForAll();
     return watched.outcomes().value(0);
 }
+
+Outcome carryOutInTime(Form form, const QUrl &url, const QJsonObject &object)
+{
+    constexpr int attempts = 5;
+    Outcome outcome = timedOut;
+    for (int attempt = 0; attempt < attempts && outcome == timedOut; ++attempt)
+        outcome = carryOut(form, url, QString(), object);
+    return outcome;
+}

@@ -11,7 +11,9 @@
 #include <QThread>
 
 #include <atomic>
+#include <cstring>
 #include <memory>
+#include <typeinfo>
 
 /** The five functions that start a request. */
 enum class Form { PostSync, PostAsync, Get, GetSync, GetStatus };
@@ -72,7 +74,10 @@ public:
 
     virtual void emitStop() = 0;
 
-    /** Returns true if every signal so far was emitted in a thread other than that of this object. */
+    /**
+     * Returns true if every signal so far was emitted in a thread other than that of this object, which was
+     * not started by Qt.
+     */
     bool areEmittedInWorkers() const { return *m_areEmittedInWorkers; }
 
 protected:
@@ -80,7 +85,9 @@ protected:
     template <class Object, class Signal> void checkThreadOf(const Object *object, Signal signal)
     {
         connect(object, signal, [flag = m_areEmittedInWorkers, owner = thread()] {
-            if (QThread::currentThread() == owner)
+            const QThread &current = *QThread::currentThread();
+            const bool isNative = strstr(typeid(current).name(), "QAdoptedThread") != nullptr;
+            if (&current == owner || !isNative)
                 *flag = false;
         });
     }
@@ -121,3 +128,6 @@ private:
  */
 Outcome carryOut(Form form, const QUrl &url, const QString &session = QString(),
                  const QJsonObject &object = {});
+
+/** Does the same, and repeats a request that was ended by the time limit, which happens on a busy machine. */
+Outcome carryOutInTime(Form form, const QUrl &url, const QJsonObject &object = {});

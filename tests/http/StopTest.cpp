@@ -5,17 +5,13 @@
 #include "Servers.h"
 #include "Waiting.h"
 
+#include <ZyBase/base/LoggerObjectPrivate.h>
+
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QTimer>
 
 using namespace std::chrono_literals;
-
-namespace {
-
-constexpr int beforeTimeLimitMs = 9000;
-
-} // namespace
 
 void StopTest::init()
 {
@@ -25,6 +21,7 @@ void StopTest::init()
 void StopTest::cleanup()
 {
     QCOMPARE(OutputCapture::take(m_output), QString());
+    QVERIFY(!LoggerObjectPrivate::s_pLogger); // the log is not used
 }
 
 void StopTest::addCalls(const QStringList &calls)
@@ -58,10 +55,10 @@ void StopTest::cancelsStoppedRequest()
     QElapsedTimer clock;
     clock.start();
     start(*watched, call);
-    QTRY_COMPARE(server.requests().size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(server.requests().size(), 1, longestWaitMs);
     QVERIFY(watched->stopAll());
     QVERIFY(clock.elapsed() < beforeTimeLimitMs);
-    QTRY_COMPARE(server.openConnections(), 0);
+    QTRY_COMPARE_WITH_TIMEOUT(server.openConnections(), 0, longestWaitMs);
     QVERIFY(staysTrueFor(50ms, [&] { return watched->outcomes() == QList<Outcome> {cancelled}; }));
     QVERIFY(watched->areEmittedInWorkers());
 }
@@ -119,7 +116,7 @@ void StopTest::stopsAllRequestsOfObject()
     const QStringList calls = asyncCalls();
     for (int i = 0; i < 3; ++i)
         start(*watched, calls.at(i % calls.size()));
-    QTRY_COMPARE(server.requests().size(), 3);
+    QTRY_COMPARE_WITH_TIMEOUT(server.requests().size(), 3, longestWaitMs);
     QVERIFY(watched->stopAll());
     QCOMPARE(watched->outcomes(), QList<Outcome>({cancelled, cancelled, cancelled}));
 }

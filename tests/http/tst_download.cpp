@@ -92,6 +92,22 @@ private Q_SLOTS:
                       "slot downloadReadyRead()"}));
     }
 
+    // Applications can read them from the meta-object.
+    void keepsParameterNames()
+    {
+        const QMetaObject &meta = DownloadManager::staticMetaObject;
+        QList<QList<QByteArray>> names;
+        for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
+            names << meta.method(i).parameterNames();
+        QCOMPARE(names, QList<QList<QByteArray>>({{},
+                                                  {"bytesReceived", "bytesTotal", "strSpeed"},
+                                                  {"bSuccess", "strFilePath"},
+                                                  {},
+                                                  {"bytesReceived", "bytesTotal"},
+                                                  {},
+                                                  {}}));
+    }
+
     void keepsParent()
     {
         QObject parent;
@@ -232,7 +248,7 @@ private Q_SLOTS:
     {
         WatchedDownload watched;
         QVERIFY(watched.manager()->StartDownload(url("/bytes/4000000/file?rate=1000000"), folder()));
-        QTRY_VERIFY(QFileInfo(file("file")).size() > 100000);
+        QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(file("file")).size() > 100000, longestWaitMs);
         QVERIFY(watched.outcomes().isEmpty());
         watched.manager()->StopDownload();
     }
@@ -299,11 +315,15 @@ private Q_SLOTS:
         WatchedDownload watched;
         watched.fetch(url("/bytes/10/first"), folder());
         QVERIFY(staysTrueFor(600ms, [&] { return watched.outcomes().size() == 1; }));
-        QVERIFY(watched.manager()->StartDownload(url("/never/file"), folder()));
-        // Counted from the first start this would be less than 1000 bytes/sec.
-        const QString speed = reportedSpeed(&watched, 500);
+        // Counted from the first start this would always be less than 1000 bytes/sec. A busy machine may need
+        // half a second for the next line, but not in every attempt.
+        QString speed = utf8("bytes/sec");
+        for (int attempt = 0; attempt < 10 && speed.endsWith(utf8("bytes/sec")); ++attempt) {
+            QVERIFY(watched.manager()->StartDownload(url("/never/file"), folder()));
+            speed = reportedSpeed(&watched, 500);
+            watched.manager()->StopDownload();
+        }
         QVERIFY2(!speed.endsWith(utf8("bytes/sec")), qPrintable(speed));
-        watched.manager()->StopDownload();
     }
 
     // Emits progress around the moment at which the mean is exactly the limit of the unit.
@@ -330,7 +350,7 @@ private Q_SLOTS:
             QVERIFY(watched.manager()->StartDownload(url("/never/file"), folder()));
             QElapsedTimer clock;
             clock.start();
-            QVERIFY(staysTrueFor(980ms, [&] { return watched.outcomes().isEmpty(); }));
+            QVERIFY(staysTrueFor(900ms, [&] { return watched.outcomes().isEmpty(); }));
             do {
                 texts << reportedSpeed(&watched, bytes);
             } while (clock.elapsed() < 1003);
@@ -524,7 +544,7 @@ private Q_SLOTS:
         QVERIFY(watched.manager()->StartDownload(server.url(utf8("/file")), folder()));
         QVERIFY(!watched.manager()->isHttpRedirect()); // before the status was received
         if (status != 304) {
-            QTRY_VERIFY(!watched.progress().isEmpty());
+            QTRY_VERIFY_WITH_TIMEOUT(!watched.progress().isEmpty(), longestWaitMs);
             QCOMPARE(watched.manager()->isHttpRedirect(), expected);
         }
         watched.manager()->StopDownload();
@@ -551,9 +571,9 @@ private Q_SLOTS:
         connect(watched.manager(), &DownloadManager::SignalStopDownload, [&stops] { ++stops; });
         QVERIFY(watched.manager()->StartDownload(url(path), folder()));
         if (stage == 1)
-            QTRY_COMPARE(m_server->requests().size(), 1);
+            QTRY_COMPARE_WITH_TIMEOUT(m_server->requests().size(), 1, longestWaitMs);
         if (stage == 2)
-            QTRY_VERIFY(!watched.progress().isEmpty());
+            QTRY_VERIFY_WITH_TIMEOUT(!watched.progress().isEmpty(), longestWaitMs);
         QVERIFY(watched.outcomes().isEmpty());
         watched.manager()->StopDownload();
         QCOMPARE(stops, 1);
@@ -662,8 +682,8 @@ private Q_SLOTS:
         connect(&manager, &DownloadManager::signalDownloadFinished, [&isOver] { isOver = true; });
         QVERIFY(manager.StartDownload(url("/bytes/10/file"), folder()));
         QCOMPARE(manager.replies(), 1);
-        QTRY_VERIFY(isOver);
-        QTRY_COMPARE(manager.replies(), 0);
+        QTRY_VERIFY_WITH_TIMEOUT(isOver, longestWaitMs);
+        QTRY_COMPARE_WITH_TIMEOUT(manager.replies(), 0, longestWaitMs);
     }
 
     void keepsFileAndEmitsNothingWhenDestroyed()
@@ -673,9 +693,9 @@ private Q_SLOTS:
             DownloadManager manager;
             connect(&manager, &DownloadManager::signalDownloadFinished, [&outcomes] { ++outcomes; });
             QVERIFY(manager.StartDownload(url("/bytes/4000000/file?rate=1000000"), folder()));
-            QTRY_VERIFY(QFileInfo(file("file")).size() > 100000);
+            QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(file("file")).size() > 100000, longestWaitMs);
         }
-        QTRY_COMPARE(m_server->openConnections(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(m_server->openConnections(), 0, longestWaitMs);
         QCOMPARE(outcomes, 0);
         QCOMPARE(filesLeft(), QStringList {utf8("file")});
         QVERIFY(QFileInfo(file("file")).size() > 100000);

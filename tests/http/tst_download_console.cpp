@@ -169,6 +169,19 @@ private Q_SLOTS:
                                                    + "': No such file or directory\n");
     }
 
+    void printsFailureInLocal8BitEncoding()
+    {
+        const RawServer server([](Connection &client) {
+            client.write("HTTP/1.1 404 N\xe4he unbekannt\r\nContent-Length: 0\r\n\r\n");
+        });
+        startHost();
+        useLatin1();
+        download(server.url(QStringLiteral("/file")));
+        m_host->quit();
+        const QByteArray text = m_host->standardErrorBytes();
+        QVERIFY2(text.startsWith("Failed: ") && text.endsWith("N\xe4he unbekannt\n"), text.constData());
+    }
+
     void printsRedirectInLocal8BitEncoding()
     {
         startHost();

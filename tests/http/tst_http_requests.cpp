@@ -79,6 +79,16 @@ private Q_SLOTS:
                                                 "SignalRequestResultAndStatusCode(QByteArray,int)"}));
     }
 
+    // Applications can read them from the meta-object.
+    void keepsParameterNames()
+    {
+        const QMetaObject &meta = CHttpPostRequest::staticMetaObject;
+        QList<QList<QByteArray>> names;
+        for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
+            names << meta.method(i).parameterNames();
+        QCOMPARE(names, QList<QList<QByteArray>>({{}, {}, {}, {"data"}, {"data", "nStatusCode"}}));
+    }
+
     void sendsMethodAndTarget_data() { addForms(allForms); }
     void sendsMethodAndTarget()
     {
@@ -272,7 +282,7 @@ private Q_SLOTS:
         watched.start(form, url("/echo"));
         QVERIFY(watched.waitForAll());
         // The connection is closed by the thread, which emits nothing afterwards.
-        QTRY_COMPARE(m_server->openConnections(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(m_server->openConnections(), 0, longestWaitMs);
         QVERIFY(staysTrueFor(50ms, [&] { return watched.outcomes().size() == 1; }));
     }
 
@@ -316,7 +326,7 @@ private Q_SLOTS:
         connect(request, &CHttpPostRequest::SignalRequestTimeout, request, &QObject::deleteLater);
         connect(request, &CHttpPostRequest::SignalRequestCancel, request, &QObject::deleteLater);
         request->StartGetRequest(url("/echo?x"), QString());
-        QTRY_VERIFY(request.isNull());
+        QTRY_VERIFY_WITH_TIMEOUT(request.isNull(), longestWaitMs);
         QCOMPARE(answer, QByteArray("/echo?x"));
     }
 

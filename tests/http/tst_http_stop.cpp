@@ -2,6 +2,8 @@
 
 #include "StopTest.h"
 
+#include "Waiting.h"
+
 #include <localservices/HttpServer.h>
 
 #include <QTimer>
@@ -72,10 +74,11 @@ private Q_SLOTS:
         QVERIFY(connect(other.request(), SIGNAL(SignalStopRequest()), watched.request(),
                         SIGNAL(SignalStopRequest())));
         watched.start(Form::PostAsync, url("/never"));
-        QTRY_VERIFY(([&] {
-            Q_EMIT other.request()->SignalStopRequest();
-            return !watched.outcomes().isEmpty();
-        }()));
+        QTRY_VERIFY_WITH_TIMEOUT(([&] {
+                                     Q_EMIT other.request()->SignalStopRequest();
+                                     return !watched.outcomes().isEmpty();
+                                 }()),
+                                 longestWaitMs);
         QCOMPARE(watched.outcomes(), QList<Outcome> {cancelled});
     }
 

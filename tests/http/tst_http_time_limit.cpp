@@ -3,6 +3,7 @@
 #include "Downloads.h"
 #include "Files.h"
 #include "Requests.h"
+#include "Waiting.h"
 
 #include <localservices/HttpServer.h>
 #include <localservices/RawServer.h>
@@ -118,7 +119,7 @@ private Q_SLOTS:
         const AsyncCall &mine = m_async.at(key(form, path.constData()));
         QCOMPARE(mine.watched.outcomes(), QList<Outcome> {timedOut});
         QVERIFY(mine.watched.areEmittedInWorkers());
-        QTRY_VERIFY(mine.durationMs > 0);
+        QTRY_VERIFY_WITH_TIMEOUT(mine.durationMs > 0, longestWaitMs);
         QVERIFY2(mine.durationMs >= earliestMs && mine.durationMs <= latestMs,
                  qPrintable(QString::number(mine.durationMs)));
     }
@@ -156,7 +157,10 @@ private Q_SLOTS:
         QCOMPARE(readFile(m_download.outcomes().first().path), QByteArray("late"));
     }
 
-    void closesConnectionAfterTimeout() { QTRY_COMPARE(m_server.openConnections(), 0); }
+    void closesConnectionAfterTimeout()
+    {
+        QTRY_COMPARE_WITH_TIMEOUT(m_server.openConnections(), 0, longestWaitMs);
+    }
 };
 
 QTEST_GUILESS_MAIN(TestHttpTimeLimit)

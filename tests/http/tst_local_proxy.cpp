@@ -155,8 +155,11 @@ private Q_SLOTS:
     void closesServerConnectionWhenClientCloses()
     {
         QFETCH(QString, scheme);
+        // The proxy connects before it has the request. Qt keeps the connection of a request that it has not
+        // sent yet.
+        const int before = m_server.requests().size();
         Reply reply = send(fixedUrl(scheme, QStringLiteral("/never")));
-        QTRY_COMPARE_WITH_TIMEOUT(m_server.openConnections(), 1, timeoutMs);
+        QTRY_COMPARE_WITH_TIMEOUT(m_server.requests().size(), before + 1, timeoutMs);
         reply->abort();
         QTRY_COMPARE_WITH_TIMEOUT(m_server.openConnections(), 0, timeoutMs);
         QTRY_COMPARE_WITH_TIMEOUT(m_proxy.openConnections(), 0, timeoutMs);
@@ -166,9 +169,10 @@ private Q_SLOTS:
     {
         auto proxy = std::make_unique<Proxy>(m_authority);
         proxy->routeAll(m_server.url(QStringLiteral("/")));
+        const int before = m_server.requests().size();
         const Reply reply =
             send(fixedUrl(QStringLiteral("https"), QStringLiteral("/never")), {}, proxy->port());
-        QTRY_COMPARE_WITH_TIMEOUT(m_server.openConnections(), 1, timeoutMs);
+        QTRY_COMPARE_WITH_TIMEOUT(m_server.requests().size(), before + 1, timeoutMs);
         proxy.reset();
         QVERIFY(waitFor(reply));
         QTRY_COMPARE_WITH_TIMEOUT(m_server.openConnections(), 0, timeoutMs);

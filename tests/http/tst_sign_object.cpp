@@ -3,6 +3,8 @@
 #include <ZyBase/http/CHttpPostRequest.h>
 #include <ZyBase/platform/CSystemUtils.h>
 
+#include "OutputCapture.h"
+
 #include <QCryptographicHash>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -34,7 +36,13 @@ class TestSignObject : public QObject
 {
     Q_OBJECT
 
+private:
+    std::unique_ptr<OutputCapture> m_output;
+
 private Q_SLOTS:
+    void init() { m_output = std::make_unique<OutputCapture>(); }
+    void cleanup() { QCOMPARE(OutputCapture::take(m_output), QString()); }
+
     void returnsDigestOfString_data()
     {
         QTest::addColumn<QString>("text");

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr int timeoutMs = 60000;
+constexpr int timeoutMs = 120000;
 const QByteArray endOfHead = QByteArrayLiteral("\r\n\r\n");
 
 } // namespace

@@ -274,12 +274,11 @@ private Q_SLOTS:
     {
         LocalServicesProcess program;
         QVERIFY(program.start());
-        QProcess second;
-        second.start(QStringLiteral("/proc/%1/exe").arg(program.processId()),
-                     {QStringLiteral("--folder"), program.folder(), QStringLiteral("true")});
-        QVERIFY(second.waitForFinished(60000));
-        QCOMPARE(second.exitCode(), 1);
-        QVERIFY(second.readAllStandardError().contains("is used by another local-services"));
+        ChildProcess second({QStringLiteral("/proc/%1/exe").arg(program.processId()),
+                             QStringLiteral("--folder"), program.folder(), QStringLiteral("true")});
+        QVERIFY(second.start());
+        QCOMPARE(second.finish(), 1);
+        QVERIFY(second.standardError().contains("is used by another local-services"));
         QCOMPARE(request("GET", program.page()).status, 200);
     }
 

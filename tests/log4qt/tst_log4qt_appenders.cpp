@@ -220,6 +220,36 @@ private Q_SLOTS:
                                      "log4qt: appender 'name' has no open file: the event is dropped")});
     }
 
+    void reportsLinesOnFullDisk()
+    {
+        FileAppender appender;
+        prepare(&appender);
+        appender.setFile(QStringLiteral("/dev/full"));
+        appender.setName(QStringLiteral("full"));
+        appender.activateOptions();
+        const ErrorStreamCapture errors;
+        appender.doAppend(eventOf(QStringLiteral("first")));
+        appender.doAppend(eventOf(QStringLiteral("second")));
+        const QString error = QStringLiteral("log4qt: appender 'full' can't write: No space left on device");
+        QCOMPARE(errors.lines(), QStringList({error, error}));
+    }
+
+    void reportsFailedFlush()
+    {
+        FileAppender appender;
+        prepare(&appender);
+        appender.setFile(QStringLiteral("/dev/full"));
+        appender.setName(QStringLiteral("full"));
+        appender.setBufferedIo(true);
+        appender.setImmediateFlush(false);
+        appender.activateOptions();
+        appender.setImmediateFlush(true);
+        const ErrorStreamCapture errors;
+        appender.doAppend(eventOf(QStringLiteral("buffered")));
+        QCOMPARE(errors.lines(), QStringList {QStringLiteral(
+                                     "log4qt: appender 'full' can't write: No space left on device")});
+    }
+
     void createsOneMissingDirectoryOnly()
     {
         FileAppender appender;
@@ -314,6 +344,27 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(path()));
         QCOMPARE(errors.lines(), QStringList {QStringLiteral(
                                      "log4qt: appender 'rolling': the date pattern ''.log'' has no period")});
+    }
+
+    void opensFileForEveryPeriod_data()
+    {
+        QTest::addColumn<int>("datePattern");
+        QTest::newRow("minute") << int(DailyRollingFileAppender::MINUTELY_ROLLOVER);
+        QTest::newRow("hour") << int(DailyRollingFileAppender::HOURLY_ROLLOVER);
+        QTest::newRow("half day") << int(DailyRollingFileAppender::HALFDAILY_ROLLOVER);
+        QTest::newRow("day") << int(DailyRollingFileAppender::DAILY_ROLLOVER);
+        QTest::newRow("week") << int(DailyRollingFileAppender::WEEKLY_ROLLOVER);
+        QTest::newRow("month") << int(DailyRollingFileAppender::MONTHLY_ROLLOVER);
+    }
+    void opensFileForEveryPeriod()
+    {
+        QFETCH(int, datePattern);
+        DailyRollingFileAppender appender;
+        prepare(&appender);
+        appender.setDatePattern(DailyRollingFileAppender::DatePattern(datePattern));
+        appender.activateOptions();
+        QVERIFY(appender.isActive());
+        QVERIFY(QFile::exists(path()));
     }
 
     void returnsDailyPatternByDefault()

@@ -80,6 +80,7 @@ private Q_SLOTS:
         QTest::newRow("error") << 182 << "ERROR";
         QTest::newRow("fatal") << 214 << "FATAL";
         QTest::newRow("off") << 255 << "OFF";
+        QTest::newRow("no level") << 100 << "NULL";
     }
     void returnsNumberAndNameOfLevel()
     {
@@ -215,6 +216,15 @@ private Q_SLOTS:
         root->warn(text());
         QCOMPARE(limited->lines(), QStringList {QStringLiteral("WARN x")});
         QCOMPARE(unlimited->lines().size(), 2);
+    }
+
+    void comparesLevelWithThreshold()
+    {
+        CollectingAppender appender;
+        appender.setThreshold(Level(Level::WARN_INT));
+        QVERIFY(!appender.isAsSevereAsThreshold(Level(Level::INFO_INT)));
+        QVERIFY(appender.isAsSevereAsThreshold(Level(Level::WARN_INT)));
+        QVERIFY(appender.isAsSevereAsThreshold(Level(Level::ERROR_INT)));
     }
 
     void passesEventToParents()
@@ -429,8 +439,9 @@ private Q_SLOTS:
 
     void returnsNameOrAddressOfThread()
     {
+        constexpr int digits = 2 * sizeof(void *);
         const QString address =
-            QStringLiteral("0x%1").arg(quintptr(QThread::currentThread()), 16, 16, QLatin1Char('0'));
+            QStringLiteral("0x%1").arg(quintptr(QThread::currentThread()), digits, 16, QLatin1Char('0'));
         QCOMPARE(LoggingEvent(nullptr, Level(), text()).threadName(), address);
         QThread::currentThread()->setObjectName(QStringLiteral("main"));
         QCOMPARE(LoggingEvent(nullptr, Level(), text()).threadName(), QStringLiteral("main"));

@@ -3,6 +3,9 @@
 #include "NetInfoTest.h"
 
 #include "Files.h"
+#include "Waiting.h"
+
+#include <ZyBase/base/LoggerObjectPrivate.h>
 
 #include <QDir>
 
@@ -44,6 +47,7 @@ void NetInfoTest::init()
 void NetInfoTest::cleanup()
 {
     m_network.reset();
-    QTRY_VERIFY(!hasRequestThreads());
+    QTRY_VERIFY_WITH_TIMEOUT(!hasRequestThreads(), longestWaitMs);
     QCOMPARE(OutputCapture::take(m_output), QString());
+    QVERIFY(!LoggerObjectPrivate::s_pLogger); // the log is not used
 }

@@ -7,6 +7,7 @@
 #include "HostProcess.h"
 #include "NetInfoTest.h"
 #include "Resolver.h"
+#include "Waiting.h"
 
 #include <QCoreApplication>
 #include <QHostInfo>
@@ -148,7 +149,7 @@ private Q_SLOTS:
         Resolver::release();
         // The late answer has no receiver.
         Resolver::answerWith(0);
-        QTRY_VERIFY(CNetworkUtils::IsNetWorkOnline());
+        QTRY_VERIFY_WITH_TIMEOUT(CNetworkUtils::IsNetWorkOnline(), longestWaitMs);
     }
 
     // Qt caches a result for a minute; the library has no cache.
@@ -165,7 +166,7 @@ private Q_SLOTS:
     {
         QVERIFY(!isOnlineAnew(EAI_NONAME));
         Resolver::answerWith(0);
-        QTRY_VERIFY(CNetworkUtils::IsNetWorkOnline());
+        QTRY_VERIFY_WITH_TIMEOUT(CNetworkUtils::IsNetWorkOnline(), longestWaitMs);
     }
 };
 

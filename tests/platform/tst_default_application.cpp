@@ -4,7 +4,7 @@
 #include <ZyBase/platform/COperateSystem.h>
 
 #include "FakeTools.h"
-#include "MessageCapture.h"
+#include "OutputCapture.h"
 
 #include <QTest>
 
@@ -31,21 +31,16 @@ private:
     void provideTool(const QByteArray &script) { m_tools->add(QStringLiteral("xdg-mime"), script); }
 
     std::unique_ptr<FakeTools> m_tools;
-    std::unique_ptr<MessageCapture> m_messages;
+    std::unique_ptr<OutputCapture> m_output;
 
 private Q_SLOTS:
     void init()
     {
         m_tools = std::make_unique<FakeTools>();
         qputenv("PATH", QFile::encodeName(m_tools->path()));
-        m_messages = std::make_unique<MessageCapture>();
+        m_output = std::make_unique<OutputCapture>();
     }
-    void cleanup()
-    {
-        const auto messages = m_messages->messages();
-        m_messages.reset();
-        QCOMPARE(messages.size(), 0);
-    }
+    void cleanup() { QCOMPARE(OutputCapture::take(m_output), QString()); }
 
     void returnsTrueIfOutputContainsName_data()
     {

@@ -3,6 +3,7 @@
 #include <ZyBase/platform/CSystemUtils.h>
 
 #include "MessageCapture.h"
+#include "OutputCapture.h"
 
 #include <QImage>
 #include <QPainter>
@@ -208,9 +209,9 @@ private Q_SLOTS:
     void returnsNullImageForInvalidSize()
     {
         QFETCH(QSize, size);
-        const MessageCapture messages;
+        OutputCapture output;
         QVERIFY(CSystemUtils::GenerateQRCode(QStringLiteral("a"), size).isNull());
-        QCOMPARE(messages.messages().size(), 0);
+        QCOMPARE(output.lines(), QStringList());
     }
 
     void returnsNullImageForEmptyString_data()
@@ -222,9 +223,9 @@ private Q_SLOTS:
     void returnsNullImageForEmptyString()
     {
         QFETCH(QString, text);
-        const MessageCapture messages;
+        OutputCapture output;
         QVERIFY(CSystemUtils::GenerateQRCode(text, QSize(100, 100)).isNull());
-        QCOMPARE(messages.messages().size(), 0);
+        QCOMPARE(output.lines(), QStringList());
     }
 
     void logsErrnoForStringThatCannotBeEncoded_data()
@@ -252,10 +253,10 @@ private Q_SLOTS:
 
     void logsNothingOnSuccess()
     {
-        const MessageCapture messages;
+        OutputCapture output;
         for (const int side : {1, 2, 3, 100})
             QVERIFY(!generate("a", side).isNull());
-        QCOMPARE(messages.messages().size(), 0);
+        QCOMPARE(output.lines(), QStringList());
     }
 
     void returnsSameImageForSameArguments()

@@ -51,9 +51,9 @@ void ChildProcess::write(const QByteArray &input)
     while (m_process.bytesToWrite() > 0 && m_process.waitForBytesWritten(timeoutMs)) {}
 }
 
-int ChildProcess::finish()
+int ChildProcess::finish(int limitMs)
 {
-    const bool hasEnded = !isRunning() || m_process.waitForFinished(timeoutMs);
+    const bool hasEnded = !isRunning() || m_process.waitForFinished(limitMs);
     m_durationMs = m_timer.elapsed();
     return hasEnded && m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
 }

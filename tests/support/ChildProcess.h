@@ -30,7 +30,7 @@ public:
     void closeInput() { m_process.closeWriteChannel(); }
 
     /** Waits for the end and returns the exit code; -1 after a crash or a timeout. */
-    int finish();
+    int finish(int limitMs = timeoutMs);
 
     /** Sends a signal to the process. */
     void sendSignal(int signal);

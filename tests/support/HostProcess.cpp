@@ -4,6 +4,12 @@
 
 #include <QJsonDocument>
 
+namespace {
+
+constexpr int endTimeoutMs = 5000;
+
+} // namespace
+
 QString HostProcess::program()
 {
     return QStringLiteral(ZYBASE_TEST_HOST);
@@ -12,6 +18,13 @@ QString HostProcess::program()
 HostProcess::HostProcess()
     : m_process({program()})
 {
+}
+
+// A process that is killed writes no coverage data.
+HostProcess::~HostProcess()
+{
+    m_process.closeInput();
+    m_process.finish(endTimeoutMs);
 }
 
 bool HostProcess::start(const Sandbox &sandbox)

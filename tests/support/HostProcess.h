@@ -17,6 +17,9 @@ class HostProcess
 public:
     HostProcess();
 
+    /** Ends the process as quit() does, or kills it if it is in the middle of a command. */
+    ~HostProcess();
+
     /** Returns the path of the program. */
     static QString program();
 

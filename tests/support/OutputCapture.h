@@ -3,23 +3,20 @@
 #pragma once
 
 #include "MessageCapture.h"
+#include "StandardErrorCapture.h"
 
 #include <QStringList>
-#include <QTemporaryFile>
 
 #include <memory>
 
 /**
- * Stores what this process writes with Qt's message functions and to its standard error stream, until it is
- * destroyed. In sanitized builds the standard error stream is not captured.
+ * Stores what this process writes with Qt's message functions and to its standard error stream, except
+ * messages of Qt that depend on the timing.
  */
 class OutputCapture
 {
 public:
     OutputCapture();
-
-    /** Restores both. */
-    ~OutputCapture();
 
     /** Returns the messages, followed by the lines of the standard error stream. */
     QStringList lines();
@@ -31,6 +28,5 @@ private:
     Q_DISABLE_COPY(OutputCapture)
 
     MessageCapture m_messages;
-    QTemporaryFile m_standardError;
-    int m_previousStandardError = -1; ///< a duplicate of the descriptor; -1 if it is not captured
+    StandardErrorCapture m_standardError;
 };

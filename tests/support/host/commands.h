@@ -15,6 +15,7 @@ using Commands = QHash<QString, std::function<QJsonValue(const QJsonArray &)>>;
 Commands processCommands();
 Commands logCommands();
 Commands httpCommands();
+Commands requestCommands();
 Commands fileCommands();
 Commands platformCommands();
 Commands identityCommands();

@@ -3,11 +3,13 @@
 #include "commands.h"
 
 #include <ZyBase/files/CFileUtils.h>
+#include <ZyBase/files/CJsonReader.h>
 #include <ZyBase/files/ZipManager.h>
 
 #include <QJsonObject>
 
 using ZyBase::CFileUtils;
+using ZyBase::CJsonReader;
 
 namespace {
 
@@ -45,6 +47,28 @@ QJsonValue writeFileData(const QJsonArray &arguments)
     return true;
 }
 
+QJsonValue readFileData(const QJsonArray &arguments)
+{
+    return CFileUtils::ReadFileData(arguments.at(0).toString());
+}
+
+// The arguments are source and target, which is replaced.
+QJsonValue copy(const QJsonArray &arguments)
+{
+    return CFileUtils::CopyFileHandle(arguments.at(0).toString(), arguments.at(1).toString(), true);
+}
+
+QJsonValue readJson(const QJsonArray &arguments)
+{
+    return CJsonReader::ParseJsonFileToObject(arguments.at(0).toString());
+}
+
+QJsonValue saveJson(const QJsonArray &arguments)
+{
+    CJsonReader::SaveJsonFile(arguments.at(0).toString(), arguments.at(1).toObject());
+    return true;
+}
+
 QJsonValue leftSpace(const QJsonArray &arguments)
 {
     return double(CFileUtils::getLeftSpace(arguments.at(0).toString()));
@@ -62,8 +86,12 @@ Commands fileCommands()
 {
     return {{QStringLiteral("files.applicationPaths"), applicationPaths},
             {QStringLiteral("files.bigFileMd5"), bigFileMd5},
+            {QStringLiteral("files.copy"), copy},
             {QStringLiteral("files.formatOpenTime"), formatOpenTime},
             {QStringLiteral("files.leftSpace"), leftSpace},
+            {QStringLiteral("files.readFileData"), readFileData},
+            {QStringLiteral("files.readJson"), readJson},
+            {QStringLiteral("files.saveJson"), saveJson},
             {QStringLiteral("files.unzip"), unzip},
             {QStringLiteral("files.writeFileData"), writeFileData}};
 }

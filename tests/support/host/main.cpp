@@ -5,6 +5,10 @@
 
 #include "commands.h"
 
+#ifdef ZYBASE_FAULTS
+#include "faultcommands.h"
+#endif
+
 #include <QCoreApplication>
 #include <QFile>
 #include <QJsonDocument>
@@ -14,11 +18,16 @@ int main(int argc, char **argv)
     const QCoreApplication application(argc, argv);
     Commands commands;
     for (const Commands &family :
-         {processCommands(), logCommands(), httpCommands(), fileCommands(), platformCommands(),
-          identityCommands(), netCommands(), analyticsCommands()}) {
+         {processCommands(), logCommands(), httpCommands(), requestCommands(), fileCommands(),
+          platformCommands(), identityCommands(), netCommands(), analyticsCommands()}) {
         for (auto command = family.cbegin(); command != family.cend(); ++command)
             commands.insert(command.key(), command.value());
     }
+#ifdef ZYBASE_FAULTS
+    const Commands faults = faultCommands(commands);
+    for (auto command = faults.cbegin(); command != faults.cend(); ++command)
+        commands.insert(command.key(), command.value());
+#endif
 
     QFile input;
     QFile output;

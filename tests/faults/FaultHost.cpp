@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#include "FaultHost.h"
+
+#include <QElapsedTimer>
+#include <QProcess>
+
+namespace {
+
+QStringList commandInOwnProcesses(const QString &program)
+{
+    return {QStringLiteral("bwrap"),
+            QStringLiteral("--dev-bind"),
+            QStringLiteral("/"),
+            QStringLiteral("/"),
+            QStringLiteral("--proc"),
+            QStringLiteral("/proc"),
+            QStringLiteral("--unshare-pid"),
+            QStringLiteral("--die-with-parent"),
+            program};
+}
+
+} // namespace
+
+bool FaultHost::isAvailable()
+{
+    QStringList command = commandInOwnProcesses(QStringLiteral("true"));
+    const QString program = command.takeFirst();
+    static const bool available = Sandbox::isAvailable() && QProcess::execute(program, command) == 0;
+    return available;
+}
+
+FaultHost::FaultHost(bool inOwnProcesses)
+{
+    const QString program = QStringLiteral(ZYBASE_FAULT_HOST);
+    setCommand(inOwnProcesses ? commandInOwnProcesses(program) : QStringList {program});
+}
+
+FaultHost::Outcome FaultHost::run(const Fault &fault, const QString &command, const QJsonArray &arguments,
+                                  int limitMs)
+{
+    QJsonArray all {int(fault.kind), fault.nth, fault.action, fault.lasts, command};
+    for (const QJsonValue &argument : arguments)
+        all << argument;
+    QElapsedTimer timer;
+    timer.start();
+    send(QStringLiteral("faults.run"), all);
+    Outcome outcome;
+    const bool isReadable = hasAnswer(limitMs);
+    outcome.durationMs = timer.elapsed();
+    if (!isReadable) {
+        outcome.hasCrashed = timer.elapsed() < limitMs;
+        return outcome;
+    }
+    const QJsonObject answer = this->answer().toObject();
+    outcome.hasEnded = !answer.isEmpty();
+    outcome.hasCrashed = !outcome.hasEnded;
+    outcome.answer = answer.value(QStringLiteral("answer"));
+    outcome.calls = answer.value(QStringLiteral("calls")).toInt();
+    outcome.failed = answer.value(QStringLiteral("failed")).toString();
+    return outcome;
+}
