@@ -7,6 +7,7 @@ import re
 import shutil
 import subprocess
 import tempfile
+import time
 import urllib.error
 import urllib.request
 
@@ -93,6 +94,14 @@ class Browser:
     def run(self, script, *arguments):
         """Runs a script, the body of a function, and returns its result, also that of a promise."""
         return self.send("POST", "/execute/sync", {"script": script, "args": list(arguments)})
+
+    def wait_for(self, script):
+        """Runs the script repeatedly until its result is true. Fails after a minute."""
+        end = time.monotonic() + 60
+        while not self.run(script):
+            if time.monotonic() > end:
+                raise RuntimeError(f"never true: {script}")
+            time.sleep(0.02)
 
     def element(self, selector):
         found = self.send("POST", "/element", {"using": "css selector", "value": selector})

