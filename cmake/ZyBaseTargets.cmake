@@ -69,7 +69,7 @@ function(zybase_shared_object target)
     zybase_compile(${target})
     zybase_harden(${target})
     target_compile_options(${target} PRIVATE -fno-semantic-interposition)
-    target_link_options(${target} PRIVATE -Wl,-Bsymbolic-functions -Wl,-z,defs)
+    target_link_options(${target} PRIVATE -Wl,-Bsymbolic-functions -Wl,-z,defs -Wl,--as-needed)
     if(ZYBASE_SANITIZE)
         # The program defines the symbols of the sanitizers.
         target_link_options(${target} PRIVATE -Wl,-z,undefs)
