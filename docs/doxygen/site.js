@@ -127,8 +127,9 @@ function search(query) {
     const results = [];
     for (const entry of searchIndex) {
         const scores = terms.map(term => scoreOfTerm(term, entry));
+        const sum = scores.reduce((total, score) => total + score);
         if (!scores.includes(0))
-            results.push({entry, score: scores.reduce((sum, score) => sum + score) / terms.length + (bonus[entry[2]] || 0)});
+            results.push({entry, score: sum / terms.length + (bonus[entry[2]] || 0)});
     }
     return results.sort((one, other) => other.score - one.score).map(result => result.entry);
 }
@@ -161,7 +162,8 @@ function showResults(query) {
 function startSearch() {
     const field = document.querySelector("header input");
     document.addEventListener("keydown", event => {
-        if (event.key === "/" && !event.target.closest("input") && !event.ctrlKey && !event.altKey && !event.metaKey) {
+        const hasModifier = event.ctrlKey || event.altKey || event.metaKey;
+        if (event.key === "/" && !hasModifier && !event.target.closest("input")) {
             event.preventDefault();
             field.focus();
         }

@@ -7,9 +7,22 @@ import re
 import shutil
 import subprocess
 import tempfile
+import time
+import urllib.error
 import urllib.request
 
 PROGRAMS = ("chromium", "chromedriver")
+FLAGS = (
+    "--headless",
+    "--disable-background-networking",
+    "--disable-component-update",
+    "--disable-dev-shm-usage",
+    "--disable-gpu",
+    "--disable-sync",
+    "--hide-scrollbars",
+    "--no-first-run",
+    "--no-proxy-server",
+)
 
 
 class Browser:
@@ -34,13 +47,12 @@ class Browser:
             stderr=subprocess.STDOUT,
             universal_newlines=True,
         )
-        started = next((found for line in self.driver.stdout for found in re.findall(r"successfully on port (\d+)", line)), None)
-        if not started:
+        found = (re.search(r"started successfully on port (\d+)", line) for line in self.driver.stdout)
+        port = next(filter(None, found), None)
+        if not port:
             raise RuntimeError("chromedriver does not start")
-        self.address = f"http://127.0.0.1:{started}/session"
-        flags = ["--headless", "--disable-gpu", "--no-first-run", "--no-proxy-server", "--disable-background-networking"]
-        flags += ["--disable-component-update", "--disable-sync", "--disable-dev-shm-usage", "--hide-scrollbars"]
-        flags += ["--user-data-dir=" + self.home]
+        self.address = f"http://127.0.0.1:{port[1]}/session"
+        flags = [*FLAGS, "--user-data-dir=" + self.home]
         if os.geteuid() == 0:
             flags.append("--no-sandbox")  # the sandbox does not work as root
         options = {
@@ -80,8 +92,16 @@ class Browser:
         self.send("POST", "/url", {"url": address})
 
     def run(self, script, *arguments):
-        """Runs a script, the body of a function, and returns its result. Waits for a promise."""
+        """Runs a script, the body of a function, and returns its result, also that of a promise."""
         return self.send("POST", "/execute/sync", {"script": script, "args": list(arguments)})
+
+    def wait_for(self, script):
+        """Runs the script repeatedly until its result is true. Fails after a minute."""
+        end = time.monotonic() + 60
+        while not self.run(script):
+            if time.monotonic() > end:
+                raise RuntimeError(f"never true: {script}")
+            time.sleep(0.02)
 
     def element(self, selector):
         found = self.send("POST", "/element", {"using": "css selector", "value": selector})
@@ -100,7 +120,9 @@ class Browser:
         self.command("Emulation.setEmulatedMedia", features=[{"name": "prefers-color-scheme", "value": theme}])
 
     def set_size(self, width, height):
-        self.command("Emulation.setDeviceMetricsOverride", width=width, height=height, deviceScaleFactor=1, mobile=False)
+        metrics = {"width": width, "height": height, "deviceScaleFactor": 1, "mobile": False}
+        self.command("Emulation.setDeviceMetricsOverride", **metrics)
 
     def errors(self):
-        return [entry["message"] for entry in self.send("POST", "/se/log", {"type": "browser"}) if entry["level"] == "SEVERE"]
+        entries = self.send("POST", "/se/log", {"type": "browser"})
+        return [entry["message"] for entry in entries if entry["level"] == "SEVERE"]
