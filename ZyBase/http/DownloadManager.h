@@ -90,7 +90,7 @@ public:
      * @warning An older file of the same name is deleted at once, and is lost if the download fails. To
      * keep it, download to a different directory and then rename the new file.
      *
-     * @warning Some failures are reported as success. If the disk is full, the file is cut short. If a
+     * @warning Some failures are reported as success. If the disk is full, the file lacks a part. If a
      * connection breaks off, Qt sometimes treats it as the end of the file. Compare the size of the file
      * with the last bytesTotal. For a chunked answer compare a digest, because its last bytesTotal is only
      * the number of bytes received.

@@ -129,11 +129,12 @@ private:
         operation.prepare = [=](FaultHost &) { writeFile(file, "old"); };
         operation.outcome = [=](const QJsonValue &answer) {
             const QByteArray stored = readFile(file);
-            const QString state = !QFile::exists(file)          ? QStringLiteral("no file")
-                                  : stored == content           ? QStringLiteral("whole file")
-                                  : stored == QByteArray("old") ? QStringLiteral("old file")
-                                  : content.startsWith(stored)  ? QStringLiteral("cut file")
-                                                                : QStringLiteral("wrong file");
+            const QString state = !QFile::exists(file)             ? QStringLiteral("no file")
+                                  : stored == content              ? QStringLiteral("whole file")
+                                  : stored == QByteArray("old")    ? QStringLiteral("old file")
+                                  : content.startsWith(stored)     ? QStringLiteral("cut file")
+                                  : stored.size() < content.size() ? QStringLiteral("file without a part")
+                                                                   : QStringLiteral("wrong file");
             const QString signal = !answer.isArray()                 ? QStringLiteral("not started, ")
                                    : answer.toArray().at(0).toBool() ? QStringLiteral("success, ")
                                                                      : QStringLiteral("failure, ");
@@ -142,7 +143,8 @@ private:
         operation.success = QStringLiteral("success, whole file");
         operation.promised =
             QStringList {QStringLiteral("not started, no file"), QStringLiteral("not started, old file"),
-                         QStringLiteral("failure, no file"), QStringLiteral("success, cut file")};
+                         QStringLiteral("failure, no file"), QStringLiteral("success, cut file"),
+                         QStringLiteral("success, file without a part")};
         return operation;
     }
     void useNetwork(FaultHost &host) const
