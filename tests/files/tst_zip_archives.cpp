@@ -235,19 +235,27 @@ with zipfile.ZipFile(Pipe(sys.argv[1]), 'w', zipfile.ZIP_DEFLATED) as archive:
         QVERIFY(readFile(path("target/a.txt")) != QByteArray("hello"));
     }
 
-    void leavesEmptyFileForEncryptedDeflatedEntry()
+    void usuallyLeavesEmptyFileForEncryptedDeflatedEntry()
     {
-        QVERIFY(writeFile(path("a.txt"), QByteArray(100000, 'a')));
-        if (!runTool(utf8("zip"),
-                     {utf8("-q"), utf8("-P"), utf8("secret"), utf8("archive.zip"), utf8("a.txt")},
-                     directoryPath()))
-            QSKIP("Info-ZIP is not installed");
+        // zip encrypts with random numbers, so the meaningless bytes can begin as deflated ones do.
+        constexpr int attempts = 10;
+        const QByteArray content(100000, 'a');
+        QByteArray extracted = content;
+        QVERIFY(writeFile(path("a.txt"), content));
         QVERIFY(QDir().mkpath(path("target")));
-        QVERIFY(writeFile(path("target/a.txt"), "replaced"));
-        QVERIFY(ZipManager::QuaUnzipFile(path("archive.zip"), path("target"), true));
-        QCOMPARE(messages().size(), 1);
-        QCOMPARE(messages().first().text, utf8("解压成功： \"%1\"").arg(path("target/a.txt")));
-        QCOMPARE(readFile(path("target/a.txt")), QByteArray());
+        for (int i = 0; i < attempts && !extracted.isEmpty(); ++i) {
+            QFile::remove(path("archive.zip"));
+            if (!runTool(utf8("zip"),
+                         {utf8("-q"), utf8("-P"), utf8("secret"), utf8("archive.zip"), utf8("a.txt")},
+                         directoryPath()))
+                QSKIP("Info-ZIP is not installed");
+            QVERIFY(writeFile(path("target/a.txt"), "replaced"));
+            QVERIFY(ZipManager::QuaUnzipFile(path("archive.zip"), path("target"), true));
+            extracted = readFile(path("target/a.txt"));
+            QVERIFY(extracted != content && extracted != "replaced");
+        }
+        QCOMPARE(extracted, QByteArray());
+        QCOMPARE(messages().last().text, utf8("解压成功： \"%1\"").arg(path("target/a.txt")));
     }
 
     void logsWarningForUnknownMethod_data()
