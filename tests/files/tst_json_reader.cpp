@@ -126,6 +126,10 @@ private Q_SLOTS:
                                  << QJsonValue(QStringLiteral("a\"\\n\u00e9"));
         QTest::newRow("among other keys") << QByteArray("{\"a\": 1, \"key\": 2, \"z\": 3}") << QJsonValue(2);
         QTest::newRow("duplicate key: last value") << QByteArray("{\"key\": 1, \"key\": 2}") << QJsonValue(2);
+        QTest::newRow("byte order mark at the start of a string: lost")
+            << QByteArray("{\"key\": \"\xef\xbb\xbf"
+                          "text\"}")
+            << QJsonValue(QStringLiteral("text"));
         QTest::newRow("with a byte order mark") << QByteArray("\xef\xbb\xbf{\"key\": 1}") << QJsonValue(1);
         QTest::newRow("with spaces around") << QByteArray("\r\n\t {\"key\" : 1 } \n\n") << QJsonValue(1);
     }
