@@ -21,7 +21,7 @@ namespace {
 namespace http = boost::beast::http;
 
 // The parser allocates memory for the announced size. A QByteArray holds less than 2 GiB.
-constexpr std::uint64_t maximumBodyBytes = 1024 * 1024 * 1024;
+constexpr std::uint64_t maximumBodyBytes = 1ULL << 30U;
 const QByteArray contentType = QByteArrayLiteral("Content-Type");
 const QByteArray contentLength = QByteArrayLiteral("Content-Length");
 const QByteArray transferEncoding = QByteArrayLiteral("Transfer-Encoding");
