@@ -97,12 +97,12 @@ QList<const void *> *staticObjects = nullptr; // those constructed; not recorded
 // Called instead of the C library's function, because symbols of the program come first. A static object
 // whose constructor has run is registered with it.
 extern "C" __attribute__((visibility("default"))) int __cxa_atexit(void (*destroy)(void *), void *object,
-                                                                   void *library)
+                                                                   void *owner)
 {
     if (staticObjects)
         staticObjects->append(object);
     static const auto original = reinterpret_cast<decltype(&__cxa_atexit)>(dlsym(RTLD_NEXT, "__cxa_atexit"));
-    return original(destroy, object, library);
+    return original(destroy, object, owner);
 }
 
 // Verifies what a loader and a linker use of the library.
