@@ -81,7 +81,7 @@ private:
         operation.onlyFirst = {Kind::Thread};
         return operation;
     }
-    Operation event(bool waits) const
+    Operation sendEvent(bool waits) const
     {
         Operation operation;
         operation.name =
@@ -99,7 +99,7 @@ private:
     }
     Operation report() const
     {
-        Operation operation = event(false);
+        Operation operation = sendEvent(false);
         operation.name = QStringLiteral("report of an event");
         operation.command = QStringLiteral("requests.report");
         operation.outcome = describeReport;
@@ -178,8 +178,8 @@ private Q_SLOTS:
         for (const char *form : {"StartRequestSync", "StartRequestAsync", "StartGetRequest",
                                  "StartGetRequestSync", "StartGetRequestAndStatusCode"})
             operations << requestOf(QString::fromLatin1(form), *m_server);
-        operations << requestOf(QStringLiteral("StartGetRequestSync"), *m_tlsServer) << event(true)
-                   << event(false) << report() << record() << download();
+        operations << requestOf(QStringLiteral("StartGetRequestSync"), *m_tlsServer) << sendEvent(true)
+                   << sendEvent(false) << report() << record() << download();
         m_sweep.reset(new Sweep(
             operations,
             {{QStringLiteral("^(Start[A-Za-z]*Sync|event that|download).*, thread"),
