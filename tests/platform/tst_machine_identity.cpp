@@ -13,14 +13,17 @@
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QJsonObject>
+#include <QNetworkInterface>
 #include <QSet>
 #include <QTest>
 
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <functional>
 #include <optional>
+#include <thread>
 
 using ZyBase::CSystemUtils;
 
@@ -39,6 +42,7 @@ QString digest(const QByteArray &text)
 }
 
 constexpr const char *firstCallsArgument = "--first-calls";
+std::atomic<int> threadsBeforeTime {0}; // that have no better source
 
 // Makes the first calls of this process in eight threads, and returns true if all identifiers have a time.
 bool haveFirstCallsTimes()
@@ -81,6 +85,15 @@ QStringList toStrings(const QJsonValue &array)
 }
 
 } // namespace
+
+// Called instead of Qt's function, because symbols of the program come first. The library reads the clock
+// next: all eight threads do so at the same time.
+__attribute__((visibility("default"))) QList<QNetworkInterface> QNetworkInterface::allInterfaces()
+{
+    for (++threadsBeforeTime; threadsBeforeTime < 8;)
+        std::this_thread::yield();
+    return {};
+}
 
 // The sources of the identifier, on a machine whose files and network are the test's.
 class TestMachineIdentity : public QObject
@@ -376,10 +389,8 @@ private Q_SLOTS:
 
     void usesTimeInFirstCallsOfSeveralThreads()
     {
-        if (!Sandbox::hasNetwork(loopbackOnly))
-            QSKIP("network namespaces are not allowed here");
         ChildProcess process({QCoreApplication::applicationFilePath(), QLatin1String(firstCallsArgument)});
-        process.setSandbox(machine(loopbackOnly));
+        process.setSandbox(machine());
         QVERIFY(process.start());
         QCOMPARE(process.finish(), EXIT_SUCCESS);
     }
