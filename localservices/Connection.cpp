@@ -4,6 +4,7 @@
 
 #include <openssl/ssl.h>
 
+#include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -13,6 +14,19 @@
 #include <utility>
 
 namespace LocalServices {
+
+int connectToLoopback(int port)
+{
+    const int socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address {};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(quint16(port));
+    if (::connect(socket, reinterpret_cast<const sockaddr *>(&address), sizeof(address)) == 0)
+        return socket;
+    ::close(socket);
+    return -1;
+}
 
 void Connection::FreeTls::operator()(ssl_st *tls) const
 {

@@ -11,6 +11,9 @@ struct ssl_st;
 
 namespace LocalServices {
 
+/** Connects to a port of the loopback interface. Returns the socket, or -1 after a failure. */
+int connectToLoopback(int port);
+
 /**
  * One TCP connection, plain or with TLS, for use in one thread. Calls that block fail at once if the client
  * closes the connection or the server stops.

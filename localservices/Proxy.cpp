@@ -8,7 +8,6 @@
 
 #include <QHostAddress>
 
-#include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -25,19 +24,6 @@ constexpr int httpPort = 80;
 bool isLoopback(const QUrl &target)
 {
     return QHostAddress(target.host()).isLoopback();
-}
-
-int connectTo(int port)
-{
-    const int socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address {};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    address.sin_port = htons(quint16(port));
-    if (::connect(socket, reinterpret_cast<const sockaddr *>(&address), sizeof(address)) == 0)
-        return socket;
-    ::close(socket);
-    return -1;
 }
 
 // Copies the bytes that are available. Returns false at the end of the connection.
@@ -121,7 +107,7 @@ void Proxy::handle(Connection &client)
     const bool isTunnel = request->method == "CONNECT";
     const QString address = QString::fromLatin1(request->target);
     const QUrl target(isTunnel ? QLatin1String("//") + address : address);
-    const int socket = connectTo(portFor(target));
+    const int socket = connectToLoopback(portFor(target));
     if (socket < 0) {
         writeResponse(client, *request, {HttpStatus::BadGateway, {}});
         return;

@@ -3,37 +3,11 @@
 #include "FaultHost.h"
 
 #include <QElapsedTimer>
-#include <QProcess>
-
-namespace {
-
-QStringList commandInOwnProcesses(const QString &program)
-{
-    return {QStringLiteral("bwrap"),
-            QStringLiteral("--dev-bind"),
-            QStringLiteral("/"),
-            QStringLiteral("/"),
-            QStringLiteral("--proc"),
-            QStringLiteral("/proc"),
-            QStringLiteral("--unshare-pid"),
-            QStringLiteral("--die-with-parent"),
-            program};
-}
-
-} // namespace
-
-bool FaultHost::isAvailable()
-{
-    QStringList command = commandInOwnProcesses(QStringLiteral("true"));
-    const QString program = command.takeFirst();
-    static const bool available = Sandbox::isAvailable() && QProcess::execute(program, command) == 0;
-    return available;
-}
 
 FaultHost::FaultHost(bool inOwnProcesses)
 {
-    const QString program = QStringLiteral(ZYBASE_FAULT_HOST);
-    setCommand(inOwnProcesses ? commandInOwnProcesses(program) : QStringList {program});
+    const QStringList command {QStringLiteral(ZYBASE_FAULT_HOST)};
+    setCommand(inOwnProcesses ? Sandbox::inOwnProcesses(command) : command);
 }
 
 FaultHost::Outcome FaultHost::run(const Fault &fault, const QString &command, const QJsonArray &arguments,

@@ -24,11 +24,7 @@ struct Fault
 class FaultHost : public HostProcess
 {
 public:
-    /** Returns false if process namespaces are not available. */
-    static bool isAvailable();
-
-    /** Prepares the program; @p inOwnProcesses is false for a process that shares the namespace of this one.
-     */
+    /** Prepares the program. It shares the namespace of this process if @p inOwnProcesses is false. */
     explicit FaultHost(bool inOwnProcesses = true);
 
     /** The end of a command. */

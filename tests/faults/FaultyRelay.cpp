@@ -2,7 +2,6 @@
 
 #include "FaultyRelay.h"
 
-#include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -16,17 +15,6 @@ constexpr int pauseMs = 3;
 // A changed length makes both sides wait for each other. This ends the connection long before the request's
 // time limit does.
 constexpr int idleMs = 2000;
-
-int connectTo(int port)
-{
-    const int socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address {};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    address.sin_port = htons(quint16(port));
-    ::connect(socket, reinterpret_cast<const sockaddr *>(&address), sizeof(address));
-    return socket;
-}
 
 char changed(char byte, FaultyRelay::Fault fault)
 {
@@ -53,7 +41,10 @@ void FaultyRelay::set(Fault fault, qint64 position)
 
 void FaultyRelay::relay(Connection &client)
 {
-    Connection server(connectTo(m_serverPort), nullptr);
+    const int socket = LocalServices::connectToLoopback(m_serverPort);
+    if (socket == -1)
+        return;
+    Connection server(socket, nullptr);
     qint64 sent = 0;
     char buffer[16384];
     while (true) {

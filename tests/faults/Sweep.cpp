@@ -94,7 +94,7 @@ Sweep::~Sweep()
 
 QString Sweep::reasonToSkip()
 {
-    return FaultHost::isAvailable()
+    return Sandbox::hasOwnProcesses()
                ? QString()
                : QStringLiteral("bubblewrap is not installed, or may not make a process namespace here");
 }

@@ -13,22 +13,6 @@ namespace {
 
 constexpr int belowToolTimeoutMs = 25000; // the library waits 30 seconds for one tool
 
-// A process namespace of its own: a signal to all processes of the user would reach only the host.
-QStringList inOwnProcesses(const QStringList &command)
-{
-    return QStringList {QStringLiteral("bwrap"), QStringLiteral("--dev-bind"),       QStringLiteral("/"),
-                        QStringLiteral("/"),     QStringLiteral("--unshare-pid"),    QStringLiteral("--proc"),
-                        QStringLiteral("/proc"), QStringLiteral("--die-with-parent")}
-           + command;
-}
-
-bool hasOwnProcesses()
-{
-    QStringList command = inOwnProcesses({QStringLiteral("true")});
-    const QString program = command.takeFirst();
-    return Sandbox::isAvailable() && QProcess::execute(program, command) == 0;
-}
-
 } // namespace
 
 // The calls that run a tool, if the system creates no process.
@@ -40,10 +24,10 @@ private:
     void start(const QByteArray &descriptor)
     {
         m_host = std::make_unique<HostProcess>();
-        m_host->setCommand(
-            inOwnProcesses({QStringLiteral("env"), QStringLiteral("LD_PRELOAD=" ZYBASE_REFUSE_PROCESSES),
-                            QStringLiteral("ZYBASE_TEST_PIDFD=") + QString::fromLatin1(descriptor),
-                            HostProcess::program()}));
+        m_host->setCommand(Sandbox::inOwnProcesses(
+            {QStringLiteral("env"), QStringLiteral("LD_PRELOAD=" ZYBASE_REFUSE_PROCESSES),
+             QStringLiteral("ZYBASE_TEST_PIDFD=") + QString::fromLatin1(descriptor),
+             HostProcess::program()}));
         for (const char *variable : {"GTK_THEME", "QT_STYLE_OVERRIDE", "DESKTOP_SESSION"})
             m_host->setEnvironment(QString::fromLatin1(variable), QString());
         m_host->setEnvironment(QStringLiteral("XDG_CONFIG_HOME"), QStringLiteral("/nowhere"));
@@ -65,7 +49,7 @@ private Q_SLOTS:
     {
         if (ZYBASE_SANITIZED)
             QSKIP("sanitizers cannot be loaded after another library");
-        if (!hasOwnProcesses())
+        if (!Sandbox::hasOwnProcesses())
             QSKIP("bubblewrap is not installed, or may not make a process namespace here");
     }
     void cleanup() { m_host.reset(); }

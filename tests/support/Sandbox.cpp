@@ -87,6 +87,20 @@ bool Sandbox::hasNetwork(const QString &setUp)
     return isAvailable() && succeeds(command);
 }
 
+bool Sandbox::hasOwnProcesses()
+{
+    static const bool has = isAvailable() && succeeds(inOwnProcesses({QStringLiteral("true")}).mid(1));
+    return has;
+}
+
+QStringList Sandbox::inOwnProcesses(const QStringList &command)
+{
+    return QStringList {program} + bindRoot()
+           + QStringList {QStringLiteral("--unshare-pid"), QStringLiteral("--proc"), QStringLiteral("/proc"),
+                          QStringLiteral("--die-with-parent")}
+           + command;
+}
+
 void Sandbox::readOnly(const QString &path)
 {
     m_changes << QStringLiteral("--ro-bind") << path << path;

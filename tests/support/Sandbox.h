@@ -27,6 +27,15 @@ public:
     /** Returns true if ownNetwork() is supported and the commands succeed. */
     static bool hasNetwork(const QString &setUp);
 
+    /** Returns true if inOwnProcesses() is supported. */
+    static bool hasOwnProcesses();
+
+    /**
+     * Returns the command line that runs @p command in a process namespace of its own. A signal to all
+     * processes reaches no other process.
+     */
+    static QStringList inOwnProcesses(const QStringList &command);
+
     /** Makes the path read-only, also for root. */
     void readOnly(const QString &path);
 
