@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: LGPL-2.1-or-later
+
+#pragma once
+
+#include "Host.h"
+
+/** Runs 16 threads that log while the month changes, again and again. Verifies that every line is in its
+ * file. */
+int runMonths(double minutes);
+
+/** One round of runMonths(), under a clock that starts just before the end of a month. */
+int runMonthsHost(const QString &baseDirectory);
+
+/** Runs two applications with the same home directory and the same directory for their logs. */
+int runTwoHosts(const HostOptions &options);
+
+/** Starts applications that quit with requests in flight, @p runs for each case, and counts the crashes. */
+int runQuitting(int runs);
+
+/** One application of runQuitting(). */
+int runQuittingHost(int &argc, char **argv, const QString &caseName, const QString &address);
