@@ -39,7 +39,8 @@ namespace ZyBase {
  * that case; the log4qt of this library does not.
  *
  * **Lifetime.** The log is on from InitLogger() to ReleaseLogger(). A line is in the file when the function
- * returns, so a crash of the application loses no line.
+ * returns, so a crash of the application loses no line. If the process is killed during a call, the line of
+ * that call is whole, missing or cut. The next process appends its first line directly to a cut one.
  *
  * **Encoding.** Arguments are null-terminated UTF-8 strings; invalid bytes are replaced by U+FFFD. The file
  * has the encoding of the locale, which is usually UTF-8.

@@ -4,6 +4,9 @@
 
 #include "Files.h"
 #include "ProcessFigures.h"
+#include "Waiting.h"
+
+#include <localservices/HttpServer.h>
 
 #include <JlCompress.h>
 #include <qrencode.h>
@@ -20,96 +23,97 @@
 #include <QNetworkReply>
 #include <QPainter>
 #include <QProcess>
+#include <QTimer>
 
 #include <atomic>
-#include <memory>
 #include <thread>
 
 namespace {
 
-// Sends a POST if there is a body, otherwise a GET, and waits for the answer.
-QByteArray exchange(const QUrl &url, const QByteArray &body = {},
-                    const std::atomic<bool> *isStopped = nullptr)
+std::atomic<bool> isStopped;
+
+// Sends a POST if there is a body, otherwise a GET. Waits for the answer, or until isStopped.
+QByteArray exchange(const QUrl &url, const QByteArray &body)
 {
+    constexpr std::chrono::milliseconds interval(20);
     QNetworkAccessManager manager;
     QNetworkRequest request(url);
     request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
     QNetworkReply *const reply = body.isEmpty() ? manager.get(request) : manager.post(request, body);
     QEventLoop loop;
     QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
-    if (!isStopped) {
-        loop.exec();
-        return reply->readAll();
-    }
-    waitUntil([&] { return reply->isFinished() || *isStopped; });
-    reply->abort();
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, reply, [reply] {
+        if (isStopped)
+            reply->abort();
+    });
+    timer.start(interval);
+    loop.exec();
     return reply->readAll();
 }
 
-// Sends the same request in this many threads at a time.
-bool sendInThreads(const QUrl &url, int count)
+std::vector<std::thread> startThreads(int count, const QUrl &url, const QByteArray &body)
 {
-    const auto answers = std::make_shared<std::atomic<int>>(0);
-    for (int i = 0; i < count; ++i) {
-        std::thread([url, answers] {
-            exchange(url, "{}");
-            ++*answers;
-        }).detach();
-    }
-    return waitUntil([&] { return *answers == count; });
+    std::vector<std::thread> threads;
+    while (threads.size() < size_t(count))
+        threads.emplace_back([url, body] { exchange(url, body); });
+    return threads;
 }
 
-bool stopThreads(const QUrl &url)
+bool joinAll(std::vector<std::thread> threads)
 {
-    constexpr int requests = 500;
-    const int threads = ProcessFigures::threadCount();
-    const auto isStopped = std::make_shared<std::atomic<bool>>(false);
-    for (int i = 0; i < requests; ++i)
-        std::thread([url, isStopped] { exchange(url, {}, isStopped.get()); }).detach();
+    for (std::thread &thread : threads)
+        thread.join();
+    return true;
+}
+
+bool sendInThreads(const QUrl &url)
+{
+    constexpr int requests = 3;
+    return joinAll(startThreads(requests, url, "{}"));
+}
+
+bool stopRequests()
+{
+    const LocalServices::HttpServer server;
+    std::vector<std::thread> threads = startThreads(manyRequests, server.url(QStringLiteral("/never")), {});
     const bool areInFlight =
-        waitUntil([threads] { return ProcessFigures::threadCount() >= threads + requests; }, 9000);
-    *isStopped = true;
-    return waitUntil([threads] { return ProcessFigures::threadCount() <= threads; }) && areInFlight;
+        QTest::qWaitFor([&server] { return server.requests().size() == manyRequests; }, beforeTimeLimitMs);
+    isStopped = true;
+    joinAll(std::move(threads));
+    isStopped = false;
+    return areInFlight;
 }
 
-std::function<bool()> logPart(const Surroundings &surroundings)
+bool writeLog(const QString &path, int round)
 {
-    const QString path = surroundings.directory + QStringLiteral("/control.log");
-    return [path, round = 0]() mutable {
-        constexpr int messages = 50;
-        QFile file(path);
-        if (!file.open(QIODevice::WriteOnly | QIODevice::Append))
-            return false;
-        for (int i = 0; i < messages; ++i) {
-            const QString time =
-                QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss.zzz"));
-            file.write(
-                QStringLiteral("%1 INFO   - round %2, message %3\n").arg(time).arg(round).arg(i).toUtf8());
-            file.flush();
-        }
-        ++round;
-        return true;
-    };
+    constexpr int messages = 50;
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Append))
+        return false;
+    for (int i = 0; i < messages; ++i) {
+        const QString time = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss.zzz"));
+        file.write(QStringLiteral("%1 INFO   - round %2, message %3\n").arg(time).arg(round).arg(i).toUtf8());
+        file.flush();
+    }
+    return true;
 }
 
 // What IsDarkTheme() runs if no desktop has a setting.
 bool runTools()
 {
-    const QStringList keys {QStringLiteral("org.gnome.desktop.interface gtk-theme"),
-                            QStringLiteral("org.mate.interface gtk-theme")};
-    QProcess::execute(QStringLiteral("which"), {QStringLiteral("gsettings")});
-    for (const QString &key : keys) {
+    const QString settings = QStringLiteral("gsettings");
+    QProcess::execute(QStringLiteral("which"), {settings});
+    for (const char *const schema : {"org.gnome.desktop.interface", "org.mate.interface"}) {
         QProcess process;
-        process.start(QStringLiteral("gsettings"),
-                      QStringList {QStringLiteral("get")} + key.split(QLatin1Char(' ')));
+        process.start(settings, {QStringLiteral("get"), QLatin1String(schema), QStringLiteral("gtk-theme")});
         process.waitForFinished();
     }
     return true;
 }
 
-bool useFiles(const QString &directory)
+bool useFiles(const QString &path)
 {
-    const QString path = directory + QStringLiteral("/control.json");
     const QJsonObject settings {{QStringLiteral("width"), 800}};
     return writeFile(path, QJsonDocument(settings).toJson())
            && QJsonDocument::fromJson(readFile(path)).object() == settings
@@ -119,7 +123,7 @@ bool useFiles(const QString &directory)
 bool drawSymbol()
 {
     constexpr int side = 200;
-    QRcode *const symbol = QRcode_encodeString("https://example.org/soak", 0, QR_ECLEVEL_Q, QR_MODE_8, 1);
+    QRcode *const symbol = QRcode_encodeString(symbolText, 0, QR_ECLEVEL_Q, QR_MODE_8, 1);
     QImage image(side, side, QImage::Format_ARGB32);
     image.fill(Qt::white);
     QPainter painter(&image);
@@ -131,51 +135,37 @@ bool drawSymbol()
     return true;
 }
 
-bool readCatalogue(const QString &path)
+bool findEvents(const QString &path)
 {
-    constexpr int events = 100000;
-    if (!QFile::exists(path) && !writeCatalogue(path, events))
-        return false;
-    static QMap<QString, QJsonObject> map;
+    static QMap<QString, QJsonObject> events;
     const QJsonArray array = QJsonDocument::fromJson(readFile(path)).array();
     for (const QJsonValue &value : array)
-        map.insert(value.toObject().value(QLatin1String("event_key")).toString(), value.toObject());
-    for (int i = 0; i < events; ++i) {
-        if (map.value(QStringLiteral("key%1").arg(i)).size() != 4)
-            return false;
-    }
-    return true;
+        events.insert(value.toObject().value(QLatin1String("event_key")).toString(), value.toObject());
+    int found = 0;
+    for (int i = 0; i < manyEvents; ++i)
+        found += events.value(QStringLiteral("key_%1").arg(i)).size() == 4 ? 1 : 0;
+    return found == manyEvents;
 }
 
 } // namespace
 
-std::vector<Part> controlParts(const Surroundings &surroundings)
+std::vector<Part> controlParts(const Surroundings &s)
 {
-    const QString &directory = surroundings.directory;
-    const auto path = [&](const char *name) {
-        return surroundings.server.resolved(QUrl(QLatin1String(name)));
-    };
-    const QString archive = directory + QStringLiteral("/archive.zip");
-    return {{QStringLiteral("log"), logPart(surroundings)},
-            {QStringLiteral("requests"),
-             [url = path("/echo")] {
-                 return sendInThreads(url, 3) && !exchange(url, "{}").isEmpty() && !exchange(url).isEmpty();
-             }},
-            {QStringLiteral("downloads"),
-             [url = path("/bytes/200000/file.bin"), directory] {
-                 return writeFile(directory + QStringLiteral("/file.bin"), exchange(url));
-             }},
-            {QStringLiteral("archive"),
-             [archive, directory] {
-                 return !JlCompress::extractDir(archive, directory + QStringLiteral("/extracted")).isEmpty();
-             }},
-            {QStringLiteral("theme"), runTools},
-            {QStringLiteral("reports"), [url = surroundings.statistics] { return sendInThreads(url, 3); }},
-            {QStringLiteral("address"),
-             [] { return !exchange(QUrl(QStringLiteral("http://ip-api.com/json")), "{}").isEmpty(); }},
-            {QStringLiteral("files"), [directory] { return useFiles(directory); }},
-            {QStringLiteral("qrcode"), drawSymbol},
-            {QStringLiteral("in-flight"), [url = path("/never")] { return stopThreads(url); }},
-            {QStringLiteral("catalogue"),
-             [file = directory + QStringLiteral("/catalogue.json")] { return readCatalogue(file); }}};
+    return {
+        {"log", [&s, round = 0]() mutable { return writeLog(s.path("control.log"), round++); }},
+        {"requests",
+         [&s] {
+             const QUrl url = s.url("/echo");
+             return sendInThreads(url) && !exchange(url, "{}").isEmpty() && !exchange(url, {}).isEmpty();
+         }},
+        {"downloads",
+         [&s] { return writeFile(s.path("file.bin"), exchange(s.url("/bytes/200000/file.bin"), {})); }},
+        {"archive", [&s] { return !JlCompress::extractDir(s.archive(), s.path("extracted")).isEmpty(); }},
+        {"theme", runTools},
+        {"reports", [&s] { return sendInThreads(s.statistics); }},
+        {"address", [] { return !exchange(QUrl(QStringLiteral("http://ip-api.com/json")), {}).isEmpty(); }},
+        {"files", [&s] { return useFiles(s.path("settings.json")); }},
+        {"qrcode", drawSymbol},
+        {"in-flight", stopRequests, false},
+        {"catalogue", [&s] { return findEvents(s.catalogue(manyEvents)); }, false}};
 }

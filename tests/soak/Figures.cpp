@@ -4,11 +4,10 @@
 
 #include "ProcessFigures.h"
 
-#include <QDir>
-#include <QFile>
+#include <QStringList>
 
+#include <algorithm>
 #include <malloc.h>
-#include <unistd.h>
 
 namespace {
 
@@ -26,91 +25,64 @@ double heapBytes()
 #endif
 }
 
-double residentBytes()
+template <auto function> double number()
 {
-    return double(ProcessFigures::residentBytes());
+    return double(function());
 }
 
-double descriptorCount()
+QString row(const QStringList &columns)
 {
-    return ProcessFigures::openFileCount();
-}
-
-double threadCount()
-{
-    return ProcessFigures::threadCount();
-}
-
-double childCount()
-{
-    int count = 0;
-    const QStringList processes =
-        QDir(QStringLiteral("/proc")).entryList({QStringLiteral("[0-9]*")}, QDir::Dirs);
-    for (const QString &process : processes) {
-        QFile file(QStringLiteral("/proc/%1/stat").arg(process));
-        if (!file.open(QIODevice::ReadOnly))
-            continue;
-        // "pid (name) state parent ...": the name can contain spaces.
-        const QByteArray line = file.readAll();
-        const QList<QByteArray> fields = line.mid(line.lastIndexOf(')') + 2).split(' ');
-        if (fields.value(1).toInt() == ::getpid())
-            ++count;
-    }
-    return count;
-}
-
-QString number(double value, bool isMemory)
-{
-    return isMemory ? QStringLiteral("%1 KiB").arg(value / kibibyte, 0, 'f', 1)
-                    : QString::number(value, 'f', 2);
+    QString line = columns.first().leftJustified(22);
+    for (const QString &column : columns.mid(1))
+        line += column.rightJustified(11);
+    return line + QLatin1Char('\n');
 }
 
 } // namespace
 
 Figures::Figures()
-    : m_figures {{"heap in use", heapBytes, true, 256 * kibibyte, {}},
-                 {"resident memory", residentBytes, true, 4096 * kibibyte, {}},
-                 {"descriptors", descriptorCount, false, 1, {}},
-                 {"threads", threadCount, false, 1, {}},
-                 {"child processes", childCount, false, 1, {}}}
+    : m_figures {
+        {"heap in use, KiB", heapBytes, kibibyte, 256 * kibibyte, {}},
+        {"resident memory, KiB", number<ProcessFigures::residentBytes>, kibibyte, 4096 * kibibyte, {}},
+        {"descriptors", number<ProcessFigures::openFileCount>, 1, 1, {}},
+        {"threads", number<ProcessFigures::threadCount>, 1, 1, {}},
+        {"child processes", number<ProcessFigures::childCount>, 1, 1, {}}}
 {
 }
 
 void Figures::sample(double seconds, double knownGrowthBytes)
 {
     for (Figure &figure : m_figures)
-        figure.trend.add(seconds, figure.value() - (figure.isMemory ? knownGrowthBytes : 0));
+        figure.trend.add(seconds, figure.value() - (figure.unit == kibibyte ? knownGrowthBytes : 0));
 }
 
 QString Figures::table() const
 {
-    const auto row = [](const QStringList &columns) {
-        QString line = columns.first().leftJustified(18);
-        for (int i = 1; i < columns.size(); ++i)
-            line += columns.at(i).rightJustified(15);
-        return line + QLatin1Char('\n');
-    };
-    QString text = row({QStringLiteral("figure"), QStringLiteral("first"), QStringLiteral("last"),
-                        QStringLiteral("growth"), QStringLiteral("error"), QStringLiteral("tolerance")});
+    QString table = row({QStringLiteral("figure"), QStringLiteral("first"), QStringLiteral("last"),
+                         QStringLiteral("growth"), QStringLiteral("error"), QStringLiteral("tolerance")});
     for (const Figure &figure : m_figures) {
+        const Trend &trend = figure.trend;
         QStringList columns {QString::fromLatin1(figure.name)};
-        for (const double value : {figure.trend.first(), figure.trend.last(), figure.trend.growth(),
-                                   figure.trend.growthError(), figure.tolerance})
-            columns << number(value, figure.isMemory);
-        text += row(columns).chopped(1) + QLatin1String(hasGrown(figure) ? "  GROWS\n" : "\n");
+        for (const double value :
+             {trend.first(), trend.last(), trend.growth(), trend.growthError(), figure.tolerance})
+            columns << QString::number(value / figure.unit, 'f', 1);
+        if (hasGrown(figure))
+            columns << QStringLiteral("GROWS");
+        table += row(columns);
     }
-    return text;
+    return table;
 }
 
-bool Figures::hasGrown() const
+bool Figures::haveGrown() const
 {
-    return std::any_of(m_figures.begin(), m_figures.end(),
-                       [](const Figure &figure) { return hasGrown(figure); });
+    return std::any_of(m_figures.begin(), m_figures.end(), hasGrown);
 }
 
 bool Figures::hasGrown(const Figure &figure)
 {
+    constexpr int fewValues = 20;
     constexpr double standardErrors = 3;
     const double growth = figure.trend.growth();
-    return growth > figure.tolerance && growth > standardErrors * figure.trend.growthError();
+    return figure.trend.count() > fewValues && growth > figure.tolerance
+           && growth > standardErrors * figure.trend.growthError();
 }

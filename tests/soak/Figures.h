@@ -20,16 +20,19 @@ public:
     /** Returns a table with the growth of each figure and its tolerance. */
     QString table() const;
 
-    /** Returns true if a figure has grown by more than its tolerance and by more than chance explains. */
-    bool hasGrown() const;
+    /**
+     * Returns true if a figure has grown by more than its tolerance and by more than three standard errors.
+     * Always false in a run of a few seconds, whose values are too few to judge.
+     */
+    bool haveGrown() const;
 
 private:
     struct Figure
     {
         const char *name;
         double (*value)();
-        bool isMemory;
-        double tolerance; ///< of the growth in the whole time
+        double unit; ///< 1024 for bytes, which are printed in KiB
+        double tolerance; ///< of the growth in the whole run
         Trend trend;
     };
     static bool hasGrown(const Figure &figure);

@@ -4,15 +4,17 @@
 
 #include <QStringList>
 
-/** What a process of the soak test runs, and for how long. */
 struct HostOptions
 {
     double minutes = 1;
     QStringList parts; ///< the usual ones if empty
     bool isControl = false;
     QString logDirectory; ///< a temporary one if empty
-    QString logName = QStringLiteral("soak.log");
+    QString logName;
 };
+
+/** Prints a line to the standard error stream. */
+void print(const QString &line);
 
 /** Runs the parts in turn. Prints the figures. Returns the exit code: 1 if a figure grows or a part fails. */
 int runHost(const HostOptions &options);

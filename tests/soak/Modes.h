@@ -8,7 +8,7 @@
  * file. */
 int runMonths(double minutes);
 
-/** One round of runMonths(), under a clock that starts just before the end of a month. */
+/** One application of runMonths(). */
 int runMonthsHost(const QString &baseDirectory);
 
 /** Runs two applications with the same home directory and the same directory for their logs. */

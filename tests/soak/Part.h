@@ -8,42 +8,41 @@
 #include <functional>
 #include <vector>
 
-/** What the parts use: directories of this process, and the addresses of the local services. */
+/** What the parts use: files of this process, and the addresses of the local services. */
 struct Surroundings
 {
-    QString directory; ///< for files
+    QString directory;
     QString logDirectory; ///< base directory of the log
     QString logName;
     QUrl statistics;
     QUrl server; ///< base address of a LocalServices::HttpServer
+
+    QString path(const char *name) const { return directory + QLatin1Char('/') + QLatin1String(name); }
+    QUrl url(const char *path) const { return server.resolved(QUrl(QLatin1String(path))); }
+
+    /** Returns the path of an archive of some files. */
+    QString archive() const;
+
+    /** Returns the path of a catalogue of events with the keys "key_0", "key_1" and so on. */
+    QString catalogue(int eventCount) const;
 };
 
-/** One part of the load: a function that is called again and again, and returns false if it fails. */
+/** One part of the load. */
 struct Part
 {
-    QString name;
-    std::function<bool()> round;
+    const char *name;
+    std::function<bool()> runRound; ///< is called again and again; returns false if it fails
+    bool isUsual = true; ///< runs if no part is named
     double knownGrowthBytes = 0; ///< in each round, by contract
-    QString knownCause = {};
+    const char *knownCause = "";
 };
 
-/** Returns the parts that use the library. The last ones run only if their names are given. */
+/** Returns the parts, which use the library. */
 std::vector<Part> libraryParts(const Surroundings &surroundings);
 
 /** Returns parts of the same names that do the same with Qt, QuaZip and libqrencode alone. */
 std::vector<Part> controlParts(const Surroundings &surroundings);
 
-/** The names of the parts that run by default. */
-QStringList usualParts();
-
-/** Runs an event loop until the condition is true. Returns false after @p timeoutMs. */
-bool waitUntil(const std::function<bool()> &condition, int timeoutMs = 30000);
-
-/** Runs a new event loop for this time. */
-void runEventLoop(int milliseconds);
-
-/** A catalogue of @p count events, as a file. */
-bool writeCatalogue(const QString &path, int count);
-
-/** Creates an archive of some files, which the parts extract. */
-bool writeArchive(const QString &path, const QString &directory);
+constexpr int manyRequests = 500; ///< of the part "in-flight"
+constexpr int manyEvents = 100000; ///< of the part "catalogue"
+constexpr const char *symbolText = "https://example.org/soak";

@@ -2,6 +2,7 @@
 
 #include "Trend.h"
 
+#include <algorithm>
 #include <cmath>
 
 void Trend::add(double seconds, double value)
@@ -12,9 +13,9 @@ void Trend::add(double seconds, double value)
     }
     ++m_count;
     m_last = value;
-    m_lastSeconds = seconds;
+    m_spanSeconds = seconds - m_firstSeconds;
     // Relative to the first value, so that no digits are lost.
-    const double x = seconds - m_firstSeconds;
+    const double x = m_spanSeconds;
     const double y = value - m_first;
     m_sumX += x;
     m_sumY += y;
@@ -25,25 +26,23 @@ void Trend::add(double seconds, double value)
 
 double Trend::growth() const
 {
-    return slope() * span();
+    const double xx = squares(m_sumXX, m_sumX, m_sumX);
+    return xx > 0 ? squares(m_sumXY, m_sumX, m_sumY) / xx * m_spanSeconds : 0;
 }
 
 double Trend::growthError() const
 {
     constexpr int fittedValues = 2;
-    if (m_count <= fittedValues || timeSquares() <= 0)
+    const double xx = squares(m_sumXX, m_sumX, m_sumX);
+    if (m_count <= fittedValues || xx <= 0)
         return 0;
-    const double squares =
-        m_sumYY - m_sumY * m_sumY / m_count - slope() * (m_sumXY - m_sumX * m_sumY / m_count);
-    return std::sqrt(qMax(0.0, squares) / (m_count - fittedValues) / timeSquares()) * span();
+    const double xy = squares(m_sumXY, m_sumX, m_sumY);
+    const double deviations = std::max(0.0, squares(m_sumYY, m_sumY, m_sumY) - xy * xy / xx);
+    return std::sqrt(deviations / (m_count - fittedValues) / xx) * m_spanSeconds;
 }
 
-double Trend::slope() const
+// Returns the sum of the products of two deviations from their means.
+double Trend::squares(double sumOfProducts, double firstSum, double secondSum) const
 {
-    return timeSquares() > 0 ? (m_sumXY - m_sumX * m_sumY / m_count) / timeSquares() : 0;
-}
-
-double Trend::timeSquares() const
-{
-    return m_count > 0 ? m_sumXX - m_sumX * m_sumX / m_count : 0;
+    return m_count > 0 ? sumOfProducts - firstSum * secondSum / m_count : 0;
 }

@@ -2,9 +2,8 @@
 
 #pragma once
 
-#include <QtGlobal>
-
-/** A straight line through values over time, fitted by least squares. */
+/** A straight line through values over time, fitted by least squares. It stores sums only, so it never grows.
+ */
 class Trend
 {
 public:
@@ -17,19 +16,17 @@ public:
     /** Returns the growth of the line from the first to the last time. */
     double growth() const;
 
-    /** Returns the standard error of growth(). */
+    /** Returns the standard error of growth(), if the deviations from the line are independent. */
     double growthError() const;
 
 private:
-    double span() const { return m_lastSeconds - m_firstSeconds; }
-    double slope() const;
-    double timeSquares() const;
+    double squares(double sumOfProducts, double firstSum, double secondSum) const;
 
     int m_count = 0;
     double m_first = 0;
     double m_last = 0;
     double m_firstSeconds = 0;
-    double m_lastSeconds = 0;
+    double m_spanSeconds = 0;
     double m_sumX = 0;
     double m_sumY = 0;
     double m_sumXX = 0;

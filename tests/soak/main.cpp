@@ -5,90 +5,73 @@
 
 #include "Modes.h"
 
-#include "Part.h"
+#include "ChildProcess.h"
+#include "QuitInTime.h"
 #include "TemporaryHome.h"
 
 #include <QCommandLineParser>
 #include <QGuiApplication>
-#include <QProcess>
 #include <QTemporaryDir>
-
-#include <cstdio>
 
 namespace {
 
-// Starts the services in another process: they record every request, so their memory grows.
-bool startServices(QProcess *services, const QString &directory)
+// The services run in another process: they record every request, so their memory grows.
+int runBesideServices(int (*run)(const HostOptions &), const HostOptions &options)
 {
-    constexpr int timeoutMs = 30000;
-    services->start(QCoreApplication::applicationFilePath(), {QStringLiteral("--services"), directory});
-    if (!services->waitForReadyRead(timeoutMs))
-        return false;
-    qputenv("LOCAL_SERVICES", QFile::encodeName(directory + QStringLiteral("/services.json")));
-    return true;
-}
-
-int run(const QString &mode, const HostOptions &options, int runs)
-{
-    if (mode == QLatin1String("months"))
-        return runMonths(options.minutes);
-    if (mode == QLatin1String("quitting"))
-        return runQuitting(runs);
     const TemporaryHome home;
     const QTemporaryDir directory;
-    QProcess services;
-    const bool isHost = mode == QLatin1String("host");
-    if (!isHost && mode != QLatin1String("two-hosts")) {
-        std::fprintf(stderr, "soak: there is no mode %s\n", qPrintable(mode));
+    ChildProcess services(
+        {QCoreApplication::applicationFilePath(), QStringLiteral("--services"), directory.path()});
+    if (!services.start() || services.readLine() != "ready\n") {
+        print(QStringLiteral("soak: the local services do not start"));
         return 2;
     }
-    const bool hasServices = !qEnvironmentVariableIsEmpty("LOCAL_SERVICES");
-    if (!hasServices && !startServices(&services, directory.path())) {
-        std::fputs("soak: the local services do not start\n", stderr);
-        return 2;
-    }
-    const int exitCode = isHost ? runHost(options) : runTwoHosts(options);
-    services.closeWriteChannel();
-    services.waitForFinished();
-    return exitCode;
+    qputenv("LOCAL_SERVICES", QFile::encodeName(directory.filePath(QStringLiteral("services.json"))));
+    return run(options);
 }
 
-} // namespace
-
-int main(int argc, char **argv)
+int run(int &argc, char **argv)
 {
-    // These processes have their own arguments.
-    const QByteArray first(argc > 1 ? argv[1] : "");
-    if (first == "--quit" && argc == 4)
-        return runQuittingHost(argc, argv, QString::fromLatin1(argv[2]), QString::fromLatin1(argv[3]));
     qputenv("QT_QPA_PLATFORM", "minimal");
     const QGuiApplication application(argc, argv);
+    // Processes that this program starts.
+    const QByteArray first(argc > 1 ? argv[1] : "");
     if (first == "--services" && argc == 3)
         return runServices(QString::fromLocal8Bit(argv[2]));
     if (first == "--months-host" && argc == 3)
         return runMonthsHost(QString::fromLocal8Bit(argv[2]));
 
     QCommandLineParser parser;
-    parser.addHelpOption();
     parser.addOptions(
-        {{QStringLiteral("minutes"), QStringLiteral("Time of the run."), QStringLiteral("minutes"),
-          QStringLiteral("1")},
-         {QStringLiteral("part"), QStringLiteral("Part to run; can be repeated."), QStringLiteral("part")},
-         {QStringLiteral("control"), QStringLiteral("Run the parts with Qt alone.")},
-         {QStringLiteral("mode"), QStringLiteral("host, two-hosts, months or quitting."),
-          QStringLiteral("mode"), QStringLiteral("host")},
-         {QStringLiteral("runs"), QStringLiteral("Runs for each case of the mode quitting."),
-          QStringLiteral("runs"), QStringLiteral("200")},
-         {QStringLiteral("log-directory"), QStringLiteral("Base directory of the log."),
-          QStringLiteral("directory")},
-         {QStringLiteral("log-name"), QStringLiteral("Name of the log file."), QStringLiteral("name"),
-          QStringLiteral("soak.log")}});
+        {{QStringLiteral("minutes"), QString(), QStringLiteral("minutes"), QStringLiteral("1")},
+         {QStringLiteral("part"), QString(), QStringLiteral("part")},
+         {QStringLiteral("control"), QString()},
+         {QStringLiteral("mode"), QString(), QStringLiteral("mode"), QStringLiteral("host")},
+         {QStringLiteral("runs"), QString(), QStringLiteral("runs"), QStringLiteral("200")},
+         {QStringLiteral("log-directory"), QString(), QStringLiteral("directory")},
+         {QStringLiteral("log-name"), QString(), QStringLiteral("name"), QStringLiteral("soak.log")}});
     parser.process(application);
-    HostOptions options;
-    options.minutes = parser.value(QStringLiteral("minutes")).toDouble();
-    options.parts = parser.values(QStringLiteral("part"));
-    options.isControl = parser.isSet(QStringLiteral("control"));
-    options.logDirectory = parser.value(QStringLiteral("log-directory"));
-    options.logName = parser.value(QStringLiteral("log-name"));
-    return run(parser.value(QStringLiteral("mode")), options, parser.value(QStringLiteral("runs")).toInt());
+    const HostOptions options {parser.value(QStringLiteral("minutes")).toDouble(),
+                               parser.values(QStringLiteral("part")), parser.isSet(QStringLiteral("control")),
+                               parser.value(QStringLiteral("log-directory")),
+                               parser.value(QStringLiteral("log-name"))};
+    const QString mode = parser.value(QStringLiteral("mode"));
+    if (mode == QLatin1String("months"))
+        return runMonths(options.minutes);
+    if (mode == QLatin1String("quitting"))
+        return runQuitting(parser.value(QStringLiteral("runs")).toInt());
+    if (mode == QLatin1String("two-hosts"))
+        return runBesideServices(runTwoHosts, options);
+    if (!qEnvironmentVariableIsEmpty("LOCAL_SERVICES")) // one of two hosts
+        return runHost(options);
+    return runBesideServices(runHost, options);
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (argc == 4 && qstrcmp(argv[1], "--quit") == 0)
+        return runQuittingHost(argc, argv, QString::fromLatin1(argv[2]), QString::fromLatin1(argv[3]));
+    endProcess(run(argc, argv)); // threads of reports may still run
 }

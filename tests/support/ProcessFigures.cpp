@@ -37,6 +37,16 @@ int openFileCount()
     return entryCount(QStringLiteral("/proc/self/fd"));
 }
 
+int childCount()
+{
+    int count = 0;
+    const QDir threads(QStringLiteral("/proc/self/task"));
+    const QStringList names = threads.entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    for (const QString &name : names)
+        count += readFile(threads.filePath(name + QStringLiteral("/children"))).count(' ');
+    return count;
+}
+
 qint64 residentBytes()
 {
     return statusBytes("RssAnon");

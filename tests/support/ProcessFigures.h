@@ -9,6 +9,7 @@ namespace ProcessFigures {
 
 int threadCount();
 int openFileCount();
+int childCount();
 
 /**
  * Returns the resident memory of heap and stacks. Mapped files are not counted, because the system loads
