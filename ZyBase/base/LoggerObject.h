@@ -58,7 +58,8 @@ public:
      *
      * An existing file is continued. The first line of a new month starts a new file. The file of the
      * finished month gets the suffix ".yyyy-MM", for example "app.log.2026-11". A process that starts in a
-     * new month continues the old file.
+     * new month continues the old file. Lines of the first millisecond of a month are still written to the
+     * old file. If several threads log at that moment, a line can be in the file of the other month.
      *
      * The directory "log" is created inside an existing base directory; no other directory is created. Blocks
      * for creating the directory and opening the file.

@@ -14,8 +14,8 @@ int runMonthsHost(const QString &baseDirectory);
 /** Runs two applications with the same home directory and the same directory for their logs. */
 int runTwoHosts(const HostOptions &options);
 
-/** Starts applications that quit with requests in flight, @p runs for each case, and counts the crashes. */
+/** Runs applications that quit with a request in flight, @p runs for each case, and counts the crashes. */
 int runQuitting(int runs);
 
-/** One application of runQuitting(). */
-int runQuittingHost(int &argc, char **argv, const QString &caseName, const QString &address);
+/** One application of runQuitting(). Its arguments are --quit WAY MILLISECONDS ADDRESS. */
+int runQuittingHost(int &argc, char **argv);

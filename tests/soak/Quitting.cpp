@@ -18,22 +18,12 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr int answerMs = 60;
+constexpr int answerDelays = 20; // the answer arrives some milliseconds later
 constexpr int processTimeoutMs = 30000;
 
-struct QuitCase
-{
-    const char *name;
-    const char *description;
-};
-
-constexpr QuitCase quitCases[] = {
-    {"plain-started", "exit() with a request that has just started"},
-    {"plain-answer", "exit() when the answer arrives"},
-    {"child-started", "the request is a child of the application object and has just started"},
-    {"child-answer", "the request is a child of the application object, and the answer arrives"},
-    {"recipe-started", "the recipe with a request that has just started"},
-    {"recipe-answer", "the recipe when the answer arrives"},
-};
+constexpr const char *plain = "plain"; // returns from main()
+constexpr const char *child = "child"; // the same; the request is a child of the application object
+constexpr const char *recipe = "recipe"; // as the guide shows
 
 int quitPlainly(int &argc, char **argv, const QUrl &url, int timeMs, bool isChild)
 {
@@ -59,41 +49,49 @@ int quitInTime(int &argc, char **argv, const QUrl &url, int timeMs)
     return exitCode;
 }
 
-} // namespace
-
-int runQuittingHost(int &argc, char **argv, const QString &caseName, const QString &address)
-{
-    const int timeMs = caseName.endsWith(QLatin1String("started")) ? 0 : answerMs;
-    if (caseName.startsWith(QLatin1String("recipe")))
-        endProcess(quitInTime(argc, argv, QUrl(address), timeMs));
-    return quitPlainly(argc, argv, QUrl(address), timeMs, caseName.startsWith(QLatin1String("child")));
-}
-
-int runQuitting(int runs)
+// Runs the application this many times and returns the number of those that did not end normally.
+int countCrashes(const QString &way, bool isAnswered, int runs)
 {
     const LocalServices::RawServer server([](LocalServices::Connection &client) {
         client.sleep(answerMs);
         client.write("HTTP/1.1 200 OK\r\nContent-Length: 2\r\nConnection: close\r\n\r\nok");
     });
-    int recipeFailures = 0;
-    for (const QuitCase &quitCase : quitCases) {
-        const QString name = QString::fromLatin1(quitCase.name);
-        int crashes = 0;
-        int timeouts = 0;
-        for (int i = 0; i < runs; ++i) {
-            ChildProcess host({QCoreApplication::applicationFilePath(), QStringLiteral("--quit"), name,
-                               server.url().toString()});
-            if (host.start() && host.finish(processTimeoutMs) == 0)
-                continue;
+    int crashes = 0;
+    int timeouts = 0;
+    for (int i = 0; i < runs; ++i) {
+        const int timeMs = isAnswered ? answerMs + i % answerDelays : 0;
+        ChildProcess host({QCoreApplication::applicationFilePath(), QStringLiteral("--quit"), way,
+                           QString::number(timeMs), server.url().toString()});
+        if (!host.start() || host.finish(processTimeoutMs) != 0)
             ++(host.isRunning() ? timeouts : crashes);
-        }
-        if (name.startsWith(QLatin1String("recipe")))
-            recipeFailures += crashes + timeouts;
-        print(QStringLiteral("%1 of %2 crashed, %3 did not end: %4")
-                  .arg(crashes)
-                  .arg(runs)
-                  .arg(timeouts)
-                  .arg(QLatin1String(quitCase.description)));
     }
-    return recipeFailures == 0 ? 0 : 1;
+    print(QStringLiteral("%1, %2: %3 of %4 crashed, %5 did not end")
+              .arg(way,
+                   QLatin1String(isAnswered ? "when the answer arrives" : "after the start of the request"))
+              .arg(crashes)
+              .arg(runs)
+              .arg(timeouts));
+    return crashes + timeouts;
+}
+
+} // namespace
+
+int runQuittingHost(int &argc, char **argv)
+{
+    const QString way = QString::fromLatin1(argv[2]);
+    const int timeMs = QByteArray(argv[3]).toInt();
+    const QUrl url(QString::fromLatin1(argv[4]));
+    if (way == QLatin1String(recipe))
+        endProcess(quitInTime(argc, argv, url, timeMs));
+    return quitPlainly(argc, argv, url, timeMs, way == QLatin1String(child));
+}
+
+int runQuitting(int runs)
+{
+    int recipeFailures = 0;
+    for (const char *const way : {plain, child, recipe}) {
+        const QString name = QString::fromLatin1(way);
+        recipeFailures = countCrashes(name, false, runs) + countCrashes(name, true, runs);
+    }
+    return recipeFailures == 0 ? 0 : 1; // the recipe is the last one
 }

@@ -71,7 +71,7 @@ int run(int &argc, char **argv)
 
 int main(int argc, char **argv)
 {
-    if (argc == 4 && qstrcmp(argv[1], "--quit") == 0)
-        return runQuittingHost(argc, argv, QString::fromLatin1(argv[2]), QString::fromLatin1(argv[3]));
+    if (argc == 5 && qstrcmp(argv[1], "--quit") == 0)
+        return runQuittingHost(argc, argv);
     endProcess(run(argc, argv)); // threads of reports may still run
 }
