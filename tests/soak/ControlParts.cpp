@@ -3,7 +3,6 @@
 #include "Part.h"
 
 #include "Files.h"
-#include "ProcessFigures.h"
 #include "Waiting.h"
 
 #include <localservices/HttpServer.h>
