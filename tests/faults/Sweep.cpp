@@ -82,14 +82,15 @@ Sweep::Sweep(QList<Operation> operations, QList<Exclusion> exclusions)
 {
 }
 
-Sweep::~Sweep()
+void Sweep::writeFigures()
 {
     QFile file(QString::fromLocal8Bit(qgetenv("ZYBASE_ALL_FAULTS")));
     if (!isFull() || !file.open(QIODevice::Append))
         return;
-    file.write("faults\t" + QByteArray::number(m_faults) + '\n');
     for (auto outcome = m_outcomes.cbegin(); outcome != m_outcomes.cend(); ++outcome)
-        file.write(outcome.key().toUtf8() + '\t' + QByteArray::number(outcome.value()) + '\n');
+        file.write("faults\t" + QByteArray::number(outcome.value()) + '\n' + outcome.key().toUtf8() + '\t'
+                   + QByteArray::number(outcome.value()) + '\n');
+    m_outcomes.clear();
 }
 
 QString Sweep::reasonToSkip()
@@ -212,7 +213,6 @@ QString Sweep::testFault(const Operation &operation, const Fault &fault, bool *i
     *isLast = result.failed.isEmpty();
     if (*isLast)
         return outcome == operation.success ? QString() : QStringLiteral("without a fault: ") + outcome;
-    ++m_faults;
     ++m_outcomes[operation.name + QLatin1String(": ") + outcome];
     if (outcome != operation.success && !operation.promised.contains(outcome))
         return result.failed + QLatin1String(": ") + outcome;
@@ -257,6 +257,7 @@ void Sweep::testRow()
     }
     if (isFirstCall)
         m_host.reset();
+    writeFigures();
     QVERIFY2(wrong.isEmpty(), qPrintable(wrong.join(QLatin1Char('\n'))));
     QVERIFY(isLast || fault.nth == 1);
 }

@@ -60,7 +60,7 @@ struct Exclusion
  * call must succeed, and no open file, thread or child process may be left.
  *
  * The environment variable ZYBASE_ALL_FAULTS selects all errors instead of one for each kind. It names a file
- * to which the numbers of faults and outcomes are appended.
+ * to which the numbers of faults and outcomes are appended after each row.
  */
 class Sweep
 {
@@ -78,9 +78,6 @@ public:
     /** Tests the current row. */
     void testRow();
 
-    /** Writes the figures. */
-    ~Sweep();
-
 private:
     Q_DISABLE_COPY(Sweep)
 
@@ -90,12 +87,12 @@ private:
     QString testFault(const Operation &operation, const Fault &fault, bool *isLast);
     QString runAgain(const Operation &operation);
     QString whatIsLeft();
+    void writeFigures();
 
     const QList<Operation> m_operations;
     const QList<Exclusion> m_exclusions;
     std::unique_ptr<FaultHost> m_host;
     int m_current = -1; ///< the operation of the host
     QJsonObject m_baseState; ///< after calls without a fault
-    QMap<QString, int> m_outcomes;
-    int m_faults = 0;
+    QMap<QString, int> m_outcomes; ///< of the current row
 };
