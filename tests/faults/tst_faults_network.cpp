@@ -164,12 +164,13 @@ private:
     int m_faults = 0;
 
 private Q_SLOTS:
-    void cleanup() { m_requests.clear(); }
-    void cleanupTestCase()
+    void cleanup()
     {
+        m_requests.clear();
         QFile file(QString::fromLocal8Bit(qgetenv("ZYBASE_ALL_FAULTS")));
         if (isFull() && file.open(QIODevice::Append))
             file.write("faults\t" + QByteArray::number(m_faults) + '\n');
+        m_faults = 0;
     }
 
     void requestsHaveOneOutcome_data()
