@@ -447,6 +447,38 @@ private Q_SLOTS:
                     .toBool());
     }
 
+    // Accessibility, if axe-core is there: scripts/check-docs installs it.
+    void isAccessible_data()
+    {
+        QTest::addColumn<QString>("scheme");
+        QTest::newRow("light") << QStringLiteral("light");
+        QTest::newRow("dark") << QStringLiteral("dark");
+    }
+    void isAccessible()
+    {
+        QFETCH(QString, scheme);
+        const QByteArray axe = readFile(qEnvironmentVariable("ZYBASE_AXE"));
+        if (axe.isEmpty())
+            QSKIP("the environment variable ZYBASE_AXE does not name axe.min.js");
+        m_browser->setColorScheme(scheme);
+        m_browser->run(QString::fromUtf8(axe));
+        const QString findings = QStringLiteral(
+            "return axe.run(document, {preload: false}).then(result =>"
+            "  result.violations.map(rule => rule.id + ' ' + rule.nodes[0].html).join('\\n'))");
+        QCOMPARE(m_browser->run(findings).toString(), QString());
+        sendEvent("9lives", "pdf");
+        QCOMPARE(sendRecord(m_program->url("statistics"), secret).status, 200);
+        QVERIFY(m_browser->waitFor(rowCount, 2));
+        QVERIFY(m_browser->waitFor(QStringLiteral("return document.getAnimations().length"), 0));
+        QCOMPARE(m_browser->run(findings).toString(), QString());
+        QVERIFY(m_browser->click(QStringLiteral("#clear")));
+        QCOMPARE(m_browser->run(findings).toString(), QString());
+        QVERIFY(m_browser->click(QStringLiteral("#keep")));
+        QVERIFY(m_browser->type(QStringLiteral("#filter"), QStringLiteral("nothing like this")));
+        QVERIFY(m_browser->waitFor(textOf("#unmatched h2"), QStringLiteral("No arrival matches")));
+        QCOMPARE(m_browser->run(findings).toString(), QString());
+    }
+
 private:
     void sendEvent(const QByteArray &name, const QByteArray &label)
     {
