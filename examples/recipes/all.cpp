@@ -13,6 +13,7 @@
 #include "QrCard.h"
 #include "QuitInTime.h"
 #include "RunningRequests.h"
+#include "SafeDownload.h"
 #include "SystemProxy.h"
 #include "ThemeWatcher.h"
 #include "TlsSupport.h"
