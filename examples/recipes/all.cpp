@@ -17,6 +17,7 @@
 #include "SystemProxy.h"
 #include "ThemeWatcher.h"
 #include "TlsSupport.h"
+#include "TrustedAuthority.h"
 #include "UsageReports.h"
 #include "WarningsAppender.h"
 
