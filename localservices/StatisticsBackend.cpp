@@ -13,10 +13,6 @@ namespace {
 
 constexpr qint64 maximumAgeSeconds = 300;
 
-// The last two keys of the query. Keys before them belong to the backend's own address.
-const QString queryForm = QStringLiteral("\\?sign=([0-9a-f]{32})&timestamp=([0-9]+)\\z");
-const QString dayForm = QStringLiteral("\\A[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}\\z");
-
 const QStringList &keys()
 {
     static const QStringList list {QStringLiteral("action"),    QStringLiteral("day"),
@@ -54,8 +50,11 @@ QList<StatisticsBackend::Record> StatisticsBackend::records() const
 
 HttpServer::Response StatisticsBackend::receive(const HttpServer::Request &request)
 {
-    const QRegularExpressionMatch query =
-        QRegularExpression(queryForm).match(QString::fromLatin1(request.target));
+    // The last two keys of the query. Keys before them belong to the backend's own address.
+    static const QRegularExpression queryForm(QStringLiteral("\\?sign=([0-9a-f]{32})&timestamp=([0-9]+)\\z"));
+    static const QRegularExpression dayForm(
+        QStringLiteral("\\A[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}\\z"));
+    const QRegularExpressionMatch query = queryForm.match(QString::fromLatin1(request.target));
     Record record {request,
                    query.captured(1).toLatin1(),
                    query.captured(2).toLongLong(),
@@ -72,8 +71,7 @@ HttpServer::Response StatisticsBackend::receive(const HttpServer::Request &reque
     check(qAbs(QDateTime::currentSecsSinceEpoch() - record.timestamp) <= maximumAgeSeconds, "timestamp");
     check(QCryptographicHash::hash(text, QCryptographicHash::Md5).toHex() == record.signature, "sign");
     check(record.body.keys() == keys() && areStrings(record.body), "keys");
-    check(QRegularExpression(dayForm).match(record.body.value(QStringLiteral("day")).toString()).hasMatch(),
-          "day");
+    check(dayForm.match(record.body.value(QStringLiteral("day")).toString()).hasMatch(), "day");
     if (m_watcher)
         m_watcher(record);
     const std::lock_guard<std::mutex> lock(m_mutex);
