@@ -15,10 +15,6 @@ namespace {
 
 constexpr qint64 maximumAgeSeconds = 300;
 
-// The last two keys of the query. Keys before them belong to the backend's own address.
-const QString queryForm = QStringLiteral("\\?sign=([^&]*)&timestamp=([^&]*)\\z");
-const QString dayForm = QStringLiteral("\\A[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}\\z");
-
 const QStringList &keys()
 {
     static const QStringList list {QStringLiteral("action"),    QStringLiteral("day"),
@@ -43,8 +39,10 @@ void checkBody(Validation &validation, const QJsonObject &body)
     validation.checkKeys(body, keys(), "keys");
     for (const QString &key : keys())
         validation.check(!body.contains(key) || body.value(key).isString(), "value", key);
+    static const QRegularExpression dayForm(
+        QStringLiteral("\\A[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}\\z"));
     const QString day = body.value(QStringLiteral("day")).toString();
-    validation.check(QRegularExpression(dayForm).match(day).hasMatch(), "day", day);
+    validation.check(dayForm.match(day).hasMatch(), "day", day);
 }
 
 } // namespace
@@ -66,8 +64,9 @@ QList<StatisticsBackend::Record> StatisticsBackend::records() const
 
 HttpServer::Response StatisticsBackend::receive(const HttpServer::Request &request)
 {
-    const QRegularExpressionMatch query =
-        QRegularExpression(queryForm).match(QString::fromLatin1(request.target));
+    // The last two keys of the query. Keys before them belong to the backend's own address.
+    static const QRegularExpression queryForm(QStringLiteral("\\?sign=([^&]*)&timestamp=([^&]*)\\z"));
+    const QRegularExpressionMatch query = queryForm.match(QString::fromLatin1(request.target));
     Record record {request,
                    query.captured(1).toLatin1(),
                    query.captured(2).toLongLong(),
