@@ -59,8 +59,8 @@ namespace ZyBase {
  *
  * **Lifetime.** The library never deletes the instance.
  *
- * @warning Quitting while a request runs can crash the process. In a test with one background request, 199 of
- * 1,500 processes crashed that quit right after its start. Quit as
+ * @warning Quitting while a request runs can crash the process. Of 1,500 processes that quit right after the
+ * start of a background request, 199 crashed. Quit as
  * @ref guide-quitting-in-time "docs/guide/quitting-in-time.md" shows: none of 3,000 processes crashed.
  *
  * @warning A QCoreApplication object must exist. Without one, SendGaReport() with @p sync true never

@@ -72,8 +72,8 @@ namespace ZyBase {
  * cancels. Create the object without a parent, and delete it one second after its outcome, as
  * @ref guide-deleting-a-request "docs/guide/deleting-a-request.md" shows.
  *
- * @warning Quitting while a request runs can crash the process. In a test, 199 of 1,500 processes crashed that
- * quit right after the start of a request. Quit as
+ * @warning Quitting while a request runs can crash the process. Of 1,500 processes that quit right after the
+ * start of a request, 199 crashed. Quit as
  * @ref guide-quitting-in-time "docs/guide/quitting-in-time.md" shows: none of 3,000 processes crashed.
  *
  * @warning Certificates are not checked, and only TLS 1.2 is used. The connection is encrypted, but anyone
