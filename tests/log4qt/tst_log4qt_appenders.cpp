@@ -271,9 +271,13 @@ private Q_SLOTS:
         FileAppender appender;
         appender.setFile(path());
         appender.activateOptions();
+        appender.setName(QStringLiteral("name"));
         QVERIFY(appender.requiresLayout());
+        const ErrorStreamCapture errors;
         appender.doAppend(eventOf(QStringLiteral("x")));
         QCOMPARE(readFile(path()), QByteArray(""));
+        QCOMPARE(errors.lines(),
+                 QStringList {QStringLiteral("log4qt: appender 'name' has no layout: the event is dropped")});
     }
 
     void writesHeaderAndFooterAsLines()
