@@ -67,6 +67,7 @@ public:
     }
 
     QString text(const char *name) const { return find<QLabel>(name)->text(); }
+    QString tone(const char *name) const { return find(name)->property("tone").toString(); }
     QString document(const char *name) const { return find<QPlainTextEdit>(name)->toPlainText(); }
     bool isEnabled(const char *name) const { return find(name)->isEnabled(); }
 
