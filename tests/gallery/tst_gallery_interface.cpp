@@ -15,6 +15,7 @@
 #include <QScrollBar>
 #include <QStackedWidget>
 #include <QTranslator>
+#include <QXmlStreamReader>
 
 namespace {
 
@@ -281,6 +282,61 @@ private Q_SLOTS:
         QCOMPARE(QApplication::clipboard()->text(), code);
         button("showCode")->click();
         QVERIFY(!view->isVisible());
+    }
+
+    void showsEachTextInChinese()
+    {
+#ifndef GALLERY_TRANSLATED
+        QSKIP("qttools5-dev is not installed");
+#endif
+        setLanguage(QStringLiteral("zh_CN"));
+        m_fixture->reopen(m_fixture->services());
+        const QRegularExpression chinese(QStringLiteral("[\\x{4e00}-\\x{9fff}]"));
+        const QStringList names {QStringLiteral("ZyBase"), QStringLiteral("gallery")};
+        const QStringList kinds {QStringLiteral("heading"), QStringLiteral("title"), QStringLiteral("quiet")};
+        const auto controls = gallery().window().findChildren<QWidget *>();
+        for (QWidget *const control : controls) {
+            const bool isText = qobject_cast<QAbstractButton *>(control)
+                                || control->property("tone").isValid()
+                                || kinds.contains(control->property("kind").toString());
+            const QString text = control->property("text").toString();
+            if (isText && !text.isEmpty() && !names.contains(text))
+                QVERIFY2(text.contains(chinese), qPrintable(text));
+        }
+        qDeleteAll(qApp->findChildren<QTranslator *>());
+        m_fixture->reopen(m_fixture->services());
+    }
+    // lupdate adds what is new in the sources as unfinished.
+    void translatesEachTextOfTheSources()
+    {
+#ifndef GALLERY_TRANSLATED
+        QSKIP("qttools5-dev is not installed");
+#else
+        const QString catalogue = m_fixture->filePath(QStringLiteral("gallery.ts"));
+        const QString sources = QStringLiteral(GALLERY_SOURCES);
+        QVERIFY(QFile::copy(sources + QStringLiteral("/translations/gallery_zh_CN.ts"), catalogue));
+        QVERIFY(QFile::setPermissions(catalogue, QFile::ReadOwner | QFile::WriteOwner));
+        QCOMPARE(QProcess::execute(QStringLiteral(LUPDATE),
+                                   {QStringLiteral("-silent"), sources, QStringLiteral("-ts"), catalogue}),
+                 0);
+        QFile file(catalogue);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QRegularExpression marks(QStringLiteral("&[a-zA-Z]|%[0-9]"));
+        QString source;
+        int translations = 0;
+        for (QXmlStreamReader reader(&file); !reader.atEnd(); reader.readNext()) {
+            if (reader.isStartElement() && reader.name() == QLatin1String("source"))
+                source = reader.readElementText();
+            if (!reader.isStartElement() || reader.name() != QLatin1String("translation"))
+                continue;
+            QVERIFY2(!reader.attributes().hasAttribute(QLatin1String("type")), qPrintable(source));
+            const QString translation = reader.readElementText();
+            QVERIFY2(!translation.isEmpty(), qPrintable(source));
+            QVERIFY2(translation.count(marks) == source.count(marks), qPrintable(source));
+            ++translations;
+        }
+        QVERIFY(translations > 0);
+#endif
     }
 
     void startsLocalServices()

@@ -22,7 +22,7 @@ namespace {
 enum Methods { Get, Post };
 
 constexpr int cancelIntervalMs = 100;
-constexpr int bodyLines = 5;
+constexpr int bodyLines = 6;
 
 QString readable(const QByteArray &body)
 {
