@@ -91,6 +91,7 @@ public:
     {
         if (QWidget *const focus = QApplication::focusWidget())
             focus->clearFocus();
+        QCoreApplication::processEvents(); // a page has its layout after it was shown
         return m_window.grab().toImage().convertToFormat(QImage::Format_RGB32);
     }
 
