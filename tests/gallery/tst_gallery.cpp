@@ -176,6 +176,16 @@ private Q_SLOTS:
         QCOMPARE(QString::fromUtf8(readFile(gallery().text("logPath"))), shown);
     }
 
+    void showsWhyLogIsNotWritten()
+    {
+        m_fixture->close();
+        QVERIFY(QDir(filePath("log")).removeRecursively());
+        QVERIFY(writeFile(filePath("log"), "a file"));
+        m_fixture->reopen(m_fixture->services());
+        QCOMPARE(gallery().text("logProblem"),
+                 QStringLiteral("The log is not written. %1 is not a directory.").arg(filePath("log")));
+    }
+
     void showsOutcomeOfRequest_data()
     {
         QTest::addColumn<QString>("method");

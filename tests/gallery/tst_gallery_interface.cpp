@@ -13,6 +13,7 @@
 #include <QProcess>
 #include <QRegularExpression>
 #include <QScrollBar>
+#include <QSettings>
 #include <QStackedWidget>
 #include <QTranslator>
 #include <QXmlStreamReader>
@@ -238,7 +239,42 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(bar->maximum() > 0, timeoutMs);
         QTRY_COMPARE_WITH_TIMEOUT(bar->value(), bar->maximum(), timeoutMs);
     }
-    void hasIcon() { QVERIFY(!gallery().window().windowIcon().isNull()); }
+    void hasIconAndDesktopFile()
+    {
+        QVERIFY(!gallery().window().windowIcon().isNull());
+        QSettings file(QStringLiteral(GALLERY_DESKTOP_FILE), QSettings::IniFormat);
+        file.beginGroup(QStringLiteral("Desktop Entry"));
+        QCOMPARE(file.value(QStringLiteral("Exec")).toString(), QStringLiteral(GALLERY_PROGRAM));
+        QVERIFY(QFile::exists(file.value(QStringLiteral("Icon")).toString()));
+    }
+    void placesButtonBesideField_data()
+    {
+        QTest::addColumn<int>("page");
+        QTest::addColumn<QByteArray>("field");
+        QTest::addColumn<QByteArray>("button");
+        QTest::newRow("log") << int(Log) << QByteArray("logMessage") << QByteArray("logInfo");
+        QTest::newRow("request") << int(Request) << QByteArray("requestUrl") << QByteArray("requestSend");
+        QTest::newRow("download") << int(Download) << QByteArray("downloadUrl")
+                                  << QByteArray("downloadStart");
+        QTest::newRow("archive") << int(Archive) << QByteArray("archivePath") << QByteArray("archiveBrowse");
+        QTest::newRow("event") << int(Reports) << QByteArray("reportLabel") << QByteArray("reportSendEvent");
+    }
+    void placesButtonBesideField()
+    {
+        QFETCH(int, page);
+        QFETCH(QByteArray, field);
+        QFETCH(QByteArray, button);
+        gallery().window().resize(2400, 900);
+        gallery().open(page);
+        QCoreApplication::processEvents();
+        const auto area = [this](const QByteArray &name) {
+            const QWidget *const widget = gallery().find(name.constData());
+            return QRect(widget->mapTo(&gallery().window(), QPoint()), widget->size());
+        };
+        QVERIFY(area(button).left() - area(field).right() < 20);
+        QVERIFY(area(button).left() > area(field).right());
+        QCOMPARE(area(button).bottom(), area(field).bottom());
+    }
     void describesEmptyTable_data()
     {
         QTest::addColumn<int>("page");
@@ -363,6 +399,7 @@ private Q_SLOTS:
         QCOMPARE(brokenDescription(), QString());
         qputenv("LOCAL_SERVICES", "/missing/services.json");
         QCOMPARE(brokenDescription(), QStringLiteral("/missing/services.json"));
+        QCOMPARE(QProcess::execute(QStringLiteral(GALLERY_PROGRAM), {QStringLiteral("--help")}), 0);
         m_fixture->close();
         {
             const MainWindow window(m_fixture->filePath(QStringLiteral("other")), {}, brokenDescription());

@@ -6,7 +6,6 @@
 #include "../Checks.h"
 #include "../widgets/Card.h"
 #include "../widgets/ElidedLabel.h"
-#include "../widgets/Pill.h"
 #include "../widgets/controls.h"
 
 #include <ZyBase/base/LoggerObject.h>
@@ -67,11 +66,9 @@ LogPage::LogPage(const QString &directory, QWidget *parent)
             &QPushButton::click);
 
     Card *const reading = addCard(tr("Log file"), 1);
-    auto *const state = new Pill(QString(), "logState");
     const QString problem = Checks::writeProblem(m_path);
-    state->setState(Pill::Bad, tr("The log is not written. %1").arg(problem));
-    state->setVisible(!problem.isEmpty());
-    reading->column()->addWidget(state);
+    if (!problem.isEmpty())
+        reading->column()->addWidget(hint(tr("The log is not written. %1").arg(problem), "logProblem"));
     reading->column()->addWidget(m_file, 1);
     reading->column()->addWidget(new ElidedLabel(m_path, "hint", "logPath"));
 
