@@ -2,6 +2,8 @@
 
 #include "GaCollector.h"
 
+#include "Validation.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QRegularExpression>
@@ -25,58 +27,44 @@ bool isName(const QString &text)
     return form.match(text).hasMatch() && !reserved.match(text).hasMatch();
 }
 
-// Collects the names of the parts of an event that are invalid.
-class Validation
+void checkRequest(Validation &validation, const HttpServer::Request &request)
 {
-public:
-    QStringList problems() const { return m_problems; }
+    const QUrlQuery query(QUrl::fromEncoded(request.target));
+    validation.check(request.method == "POST", "method");
+    validation.check(!query.queryItemValue(QStringLiteral("measurement_id")).isEmpty(), "measurement_id");
+    validation.check(!query.queryItemValue(QStringLiteral("api_secret")).isEmpty(), "api_secret");
+    validation.check(query.queryItems().size() == 2, "query");
+    validation.check(request.header("Content-Type") == "application/json", "Content-Type");
+    validation.check(request.body.size() < maximumBodySize, "size");
+}
 
-    void check(bool isGood, const char *problem)
-    {
-        if (!isGood)
-            m_problems << QString::fromLatin1(problem);
+void checkEvent(Validation &validation, const QJsonObject &event)
+{
+    const QString name = event.value(QStringLiteral("name")).toString();
+    const QJsonObject params = event.value(QStringLiteral("params")).toObject();
+    validation.checkKeys(event, {QStringLiteral("name"), QStringLiteral("params")}, "event");
+    validation.check(isName(name), "name", name);
+    validation.check(params.size() <= maximumParams, "params");
+    for (auto param = params.begin(); param != params.end(); ++param) {
+        const QJsonValue value = param.value();
+        validation.check(isName(param.key()), "param", param.key());
+        validation.check(value.isString() && value.toString().size() <= maximumValueLength, "value",
+                         param.key());
     }
+}
 
-    void checkRequest(const HttpServer::Request &request)
-    {
-        const QUrlQuery query(QUrl::fromEncoded(request.target));
-        check(request.method == "POST", "method");
-        check(!query.queryItemValue(QStringLiteral("measurement_id")).isEmpty(), "measurement_id");
-        check(!query.queryItemValue(QStringLiteral("api_secret")).isEmpty(), "api_secret");
-        check(query.queryItems().size() == 2, "query");
-        check(request.header("Content-Type") == "application/json", "Content-Type");
-        check(request.body.size() < maximumBodySize, "size");
-    }
-
-    void checkBody(const QJsonObject &body)
-    {
-        const QStringList known {QStringLiteral("client_id"), QStringLiteral("events"),
-                                 QStringLiteral("user_id")};
-        check(body.keys() == known, "keys");
-        const QString userId = body.value(QStringLiteral("user_id")).toString();
-        check(!body.value(QStringLiteral("client_id")).toString().isEmpty(), "client_id");
-        check(!userId.isEmpty() && userId.size() <= maximumUserIdLength, "user_id");
-        const QJsonArray events = body.value(QStringLiteral("events")).toArray();
-        check(!events.isEmpty() && events.size() <= maximumEvents, "events");
-        for (const QJsonValue &event : events)
-            checkEvent(event.toObject());
-    }
-
-private:
-    void checkEvent(const QJsonObject &event)
-    {
-        const QJsonObject params = event.value(QStringLiteral("params")).toObject();
-        check(event.keys() == QStringList({QStringLiteral("name"), QStringLiteral("params")}), "event");
-        check(isName(event.value(QStringLiteral("name")).toString()), "name");
-        check(params.size() <= maximumParams, "params");
-        for (auto param = params.begin(); param != params.end(); ++param) {
-            check(isName(param.key()), "param");
-            check(param.value().isString() && param.value().toString().size() <= maximumValueLength, "value");
-        }
-    }
-
-    QStringList m_problems;
-};
+void checkBody(Validation &validation, const QJsonObject &body)
+{
+    validation.checkKeys(
+        body, {QStringLiteral("client_id"), QStringLiteral("events"), QStringLiteral("user_id")}, "keys");
+    const QString userId = body.value(QStringLiteral("user_id")).toString();
+    validation.check(!body.value(QStringLiteral("client_id")).toString().isEmpty(), "client_id");
+    validation.check(!userId.isEmpty() && userId.size() <= maximumUserIdLength, "user_id");
+    const QJsonArray events = body.value(QStringLiteral("events")).toArray();
+    validation.check(!events.isEmpty() && events.size() <= maximumEvents, "events");
+    for (const QJsonValue &event : events)
+        checkEvent(validation, event.toObject());
+}
 
 } // namespace
 
@@ -97,8 +85,8 @@ HttpServer::Response GaCollector::collect(const HttpServer::Request &request)
 {
     const QJsonObject body = QJsonDocument::fromJson(request.body).object();
     Validation validation;
-    validation.checkRequest(request);
-    validation.checkBody(body);
+    checkRequest(validation, request);
+    checkBody(validation, body);
     const Event event {request, body, validation.problems()};
     if (m_watcher)
         m_watcher(event);

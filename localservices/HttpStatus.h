@@ -11,6 +11,7 @@ enum : int {
     NoContent = 204,
     Forbidden = 403,
     NotFound = 404,
+    InternalServerError = 500,
     BadGateway = 502,
     ServiceUnavailable = 503
 };

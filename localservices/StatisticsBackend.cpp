@@ -2,6 +2,8 @@
 
 #include "StatisticsBackend.h"
 
+#include "Validation.h"
+
 #include <QCryptographicHash>
 #include <QDateTime>
 #include <QJsonDocument>
@@ -13,10 +15,6 @@ namespace {
 
 constexpr qint64 maximumAgeSeconds = 300;
 
-// The last two keys of the query. Keys before them belong to the backend's own address.
-const QString queryForm = QStringLiteral("\\?sign=([0-9a-f]{32})&timestamp=([0-9]+)\\z");
-const QString dayForm = QStringLiteral("\\A[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}\\z");
-
 const QStringList &keys()
 {
     static const QStringList list {QStringLiteral("action"),    QStringLiteral("day"),
@@ -26,13 +24,25 @@ const QStringList &keys()
     return list;
 }
 
-bool areStrings(const QJsonObject &body)
+// Returns the first of the two keys that is not in the query.
+QString missingKey(const QByteArray &target)
 {
-    for (const QString &key : keys()) {
-        if (!body.value(key).isString())
-            return false;
+    for (const char *key : {"sign", "timestamp"}) {
+        if (!target.contains(QByteArray(key) + '='))
+            return QLatin1String(key) + QStringLiteral(" is missing");
     }
-    return true;
+    return QString();
+}
+
+void checkBody(Validation &validation, const QJsonObject &body)
+{
+    validation.checkKeys(body, keys(), "keys");
+    for (const QString &key : keys())
+        validation.check(!body.contains(key) || body.value(key).isString(), "value", key);
+    static const QRegularExpression dayForm(
+        QStringLiteral("\\A[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}\\z"));
+    const QString day = body.value(QStringLiteral("day")).toString();
+    validation.check(dayForm.match(day).hasMatch(), "day", day);
 }
 
 } // namespace
@@ -54,26 +64,25 @@ QList<StatisticsBackend::Record> StatisticsBackend::records() const
 
 HttpServer::Response StatisticsBackend::receive(const HttpServer::Request &request)
 {
-    const QRegularExpressionMatch query =
-        QRegularExpression(queryForm).match(QString::fromLatin1(request.target));
+    // The last two keys of the query. Keys before them belong to the backend's own address.
+    static const QRegularExpression queryForm(QStringLiteral("\\?sign=([^&]*)&timestamp=([^&]*)\\z"));
+    const QRegularExpressionMatch query = queryForm.match(QString::fromLatin1(request.target));
     Record record {request,
                    query.captured(1).toLatin1(),
                    query.captured(2).toLongLong(),
                    QJsonDocument::fromJson(request.body).object(),
                    {}};
-    const auto check = [&record](bool isGood, const char *problem) {
-        if (!isGood)
-            record.problems << QString::fromLatin1(problem);
-    };
     const QByteArray text = m_secret + "timestamp" + query.captured(2).toLatin1() + request.body + m_secret;
-    check(request.method == "POST", "method");
-    check(request.header("Content-Type") == "application/json", "Content-Type");
-    check(query.hasMatch(), "query");
-    check(qAbs(QDateTime::currentSecsSinceEpoch() - record.timestamp) <= maximumAgeSeconds, "timestamp");
-    check(QCryptographicHash::hash(text, QCryptographicHash::Md5).toHex() == record.signature, "sign");
-    check(record.body.keys() == keys() && areStrings(record.body), "keys");
-    check(QRegularExpression(dayForm).match(record.body.value(QStringLiteral("day")).toString()).hasMatch(),
-          "day");
+    const bool isRecent = qAbs(QDateTime::currentSecsSinceEpoch() - record.timestamp) <= maximumAgeSeconds;
+    Validation validation;
+    validation.check(request.method == "POST", "method");
+    validation.check(request.header("Content-Type") == "application/json", "Content-Type");
+    validation.check(query.hasMatch(), "query", missingKey(request.target));
+    validation.check(isRecent, "timestamp");
+    validation.check(QCryptographicHash::hash(text, QCryptographicHash::Md5).toHex() == record.signature,
+                     "sign");
+    checkBody(validation, record.body);
+    record.problems = validation.problems();
     if (m_watcher)
         m_watcher(record);
     const std::lock_guard<std::mutex> lock(m_mutex);

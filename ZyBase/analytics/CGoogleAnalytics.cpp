@@ -23,7 +23,7 @@ QNetworkRequest createRequest(const QString &strCollectUrl, const QString &strMe
 {
     const QString strUrl = QStringLiteral("%1?measurement_id=%2&api_secret=%3")
                                .arg(strCollectUrl)
-                               .arg(strMeasurementId)
+                               .arg(strMeasurementId) // clazy:exclude=qstring-arg
                                .arg(strApiSecret);
     QNetworkRequest request(QUrl(strUrl, QUrl::TolerantMode));
     request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));

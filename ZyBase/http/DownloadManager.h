@@ -46,6 +46,8 @@ namespace ZyBase {
  *
  * **Failures.** StartDownload() returns false, or signalDownloadFinished() reports false. The start and the
  * end of a download are also printed to the standard output and error streams.
+ * @ref guide-downloading-well "docs/guide/downloading-well.md" keeps the old file until the new one is
+ * complete, and finds the reason of a failure.
  *
  * **Lifetime.** The destructor ends a running download without a signal and keeps the partial file. Call
  * StopDownload() before you delete the object.

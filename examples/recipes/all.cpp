@@ -13,9 +13,11 @@
 #include "QrCard.h"
 #include "QuitInTime.h"
 #include "RunningRequests.h"
+#include "SafeDownload.h"
 #include "SystemProxy.h"
 #include "ThemeWatcher.h"
 #include "TlsSupport.h"
+#include "TrustedAuthority.h"
 #include "UsageReports.h"
 #include "WarningsAppender.h"
 

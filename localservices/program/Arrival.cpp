@@ -5,6 +5,8 @@
 #include <QDateTime>
 #include <QJsonArray>
 #include <QMap>
+#include <QRegularExpression>
+#include <QVector>
 
 using LocalServices::GaCollector;
 using LocalServices::StatisticsBackend;
@@ -13,6 +15,7 @@ namespace {
 
 const QString good = QStringLiteral("good");
 const QString bad = QStringLiteral("bad: ");
+const QString separator = QStringLiteral(": ");
 
 // A sentence for each problem that the collector reports.
 const QMap<QString, QString> &eventSentences()
@@ -26,7 +29,7 @@ const QMap<QString, QString> &eventSentences()
         {QStringLiteral("Content-Type"), QStringLiteral("The Content-Type is not application/json.")},
         {QStringLiteral("size"), QStringLiteral("The body has 130 KiB or more.")},
         {QStringLiteral("keys"),
-         QStringLiteral("The body isn't an object with the keys client_id, events and user_id.")},
+         QStringLiteral("The body is not an object with the keys client_id, events and user_id.")},
         {QStringLiteral("client_id"), QStringLiteral("The client_id is empty.")},
         {QStringLiteral("user_id"), QStringLiteral("The user_id is empty or longer than 256 characters.")},
         {QStringLiteral("events"), QStringLiteral("There is no event or more than 25.")},
@@ -48,38 +51,59 @@ const QMap<QString, QString> &recordSentences()
         {QStringLiteral("method"), QStringLiteral("The method is not POST.")},
         {QStringLiteral("Content-Type"), QStringLiteral("The Content-Type is not application/json.")},
         {QStringLiteral("keys"),
-         QStringLiteral("The body is not an object with the strings action, day, device_id, os, product, qd, "
-                        "status and version.")},
+         QStringLiteral(
+             "The body is not an object with the keys action, day, device_id, os, product, qd, status "
+             "and version.")},
+        {QStringLiteral("value"), QStringLiteral("A value of the body is not a string.")},
         {QStringLiteral("day"),
          QStringLiteral("The day is not a date and time such as 2026-11-20 17:05:09.")}};
     return sentences;
 }
 
-// Only the most important problem is reported. Without the right query there is no signature to check.
-QString signatureVerdict(const QStringList &problems)
+// What a record's signature violates, the most important first. Without the right query there is no signature
+// to check.
+const QVector<QPair<QString, QString>> &signatureReasons()
 {
-    if (problems.contains(QStringLiteral("query")))
-        return bad + QStringLiteral("the query does not end with sign and timestamp");
-    if (problems.contains(QStringLiteral("sign")))
-        return bad + QStringLiteral("it does not match the secret, time stamp and body");
-    if (problems.contains(QStringLiteral("timestamp")))
-        return bad + QStringLiteral("the time stamp is more than 300 seconds from now");
-    return good;
+    static const QVector<QPair<QString, QString>> reasons {
+        {QStringLiteral("query"), QStringLiteral("the query does not end with sign and timestamp")},
+        {QStringLiteral("sign"), QStringLiteral("it does not match the secret, time stamp and body")},
+        {QStringLiteral("timestamp"), QStringLiteral("the time stamp is more than 300 seconds from now")}};
+    return reasons;
+}
+
+// What violates a rule follows after a colon.
+QString violationOf(const QString &problem)
+{
+    const QString violation = problem.section(separator, 1);
+    return violation.isEmpty() ? QString() : separator + violation;
+}
+
+// Returns the most important reason, and removes all that concern the signature from the problems.
+QString takeSignatureVerdict(QStringList &problems)
+{
+    QStringList verdicts;
+    for (const QPair<QString, QString> &reason : signatureReasons()) {
+        const QRegularExpression form(QStringLiteral("\\A%1(:|\\z)").arg(reason.first));
+        const QStringList found = problems.filter(form);
+        for (const QString &problem : found) {
+            problems.removeAll(problem);
+            verdicts << reason.second + violationOf(problem);
+        }
+    }
+    return verdicts.isEmpty() ? good : bad + verdicts.first();
 }
 
 // Each problem once, even if several events have it.
 QStringList inSentences(QStringList problems, const QMap<QString, QString> &sentences)
 {
     problems.removeDuplicates();
-    for (QString &problem : problems)
-        problem = sentences.value(problem, problem);
-    return problems;
-}
-
-QStringList withoutSignature(QStringList problems)
-{
-    for (const char *word : {"query", "sign", "timestamp"})
-        problems.removeAll(QLatin1String(word));
+    for (QString &problem : problems) {
+        QString sentence = sentences.value(problem.section(separator, 0, 0));
+        if (sentence.isEmpty())
+            continue;
+        sentence.chop(1);
+        problem = sentence + violationOf(problem) + QLatin1Char('.');
+    }
     return problems;
 }
 
@@ -119,14 +143,16 @@ Arrival Arrival::of(const GaCollector::Event &event)
 
 Arrival Arrival::of(const StatisticsBackend::Record &record)
 {
+    QStringList problems = record.problems;
+    const QString signature = takeSignatureVerdict(problems);
     return {0,
             Arrival::record(),
             now(),
             record.body.value(QStringLiteral("action")).toString(),
             record.body.value(QStringLiteral("status")).toString(),
             record.request,
-            signatureVerdict(record.problems),
-            inSentences(withoutSignature(record.problems), recordSentences())};
+            signature,
+            inSentences(problems, recordSentences())};
 }
 
 bool Arrival::isGood() const

@@ -17,10 +17,11 @@ void ArrivalFeed::add(const Arrival &arrival)
     wakeReaders();
 }
 
-void ArrivalFeed::clear()
+bool ArrivalFeed::clear()
 {
-    m_store.clear();
+    const bool isCleared = m_store.clear();
     wakeReaders();
+    return isCleared;
 }
 
 void ArrivalFeed::count(const Arrival &arrival)
@@ -39,19 +40,22 @@ void ArrivalFeed::wakeReaders()
     m_change.notify_all();
 }
 
-QList<Arrival> ArrivalFeed::waitAfter(qint64 id, std::chrono::milliseconds time)
+QList<Arrival> ArrivalFeed::waitFor(const ArrivalQuery &query, std::chrono::milliseconds time)
 {
+    const auto deadline = std::chrono::steady_clock::now() + time;
     std::unique_lock<std::mutex> lock(m_mutex);
-    const quint64 changes = m_changes;
-    lock.unlock();
-    const QList<Arrival> found = after(id);
-    if (!found.isEmpty())
-        return found;
-    // An arrival after the query above has changed the number.
-    lock.lock();
-    m_change.wait_for(lock, time, [&] { return m_changes != changes || m_isStopped; });
-    lock.unlock();
-    return after(id);
+    bool hasChanged = true;
+    while (hasChanged && !m_isStopped) {
+        const quint64 changes = m_changes;
+        lock.unlock();
+        const QList<Arrival> found = find(query);
+        if (!found.isEmpty())
+            return found;
+        // An arrival after the query above has changed the number.
+        lock.lock();
+        hasChanged = m_change.wait_until(lock, deadline, [&] { return m_changes != changes || m_isStopped; });
+    }
+    return {};
 }
 
 ArrivalFeed::Counts ArrivalFeed::counts() const

@@ -14,9 +14,6 @@
 class ArrivalFeed
 {
 public:
-    /** The maximum number of arrivals that one call returns. */
-    static constexpr int newest = 500;
-
     /** The numbers of arrivals since the feed was created, all and good ones. */
     struct Counts
     {
@@ -31,15 +28,17 @@ public:
     /** Stores the arrival and wakes the readers. */
     void add(const Arrival &arrival);
 
-    /** Removes all arrivals and wakes the readers. */
-    void clear();
+    /** Removes all arrivals and wakes the readers. Returns false if they cannot be removed. */
+    bool clear();
 
-    /** Returns the arrivals after the id. If there are none, waits for one, for @p time at most or until
-     * stop(). */
-    QList<Arrival> waitAfter(qint64 id, std::chrono::milliseconds time);
+    /**
+     * Returns the arrivals that the query selects. If there are none, waits for one, for @p time at most or
+     * until stop().
+     */
+    QList<Arrival> waitFor(const ArrivalQuery &query, std::chrono::milliseconds time);
 
-    /** Returns the arrivals after the id without waiting. */
-    QList<Arrival> after(qint64 id) const { return m_store.after(id, newest); }
+    /** Returns the arrivals that the query selects without waiting. */
+    QList<Arrival> find(const ArrivalQuery &query) const { return m_store.find(query); }
 
     qint64 lastId() const { return m_store.lastId(); }
     Counts counts() const;

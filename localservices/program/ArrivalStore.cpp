@@ -30,9 +30,13 @@ constexpr const char *setUp = "PRAGMA journal_mode = WAL;"
                               " problems TEXT NOT NULL)";
 constexpr const char *insertOne = "INSERT INTO arrivals (kind, time, name, detail, method, target, headers,"
                                   " body, signature, problems) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)";
-constexpr const char *selectNewest = "SELECT id, kind, time, name, detail, method, target, headers, body,"
-                                     " signature, problems FROM arrivals WHERE id > ?"
-                                     " ORDER BY id DESC LIMIT ?";
+constexpr const char *selectNewest =
+    "SELECT id, kind, time, name, detail, method, target, headers, body, signature, problems FROM arrivals"
+    " WHERE id > ?1 AND id < ?2 AND (kind = 'cleared'"
+    " OR ((?3 IN ('', kind) OR (?3 = 'problem' AND (problems != '[]' OR signature LIKE 'bad%')))"
+    " AND instr(lower(name || char(10) || detail || char(10) || target || char(10) || headers || char(10)"
+    " || body || char(10) || signature || char(10) || problems), lower(?4)) > 0))"
+    " ORDER BY id DESC LIMIT ?5";
 // AUTOINCREMENT keeps the last id here when rows are removed.
 constexpr const char *selectLastId = "SELECT seq FROM sqlite_sequence WHERE name = 'arrivals'";
 
@@ -191,7 +195,7 @@ qint64 ArrivalStore::add(const Arrival &arrival)
     return insert(arrival);
 }
 
-void ArrivalStore::clear()
+bool ArrivalStore::clear()
 {
     Arrival mark;
     mark.kind = Arrival::cleared();
@@ -201,13 +205,14 @@ void ArrivalStore::clear()
         run("BEGIN IMMEDIATE") && run("DELETE FROM arrivals") && insert(mark) > 0 && run("COMMIT");
     if (!isCleared)
         run("ROLLBACK");
+    return isCleared;
 }
 
-QList<Arrival> ArrivalStore::after(qint64 id, int limit) const
+QList<Arrival> ArrivalStore::find(const ArrivalQuery &query) const
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     Statement rows(m_database.get(), selectNewest);
-    rows.bind(id).bind(qint64(limit));
+    rows.bind(query.after).bind(query.before).bind(query.kind).bind(query.text).bind(qint64(query.limit));
     QList<Arrival> arrivals;
     while (rows.next())
         arrivals.prepend(readArrival(rows));

@@ -4,10 +4,23 @@
 
 #include "Arrival.h"
 
+#include <limits>
 #include <memory>
 #include <mutex>
 
 struct sqlite3;
+
+/** Which arrivals to return: the newest of those that meet all conditions. */
+struct ArrivalQuery
+{
+    static constexpr int maximumLimit = 500; ///< that the page server accepts
+
+    qint64 after = 0; ///< only arrivals with a larger id
+    int limit = maximumLimit; ///< the maximum number of arrivals
+    qint64 before = std::numeric_limits<qint64>::max(); ///< only arrivals with a smaller id
+    QString kind = {}; ///< "event", "record", or "problem" for those that are not good; empty for all
+    QString text = {}; ///< part of a field; upper and lower case of ASCII letters are the same
+};
 
 /**
  * Stores arrivals in an SQLite file, where the next run finds them. The table "arrivals" has one row for
@@ -27,12 +40,15 @@ public:
 
     /**
      * Removes all arrivals and adds one of the kind "cleared". A reader that continues after an id learns
-     * from it that earlier arrivals are removed.
+     * from it that earlier arrivals are removed. Returns false after a failure; nothing is removed then.
      */
-    void clear();
+    bool clear();
 
-    /** Returns the newest @p limit arrivals after the id, in the order in which they came. */
-    QList<Arrival> after(qint64 id, int limit) const;
+    /**
+     * Returns the arrivals in the order in which they came. The kind "cleared" meets every condition except
+     * those of the id.
+     */
+    QList<Arrival> find(const ArrivalQuery &query) const;
 
     /** Returns the newest id, or 0 if there was no arrival yet. */
     qint64 lastId() const;

@@ -21,6 +21,8 @@ public:
      */
     bool writeDescription(const QString &directory, const QUrl &page) const;
 
+    QUrl proxyUrl() const { return m_network.proxyUrl(); }
+
     /** Waits until no connection is open, for two seconds at most. */
     void settle();
 

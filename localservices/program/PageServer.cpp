@@ -30,16 +30,18 @@ constexpr std::chrono::seconds heartbeat(1);
 
 const QByteArray plainText = QByteArrayLiteral("text/plain");
 
-// The page contains this instead of the path of services.json.
-const QString servicesMark = QStringLiteral("@SERVICES@");
-
-QByteArray createPage(const QString &services)
+// The page contains marks instead of the addresses.
+QByteArray createPage(const PageAddresses &addresses)
 {
     initResources();
     QFile file(QStringLiteral(":/page.html"));
     if (!file.open(QIODevice::ReadOnly))
         qFatal("local-services: the page is missing in the program's resources");
-    return QString::fromUtf8(file.readAll()).replace(servicesMark, services.toHtmlEscaped()).toUtf8();
+    return QString::fromUtf8(file.readAll())
+        .replace(QLatin1String("@SERVICES@"), addresses.services.toHtmlEscaped())
+        .replace(QLatin1String("@AUTHORITY@"), addresses.authority.toHtmlEscaped())
+        .replace(QLatin1String("@PROXY@"), addresses.proxy.toHtmlEscaped())
+        .toUtf8();
 }
 
 // Returns the source expression of Content-Security-Policy for the only inline element of this name.
@@ -59,11 +61,19 @@ QByteArray contentSecurityPolicy(const QByteArray &page)
            + "; base-uri 'none'; form-action 'none'; frame-ancestors 'none'";
 }
 
-// Returns the id of the last arrival that the reader of a feed has.
-qint64 lastIdOf(const HttpRequest &request)
+ArrivalQuery queryOf(const HttpRequest &request)
 {
-    const QByteArray header = request.header("Last-Event-ID");
-    return header.isNull() ? request.queryValue("after").toLongLong() : header.toLongLong();
+    ArrivalQuery query;
+    const auto number = [&request](const char *key, qint64 fallback) {
+        const qint64 value = request.queryValue(key).toLongLong();
+        return value > 0 ? value : fallback;
+    };
+    query.after = number("after", query.after);
+    query.before = number("before", query.before);
+    query.limit = int(qMin<qint64>(ArrivalQuery::maximumLimit, number("limit", query.limit)));
+    query.kind = request.queryValue("kind");
+    query.text = request.queryValue("text");
+    return query;
 }
 
 QByteArray toJson(const QList<Arrival> &arrivals)
@@ -78,9 +88,9 @@ QByteArray toJson(const QList<Arrival> &arrivals)
 
 } // namespace
 
-PageServer::PageServer(ArrivalFeed &feed, quint16 port, const QString &services)
+PageServer::PageServer(ArrivalFeed &feed, quint16 port, const PageAddresses &addresses)
     : m_feed(feed)
-    , m_page(createPage(services))
+    , m_page(createPage(addresses))
     , m_headers {{"Content-Security-Policy", contentSecurityPolicy(m_page)},
                  {"X-Content-Type-Options", "nosniff"},
                  {"Referrer-Policy", "no-referrer"},
@@ -129,37 +139,38 @@ HttpResponse PageServer::respond(const HttpRequest &request)
         return {HttpStatus::Ok, m_page, "text/html; charset=utf-8", m_headers};
     if (action == "GET /feed")
         return {HttpStatus::ServiceUnavailable, "Too many pages are open.\n", plainText, m_headers};
-    if (action == "GET /arrivals") {
-        const qint64 id = request.queryValue("after").toLongLong();
-        return {HttpStatus::Ok, toJson(m_feed.after(id)), "application/json", m_headers};
-    }
-    if (action == "DELETE /arrivals") {
-        m_feed.clear();
+    if (action == "GET /arrivals")
+        return {HttpStatus::Ok, toJson(m_feed.find(queryOf(request))), "application/json", m_headers};
+    if (action == "DELETE /arrivals" && m_feed.clear())
         return {HttpStatus::NoContent, {}, {}, m_headers};
-    }
+    if (action == "DELETE /arrivals")
+        return {HttpStatus::InternalServerError, "The database cannot be changed.\n", plainText, m_headers};
     return {HttpStatus::NotFound, {}, {}, m_headers};
 }
 
-// Sends the arrivals after the reader's last one until the client closes the connection.
+// Sends the selected arrivals after the reader's last one until the client closes the connection.
 void PageServer::sendFeed(Connection &connection, const HttpRequest &request)
 {
-    qint64 lastId = lastIdOf(request);
+    ArrivalQuery query = queryOf(request);
+    const QByteArray lastEventId = request.header("Last-Event-ID");
+    if (!lastEventId.isNull())
+        query.after = lastEventId.toLongLong();
     QByteArray bytes = QByteArrayLiteral("retry: 1000\n");
     // An id that does not exist yet is from an older database. The reader must drop its arrivals.
-    if (lastId > m_feed.lastId()) {
-        lastId = 0;
+    if (query.after > m_feed.lastId()) {
+        query.after = 0;
         bytes += "event: cleared\ndata: {}\n";
     }
     bytes += '\n';
     bool isOpen =
         beginChunks(connection, request, m_headers + HttpHeaders {{"Content-Type", "text/event-stream"}});
     while (isOpen && writeChunk(connection, bytes)) {
-        const QList<Arrival> arrivals = m_feed.waitAfter(lastId, heartbeat);
+        const QList<Arrival> arrivals = m_feed.waitFor(query, heartbeat);
         isOpen = !m_feed.isStopped();
         bytes = arrivals.isEmpty() ? QByteArrayLiteral(":\n\n") : QByteArray();
         for (const Arrival &arrival : arrivals) {
             bytes += ArrivalFeed::toServerSentEvent(arrival);
-            lastId = arrival.id;
+            query.after = arrival.id;
         }
     }
 }

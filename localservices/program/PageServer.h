@@ -11,16 +11,26 @@
 
 #include <atomic>
 
+/** How applications and curl reach the services. */
+struct PageAddresses
+{
+    QString services; ///< the path of services.json
+    QString authority; ///< the path of the certificate of the authority
+    QString proxy; ///< the URL of the proxy
+};
+
 /**
  * The web server on 127.0.0.1 for the page that shows what arrives:
  *
  * | Request                   | Response                                                             |
  * |---------------------------|----------------------------------------------------------------------|
  * | GET /                     | the page, with its style and script                                  |
- * | GET /feed                 | server-sent events without end: the arrivals after the id in the     |
- * |                           | header "Last-Event-ID" or in "?after=ID"                             |
- * | GET /arrivals?after=ID    | the newest arrivals after the id, as a JSON array                    |
+ * | GET /arrivals?QUERY       | arrivals as a JSON array, the newest last                            |
+ * | GET /feed?QUERY           | server-sent events without end: the same arrivals, and later ones    |
  * | DELETE /arrivals          | removes all arrivals                                                 |
+ *
+ * QUERY has any of "after", "before", "limit", "kind" and "text", the members of ArrivalQuery. The header
+ * "Last-Event-ID" replaces "after" of a feed.
  *
  * Other sites cannot use the server through a browser. The browser does not let them read a response or
  * send DELETE. A site whose own name resolves to 127.0.0.1 is rejected because of its "Host" header.
@@ -35,9 +45,9 @@ public:
      * Starts the server.
      *
      * @param port a port number; 0 uses any free port
-     * @param services the path of services.json, which the page shows
+     * @param addresses what the page shows of the other services
      */
-    PageServer(ArrivalFeed &feed, quint16 port, const QString &services);
+    PageServer(ArrivalFeed &feed, quint16 port, const PageAddresses &addresses);
 
     /** Stops the feed and ends all connections at once. */
     ~PageServer();

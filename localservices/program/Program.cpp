@@ -31,13 +31,13 @@ int fail(const QString &message)
     return failure;
 }
 
-std::unique_ptr<PageServer> createPage(ArrivalFeed &feed, int port, const QString &services)
+std::unique_ptr<PageServer> createPage(ArrivalFeed &feed, int port, const PageAddresses &addresses)
 {
     if (port != Options::anyPreferred)
-        return std::make_unique<PageServer>(feed, quint16(port), services);
-    auto page = std::make_unique<PageServer>(feed, defaultPort, services);
+        return std::make_unique<PageServer>(feed, quint16(port), addresses);
+    auto page = std::make_unique<PageServer>(feed, defaultPort, addresses);
     if (!page->isListening())
-        page = std::make_unique<PageServer>(feed, anyPort, services);
+        page = std::make_unique<PageServer>(feed, anyPort, addresses);
     return page;
 }
 
@@ -67,7 +67,9 @@ int Program::run(Termination &termination)
         return fail(QStringLiteral("%1: %2").arg(m_folder.filePath(arrivalsFile), store.error()));
     ArrivalFeed feed(store);
     LocalServers servers(feed);
-    const auto page = createPage(feed, m_options.port, m_folder.filePath(servicesFile));
+    const auto page = createPage(
+        feed, m_options.port,
+        {m_folder.filePath(servicesFile), m_folder.filePath(authorityFile), servers.proxyUrl().toString()});
     if (!page->isListening())
         return fail(QStringLiteral("the port %1 is in use").arg(m_options.port));
     if (!servers.writeDescription(m_folder.path(), page->url()))

@@ -50,7 +50,7 @@ Termination::Termination()
     if (::pipe2(notes, O_CLOEXEC | O_NONBLOCK) != 0)
         qFatal("local-services: cannot create a pipe for signals");
     m_notifier = std::make_unique<QSocketNotifier>(notes[0], QSocketNotifier::Read);
-    QObject::connect(m_notifier.get(), &QSocketNotifier::activated, [this] { read(); });
+    QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(), [this] { read(); });
     setHandlers(note);
 }
 

@@ -59,12 +59,14 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("body");
         QTest::addColumn<QString>("problem");
         const QByteArray query = "?measurement_id=G-1&api_secret=s";
-        const auto row = [&query](const char *name, const QByteArray &body, const char *problem) {
+        const auto row = [&query](const char *name, const QByteArray &body, const QByteArray &problem) {
             QTest::newRow(name) << query << body << QString::fromLatin1(problem);
         };
         const QByteArray longString(101, 'x');
         row("good", goodEvent, "");
-        row("not JSON", "hello", "keys client_id user_id events");
+        row("not JSON", "hello",
+            "keys: client_id is missing keys: events is missing keys: user_id is missing client_id user_id "
+            "events");
         row("empty client", changed(goodEvent, "\"client_id\": \"c\"", "\"client_id\": \"\""), "client_id");
         row("no events",
             changed(goodEvent,
@@ -72,13 +74,14 @@ private Q_SLOTS:
                     " \"event_label\": \"pdf\"}}]",
                     "[]"),
             "events");
-        row("space in the name", changed(goodEvent, "open", "open file"), "name");
-        row("long name", changed(goodEvent, "open", longString.left(41)), "name");
-        row("reserved name", changed(goodEvent, "open", "ga_open"), "name");
-        row("long label", changed(goodEvent, "pdf", longString), "value");
-        row("label is a number", changed(goodEvent, "\"pdf\"", "7"), "value");
-        row("invalid parameter name", changed(goodEvent, "event_label", "event label"), "param");
-        row("additional key", changed(goodEvent, "{\"client_id\"", "{\"a\": 1, \"client_id\""), "keys");
+        row("space in the name", changed(goodEvent, "open", "open file"), "name: open file");
+        row("long name", changed(goodEvent, "open", longString.left(41)), "name: " + longString.left(41));
+        row("reserved name", changed(goodEvent, "open", "ga_open"), "name: ga_open");
+        row("long label", changed(goodEvent, "pdf", longString), "value: event_label");
+        row("label is a number", changed(goodEvent, "\"pdf\"", "7"), "value: event_label");
+        row("invalid parameter name", changed(goodEvent, "event_label", "event label"), "param: event label");
+        row("additional key", changed(goodEvent, "{\"client_id\"", "{\"a\": 1, \"client_id\""),
+            "keys: a is unknown");
         QTest::newRow("empty secret")
             << QByteArray("?measurement_id=G-1&api_secret=") << goodEvent << QStringLiteral("api_secret");
         QTest::newRow("empty measurement identifier")
@@ -110,10 +113,11 @@ private Q_SLOTS:
         row("four minutes old", goodRecord, 240, "");
         row("an hour old", goodRecord, 3600, "timestamp");
         row("in the future", goodRecord, -3600, "timestamp");
-        row("missing key", changed(goodRecord, "\"qd\":\"q\",", ""), 0, "keys");
-        row("additional key", changed(goodRecord, "\"qd\"", "\"b\":\"\",\"qd\""), 0, "keys");
-        row("value is a number", changed(goodRecord, "\"q\"", "7"), 0, "keys");
-        row("another date format", changed(goodRecord, "2026-11-20 ", "20.11.2026 "), 0, "day");
+        row("missing key", changed(goodRecord, "\"qd\":\"q\",", ""), 0, "keys: qd is missing");
+        row("additional key", changed(goodRecord, "\"qd\"", "\"b\":\"\",\"qd\""), 0, "keys: b is unknown");
+        row("value is a number", changed(goodRecord, "\"q\"", "7"), 0, "value: qd");
+        row("another date format", changed(goodRecord, "2026-11-20 ", "20.11.2026 "), 0,
+            "day: 20.11.2026 17:05:09");
         QTest::newRow("signature of other bytes") << goodRecord << goodRecord + '\n'
                                                   << 0 << QStringLiteral("sign");
     }
@@ -133,11 +137,28 @@ private Q_SLOTS:
         QCOMPARE(backend.records().first().problems.join(QLatin1Char(' ')), problem);
     }
 
+    void rejectsRecordWithoutSignature_data()
+    {
+        QTest::addColumn<QByteArray>("query");
+        QTest::addColumn<QStringList>("problems");
+        const QString timestamp = QStringLiteral("timestamp");
+        const QString sign = QStringLiteral("sign");
+        QTest::newRow("no query") << QByteArray()
+                                  << QStringList {QStringLiteral("query: sign is missing"), timestamp, sign};
+        QTest::newRow("no time stamp")
+            << QByteArray("?sign=x")
+            << QStringList {QStringLiteral("query: timestamp is missing"), timestamp, sign};
+        QTest::newRow("keys in another order")
+            << QByteArray("?timestamp=1&sign=x") << QStringList {QStringLiteral("query"), timestamp, sign};
+        QTest::newRow("values of another form")
+            << QByteArray("?sign=x&timestamp=now") << QStringList {timestamp, sign};
+    }
     void rejectsRecordWithoutSignature()
     {
+        QFETCH(QByteArray, query);
         const StatisticsBackend backend(secret);
-        QCOMPARE(post(backend.url(), goodRecord), 403);
-        QVERIFY(backend.records().first().problems.contains(QStringLiteral("query")));
+        QCOMPARE(post(withQuery(backend.url(), query), goodRecord), 403);
+        QTEST(backend.records().first().problems, "problems");
     }
 };
 

@@ -274,6 +274,17 @@ private Q_SLOTS:
         QCOMPARE(readFile(logFile()).mid(23), end);
     }
 
+    void writesEmptyMessageForNullPointerAtOtherLevels()
+    {
+        initLogger();
+        LoggerObject::warn(nullptr);
+        LoggerObject::error(nullptr);
+        const QStringList lines = readLines(logFile());
+        QCOMPARE(lines.size(), 2);
+        QVERIFY(lines.first().endsWith(QStringLiteral(" WARN   - ")));
+        QVERIFY(lines.last().endsWith(QStringLiteral(" ERROR  - ")));
+    }
+
     void continuesExistingFile()
     {
         QVERIFY(QDir().mkpath(QFileInfo(logFile()).path()));

@@ -238,8 +238,10 @@ private Q_SLOTS:
         QCOMPARE(bytes(pathsOf(&host).value(QStringLiteral("filePathBytes"))), deep.path() + "/host");
         QVERIFY(QDir(m_directory->path()).rename(QStringLiteral("before"), QStringLiteral("after")));
         const QString after = QDir(m_directory->path()).canonicalPath() + QStringLiteral("/after");
-        QCOMPARE(pathsOf(&host).value(QStringLiteral("filePath")).toString(),
-                 after + QStringLiteral("/host"));
+        const QJsonObject renamed = pathsOf(&host);
+        QCOMPARE(renamed.value(QStringLiteral("filePath")).toString(), after + QStringLiteral("/host"));
+        QCOMPARE(renamed.value(QStringLiteral("dirPath")).toString(), after);
+        QCOMPARE(renamed.value(QStringLiteral("resDirPath")).toString(), after + QStringLiteral("/res"));
         QVERIFY(QFile::remove(after + QStringLiteral("/host")));
         QCOMPARE(pathsOf(&host).value(QStringLiteral("filePath")).toString(),
                  after + QStringLiteral("/host (deleted)"));

@@ -161,6 +161,16 @@ private Q_SLOTS:
         QCOMPARE(startedCommand(path("folder/")), QStringList({utf8("xdg-open"), path("folder")}));
     }
 
+    void selectsLinkInsteadOfItsTarget()
+    {
+        const QString link = path("folder/link");
+        QVERIFY(QFile::link(path("file.txt"), link));
+        qputenv(desktopVariable, "KDE");
+        QCOMPARE(startedCommand(link), QStringList({utf8("dolphin"), utf8("--select"), link}));
+        qputenv(desktopVariable, "UKUI");
+        QCOMPARE(startedCommand(link), QStringList({utf8("xdg-open"), path("folder")}));
+    }
+
     void passesUnusualNamesUnchanged_data()
     {
         QTest::addColumn<QString>("name");

@@ -112,7 +112,7 @@ private Q_SLOTS:
             server.reset();
             QVERIFY(clock.elapsed() < timeoutMs);
         }
-        QCOMPARE(ProcessFigures::threadCount(), threads);
+        QTRY_COMPARE_WITH_TIMEOUT(ProcessFigures::threadCount(), threads, timeoutMs);
         QTRY_COMPARE_WITH_TIMEOUT(ProcessFigures::openFileCount(), files, timeoutMs);
     }
 

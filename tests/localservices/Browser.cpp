@@ -93,24 +93,35 @@ Browser::~Browser()
     m_driver.waitForFinished(timeoutMs);
 }
 
+// Returns the port, or an empty string after a failure.
+QString Browser::startDriver()
+{
+    m_driver.start(driverName, {QStringLiteral("--port=0")});
+    const QRegularExpression form(QStringLiteral("started successfully(?: on port ([0-9]+))?\\."));
+    QRegularExpressionMatch started;
+    m_error.clear();
+    const auto hasAnswered = [&] {
+        m_error += QString::fromUtf8(m_driver.readAll());
+        started = form.match(m_error);
+        return started.hasMatch() || m_driver.state() == QProcess::NotRunning;
+    };
+    if (!QTest::qWaitFor(hasAnswered, timeoutMs))
+        return QString();
+    m_printsPort = !started.hasMatch() || !started.captured(1).isEmpty();
+    return started.captured(1);
+}
+
 bool Browser::start()
 {
     m_driver.setProcessEnvironment(environment(m_home.path()));
     m_driver.setProcessChannelMode(QProcess::MergedChannels);
-    m_driver.start(driverName, {QStringLiteral("--port=0")});
-    const QRegularExpression started(QStringLiteral("started successfully on port ([0-9]+)"));
-    QString output;
-    const bool isRunning = QTest::qWaitFor(
-        [&] {
-            output += QString::fromUtf8(m_driver.readAll());
-            return started.match(output).hasMatch();
-        },
-        timeoutMs);
-    if (!isRunning) {
-        m_error = output;
+    QString port = startDriver();
+    // The driver ends if the port that the system chose for IPv4 is in use for IPv6.
+    if (m_driver.state() == QProcess::NotRunning)
+        port = startDriver();
+    if (port.isEmpty())
         return false;
-    }
-    m_address = QUrl(QStringLiteral("http://127.0.0.1:%1/session").arg(started.match(output).captured(1)));
+    m_address = QUrl(QStringLiteral("http://127.0.0.1:%1/session").arg(port));
     const QJsonObject options {{QStringLiteral("binary"), createLauncher(m_home.path())},
                                {QStringLiteral("args"), QJsonArray::fromStringList(flags(m_home.path()))}};
     const QJsonObject wanted {{QStringLiteral("goog:chromeOptions"), options},

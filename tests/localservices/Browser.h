@@ -32,6 +32,9 @@ public:
     bool start();
     QString error() const { return m_error; }
 
+    /** Returns false after a failed start() if chromedriver is so old that it does not print its port. */
+    bool printsPort() const { return m_printsPort; }
+
     /** Opens a page. Returns false after a failure. */
     bool open(const QUrl &url);
 
@@ -56,6 +59,7 @@ private:
     Q_DISABLE_COPY(Browser)
 
     QJsonValue send(const QByteArray &method, const QString &path, const QJsonObject &body = {});
+    QString startDriver();
     QString elementPath(const QString &selector);
     void emulate(const QString &command, const QJsonObject &parameters);
 
@@ -64,4 +68,5 @@ private:
     QUrl m_address;
     QString m_session;
     QString m_error;
+    bool m_printsPort = true;
 };

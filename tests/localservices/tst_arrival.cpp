@@ -96,6 +96,9 @@ private Q_SLOTS:
                                    << QStringLiteral("bad: the time stamp is more than 300 seconds from now");
         QTest::newRow("both") << QStringList {timestamp, sign}
                               << QStringLiteral("bad: it does not match the secret, time stamp and body");
+        QTest::newRow("missing key") << QStringList {
+            QStringLiteral("query: sign is missing"), timestamp,
+            sign} << QStringLiteral("bad: the query does not end with sign and timestamp: sign is missing");
         QTest::newRow("query") << QStringList {query, timestamp, sign}
                                << QStringLiteral("bad: the query does not end with sign and timestamp");
     }
@@ -115,7 +118,7 @@ private Q_SLOTS:
              {"method", "measurement_id", "api_secret", "query", "Content-Type", "size", "keys", "client_id",
               "user_id", "events", "event", "name", "params", "param", "value"})
             QTest::addRow("event, %s", problem) << true;
-        for (const char *problem : {"method", "Content-Type", "keys", "day"})
+        for (const char *problem : {"method", "Content-Type", "keys", "value", "day"})
             QTest::addRow("record, %s", problem) << false;
     }
     void describesEachProblemInOneSentence()
@@ -127,6 +130,13 @@ private Q_SLOTS:
         QCOMPARE(arrival.problems.size(), 1);
         QVERIFY2(arrival.problems.first().endsWith(QLatin1Char('.')), qPrintable(arrival.problems.first()));
         QVERIFY(!arrival.isGood());
+    }
+
+    void namesViolationAfterSentence()
+    {
+        QCOMPARE(Arrival::of(eventWith({QStringLiteral("value: event_label: a")})).problems,
+                 QStringList {QStringLiteral(
+                     "A param's value is not a string of at most 100 characters: event_label: a.")});
     }
 
     void keepsUnknownProblem()

@@ -74,15 +74,15 @@ private Q_SLOTS:
     {
         m_feed->add(record(QStringLiteral("a")));
         m_feed->add(record(QStringLiteral("b")));
-        QCOMPARE(m_feed->waitAfter(0, timeout).size(), 2);
-        QCOMPARE(m_feed->waitAfter(1, timeout).value(0).name, QStringLiteral("b"));
+        QCOMPARE(m_feed->waitFor({0}, timeout).size(), 2);
+        QCOMPARE(m_feed->waitFor({1}, timeout).value(0).name, QStringLiteral("b"));
         QCOMPARE(m_feed->lastId(), 2);
     }
 
     void returnsWhenArrivalComes()
     {
         std::atomic<int> size {-1};
-        std::thread reader([&] { size = m_feed->waitAfter(0, timeout).size(); });
+        std::thread reader([&] { size = m_feed->waitFor({0}, timeout).size(); });
         m_feed->add(record(QStringLiteral("a")));
         reader.join();
         QCOMPARE(size.load(), 1);
@@ -95,7 +95,7 @@ private Q_SLOTS:
         std::atomic<qint64> seen {0};
         std::thread reader([&] {
             while (seen < rounds)
-                seen = m_feed->waitAfter(seen, timeout).last().id;
+                seen = m_feed->waitFor({seen}, timeout).last().id;
         });
         for (qint64 i = 1; i <= rounds; ++i) {
             m_feed->add(record(QStringLiteral("a")));
@@ -106,11 +106,11 @@ private Q_SLOTS:
         QCOMPARE(m_feed->lastId(), rounds);
     }
 
-    void returnsNothingAfterTimeout() { QCOMPARE(m_feed->waitAfter(0, 10ms).size(), 0); }
+    void returnsNothingAfterTimeout() { QCOMPARE(m_feed->waitFor({0}, 10ms).size(), 0); }
 
     void returnsWhenFeedStops()
     {
-        std::thread reader([&] { m_feed->waitAfter(0, timeout); });
+        std::thread reader([&] { m_feed->waitFor({0}, timeout); });
         m_feed->stop();
         reader.join();
         QVERIFY(m_feed->isStopped());
@@ -199,10 +199,10 @@ private Q_SLOTS:
     void sendsNewestFiveHundred()
     {
         startServer();
-        for (int i = 1; i <= ArrivalFeed::newest + 20; ++i)
+        for (int i = 1; i <= ArrivalQuery::maximumLimit + 20; ++i)
             m_store->add(record(number(i)));
         FeedReader reader(feedUrl());
-        for (int i = 21; i <= ArrivalFeed::newest + 20; ++i)
+        for (int i = 21; i <= ArrivalQuery::maximumLimit + 20; ++i)
             QCOMPARE(nameIn(reader.next()), number(i));
     }
 
@@ -260,11 +260,55 @@ private Q_SLOTS:
         QCOMPARE(answer.headers.value("content-type"), QByteArray("application/json"));
         const QJsonArray all = QJsonDocument::fromJson(answer.body).array();
         QCOMPARE(all.size(), 2);
-        QCOMPARE(all.first().toObject(), m_store->after(0, 1000).first().toJson());
-        QCOMPARE(QJsonDocument::fromJson(request("GET", arrivalsUrl(QStringLiteral("?after=1"))).body)
-                     .array()
-                     .size(),
-                 1);
+        QCOMPARE(all.first().toObject(), m_store->find({0, 1000}).first().toJson());
+    }
+
+    void selectsArrivalsByQuery_data()
+    {
+        QTest::addColumn<QString>("query");
+        QTest::addColumn<QByteArray>("names");
+        const auto row = [](const char *query, const char *names) {
+            QTest::newRow(query) << QString::fromLatin1(query) << QByteArray(names);
+        };
+        row("?after=1", "b event");
+        row("?before=3", "a b");
+        row("?before=3&limit=1", "b");
+        row("?limit=1000000000000", "a b event");
+        row("?kind=problem", "event");
+        row("?kind=record&text=%42", "b");
+        row("?before=-1&after=x", "a b event");
+    }
+    void selectsArrivalsByQuery()
+    {
+        QFETCH(QString, query);
+        startServer();
+        m_feed->add(record(QStringLiteral("a")));
+        m_feed->add(record(QStringLiteral("b")));
+        m_feed->add(badEvent());
+        const QJsonArray found = QJsonDocument::fromJson(request("GET", arrivalsUrl(query)).body).array();
+        QByteArrayList names;
+        for (const QJsonValue &each : found)
+            names << each.toObject().value(QStringLiteral("name")).toString().toLatin1();
+        QTEST(names.join(' '), "names");
+    }
+
+    void sendsOnlySelectedArrivals()
+    {
+        startServer();
+        FeedReader reader(feedUrl(QStringLiteral("?kind=problem")));
+        m_feed->add(record(QStringLiteral("a")));
+        m_feed->add(badEvent());
+        QCOMPARE(nameIn(reader.next()), QStringLiteral("event"));
+    }
+
+    void reportsThatArrivalsCannotBeRemoved()
+    {
+        ArrivalStore store(m_directory->filePath(QStringLiteral("missing/arrivals.sqlite")));
+        ArrivalFeed feed(store);
+        PageServer server(feed, 0, {});
+        const Answer answer = request("DELETE", server.url().resolved(QUrl(QStringLiteral("arrivals"))));
+        QCOMPARE(answer.status, 500);
+        QCOMPARE(answer.body, QByteArray("The database cannot be changed.\n"));
     }
 
     void rejectsOtherHostNames_data()
@@ -290,7 +334,7 @@ private Q_SLOTS:
         QCOMPARE(rawRequest(m_server->url(), "GET /arrivals HTTP/1.1\r\n" + header).status, status);
         if (status == 403)
             QCOMPARE(rawRequest(m_server->url(), "DELETE /arrivals HTTP/1.1\r\n" + header).status, status);
-        QCOMPARE(m_store->after(0, 10).size(), 1);
+        QCOMPARE(m_store->find({0, 10}).size(), 1);
     }
 
     void rejectsClearFromOtherSites()
@@ -306,7 +350,7 @@ private Q_SLOTS:
         QVERIFY(
             rawRequest(m_server->url(), "POST /arrivals HTTP/1.1\r\n" + host + "Content-Length: 0\r\n").status
             >= 400);
-        QCOMPARE(m_store->after(0, 10).first().name, QStringLiteral("a"));
+        QCOMPARE(m_store->find({0, 10}).first().name, QStringLiteral("a"));
     }
 
     void allowsOnlyOwnScriptAndStyle()
@@ -329,7 +373,8 @@ private Q_SLOTS:
 
     void showsPathOfServicesFile()
     {
-        m_server = std::make_unique<PageServer>(*m_feed, 0, QStringLiteral("/a<b>&\"/services.json"));
+        m_server = std::make_unique<PageServer>(
+            *m_feed, 0, PageAddresses {QStringLiteral("/a<b>&\"/services.json"), {}, {}});
         const QByteArray page = request("GET", m_server->url()).body;
         QVERIFY(page.contains("export LOCAL_SERVICES=/a&lt;b&gt;&amp;&quot;/services.json"));
         QVERIFY(!page.contains("@SERVICES@"));
@@ -349,14 +394,14 @@ private Q_SLOTS:
         const auto port = quint16(m_server->url().port());
         {
             ArrivalFeed otherFeed(*m_store);
-            const PageServer other(otherFeed, port, QString());
+            const PageServer other(otherFeed, port, PageAddresses());
             QVERIFY(!other.isListening());
         }
         QCOMPARE(request("GET", m_server->url()).status, 200);
         // The next run can use the port again, although connections were just closed.
         m_server.reset();
         ArrivalFeed nextFeed(*m_store);
-        const PageServer next(nextFeed, port, QString());
+        const PageServer next(nextFeed, port, PageAddresses());
         QVERIFY(next.isListening());
         QCOMPARE(next.url().port(), int(port));
     }
@@ -378,7 +423,7 @@ private Q_SLOTS:
 private:
     void startServer()
     {
-        m_server = std::make_unique<PageServer>(*m_feed, 0, QString());
+        m_server = std::make_unique<PageServer>(*m_feed, 0, PageAddresses());
         QVERIFY(m_server->isListening());
     }
     QUrl feedUrl(const QString &query = QString()) const { return at(QStringLiteral("feed") + query); }

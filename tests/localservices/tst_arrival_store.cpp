@@ -3,6 +3,7 @@
 #include <ArrivalStore.h>
 
 #include "Files.h"
+#include "Utf8.h"
 
 #include <QDateTime>
 #include <QTemporaryDir>
@@ -73,7 +74,7 @@ private Q_SLOTS:
             QCOMPARE(store.add(fullArrival()), 1);
         }
         const ArrivalStore store(path());
-        const QList<Arrival> arrivals = store.after(0, many);
+        const QList<Arrival> arrivals = store.find({0, many});
         QCOMPARE(arrivals.size(), 1);
         QCOMPARE(arrivals.first().toJson(), withId(fullArrival(), 1).toJson());
         QCOMPARE(arrivals.first().request.body, fullArrival().request.body);
@@ -84,7 +85,7 @@ private Q_SLOTS:
     {
         ArrivalStore store(path());
         QVERIFY(store.add(arrival(QString())) > 0);
-        QCOMPARE(store.after(0, many).value(0).request.body, QByteArray());
+        QCOMPARE(store.find({0, many}).value(0).request.body, QByteArray());
     }
 
     void keepsLargeBody()
@@ -93,7 +94,7 @@ private Q_SLOTS:
         large.request.body = QByteArray(20 * 1024 * 1024, 'x');
         ArrivalStore store(path());
         QVERIFY(store.add(large) > 0);
-        QCOMPARE(store.after(0, many).value(0).request.body, large.request.body);
+        QCOMPARE(store.find({0, many}).value(0).request.body, large.request.body);
     }
 
     void returnsNewestAfterIdInOrder()
@@ -102,11 +103,57 @@ private Q_SLOTS:
         for (const char *name : {"a", "b", "c", "d"})
             store.add(arrival(QLatin1String(name)));
         const auto list = [](const char *text) { return QString::fromLatin1(text).split(QLatin1Char(' ')); };
-        QCOMPARE(names(store.after(0, many)), list("a b c d"));
-        QCOMPARE(names(store.after(2, many)), list("c d"));
-        QCOMPARE(names(store.after(0, 2)), list("c d"));
-        QCOMPARE(names(store.after(4, many)), QStringList());
+        QCOMPARE(names(store.find({0, many})), list("a b c d"));
+        QCOMPARE(names(store.find({2, many})), list("c d"));
+        QCOMPARE(names(store.find({0, 2})), list("c d"));
+        QCOMPARE(names(store.find({4, many})), QStringList());
+        QCOMPARE(names(store.find({0, many, 3})), list("a b"));
+        QCOMPARE(names(store.find({0, 1, 3})), list("b"));
         QCOMPARE(store.lastId(), 4);
+    }
+
+    void selectsByKindAndText_data()
+    {
+        QTest::addColumn<QString>("kind");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("found");
+        const auto row = [](const char *kind, const char *text, const char *found) {
+            QTest::addRow("%s %s", kind, text) << utf8(kind) << utf8(text) << utf8(found);
+        };
+        row("", "", "plain event wrong unsigned");
+        row("event", "", "event wrong");
+        row("record", "", "plain unsigned");
+        row("problem", "", "wrong unsigned");
+        row("", "EVEN", "event wrong");
+        row("record", "even", "");
+        row("", "100%_", "plain");
+        row("", "x-header", "event");
+        row("", "café", "unsigned");
+        row("", "two problems", "wrong");
+        row("", "nothing", "");
+    }
+    void selectsByKindAndText()
+    {
+        QFETCH(QString, kind);
+        QFETCH(QString, text);
+        ArrivalStore store(path());
+        Arrival plain = arrival(QStringLiteral("plain"));
+        plain.detail = QStringLiteral("100%_");
+        Arrival event = arrival(QStringLiteral("event"));
+        event.kind = Arrival::event();
+        event.request.headers = {{"X-Header", "a"}};
+        Arrival wrong = arrival(QStringLiteral("wrong"));
+        wrong.kind = Arrival::event();
+        wrong.problems = QStringList {QStringLiteral("One of two problems of this event")};
+        Arrival unsignedRecord = arrival(QStringLiteral("unsigned"));
+        unsignedRecord.signature = QStringLiteral("bad: no");
+        unsignedRecord.request.body = "a café";
+        for (const Arrival &each : {plain, event, wrong, unsignedRecord})
+            store.add(each);
+        ArrivalQuery query;
+        query.kind = kind;
+        query.text = text;
+        QTEST(names(store.find(query)).join(QLatin1Char(' ')), "found");
     }
 
     void replacesArrivalsWithClearedEntry()
@@ -115,12 +162,12 @@ private Q_SLOTS:
         store.add(arrival(QStringLiteral("a")));
         store.add(arrival(QStringLiteral("b")));
         store.clear();
-        const QList<Arrival> arrivals = store.after(0, many);
+        const QList<Arrival> arrivals = store.find({0, many});
         QCOMPARE(arrivals.size(), 1);
         QCOMPARE(arrivals.first().kind, QStringLiteral("cleared"));
         QCOMPARE(arrivals.first().id, 3);
         QVERIFY(QDateTime::fromString(arrivals.first().time, Qt::ISODateWithMs).isValid());
-        QCOMPARE(store.after(2, many).size(), 1);
+        QCOMPARE(store.find({2, many}).size(), 1);
     }
 
     void neverReusesIds()
@@ -140,7 +187,7 @@ private Q_SLOTS:
     {
         const ArrivalStore store(path());
         QCOMPARE(store.lastId(), 0);
-        QCOMPARE(store.after(0, many).size(), 0);
+        QCOMPARE(store.find({0, many}).size(), 0);
     }
 
     void keepsConcurrentArrivals()
@@ -155,7 +202,7 @@ private Q_SLOTS:
             threads.emplace_back([&store, &mine = ids.at(size_t(i)), i] {
                 for (int j = 0; j < perThread; ++j) {
                     mine.push_back(store.add(arrival(QStringLiteral("%1-%2").arg(i).arg(j))));
-                    store.after(mine.back() - 1, many);
+                    store.find({mine.back() - 1, many});
                 }
             });
         }
@@ -168,7 +215,7 @@ private Q_SLOTS:
         }
         QCOMPARE(int(distinct.size()), threadCount * perThread);
         QCOMPARE(distinct.count(0), size_t(0));
-        QStringList kept = names(store.after(0, many));
+        QStringList kept = names(store.find({0, many}));
         QCOMPARE(kept.removeDuplicates(), 0);
         QCOMPARE(kept.size(), threadCount * perThread);
     }
@@ -178,7 +225,7 @@ private Q_SLOTS:
         ArrivalStore store(path());
         const ArrivalStore reader(path());
         store.add(arrival(QStringLiteral("a")));
-        QCOMPARE(names(reader.after(0, many)), QStringList {QStringLiteral("a")});
+        QCOMPARE(names(reader.find({0, many})), QStringList {QStringLiteral("a")});
         QVERIFY(store.add(arrival(QStringLiteral("b"))) > 0);
     }
 
@@ -201,7 +248,7 @@ private Q_SLOTS:
         QCOMPARE(sqlite3_exec(other, "DROP TABLE arrivals", nullptr, nullptr, nullptr), SQLITE_OK);
         sqlite3_close(other);
         QCOMPARE(store.add(arrival(QStringLiteral("b"))), 0);
-        QCOMPARE(store.after(0, many).size(), 0);
+        QCOMPARE(store.find({0, many}).size(), 0);
     }
 
     void reportsMissingDirectory()
@@ -223,7 +270,7 @@ private:
     static void compareToFull(ArrivalStore &store)
     {
         QCOMPARE(store.add(fullArrival()), 1);
-        const Arrival back = store.after(0, many).value(0);
+        const Arrival back = store.find({0, many}).value(0);
         QCOMPARE(back.id, 1);
         QCOMPARE(back.kind, fullArrival().kind);
         QCOMPARE(back.time, fullArrival().time);

@@ -12,6 +12,7 @@
 #include <quazip.h>
 #include <quazipfileinfo.h>
 
+#include <sys/stat.h>
 #include <sys/statvfs.h>
 
 namespace {
@@ -27,6 +28,12 @@ QList<QuaZipFileInfo64> entriesOf(QuaZip *zip, const QByteArray &codec)
     return zip->open(QuaZip::mdUnzip) ? zip->getFileInfoList64() : QList<QuaZipFileInfo64>();
 }
 
+// QuaZip before version 1 has no function for this.
+bool isSymbolicLink(const QuaZipFileInfo64 &entry)
+{
+    return S_ISLNK(entry.externalAttr >> 16);
+}
+
 bool staysInside(const QString &name)
 {
     const QString clean = QDir::cleanPath(name);
@@ -38,7 +45,7 @@ QString entryProblem(const QuaZipFileInfo64 &entry, quint64 spaceBytes)
 {
     if (!staysInside(entry.name))
         return QStringLiteral("it would be written outside the directory");
-    if (entry.isSymbolicLink())
+    if (isSymbolicLink(entry))
         return QStringLiteral("it is a symbolic link");
     if ((entry.flags & encryptedFlag) != 0)
         return QStringLiteral("it is encrypted");

@@ -24,6 +24,8 @@
 #include <csignal>
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
 
 using Faults::Kind;
 
@@ -37,6 +39,7 @@ std::atomic<bool> isLasting {false};
 std::atomic<int> count {0};
 std::atomic<const char *> failed {nullptr};
 std::atomic<bool> triedToSignalAll {false};
+std::atomic<int> clockDescriptor {-1}; // of the file that faketime reads, while it is open; it must not fail
 
 // Returns the function that would be called without this file: that of the C library or of a sanitizer.
 template <typename Function> Function next(Function, const char *name)
@@ -74,22 +77,23 @@ bool fails(Kind kind, const char *function)
     return action > 0;
 }
 
+// Faketime's fstat() waits for a lock that faketime keeps while it reads a file, so this is a system call.
 mode_t typeOf(int descriptor)
 {
-    struct stat status
+    struct statx status
     {
     };
     const int savedErrno = errno;
-    const mode_t type = fstat(descriptor, &status) == 0 ? status.st_mode & S_IFMT : 0;
+    const bool isKnown = ::syscall(SYS_statx, descriptor, "", AT_EMPTY_PATH, STATX_TYPE, &status) == 0;
     errno = savedErrno;
-    return type;
+    return isKnown ? status.stx_mode & S_IFMT : 0;
 }
 
 // Calls the function with all bytes, with half of them, or not at all.
 template <typename Call>
 ssize_t transfer(Kind ofFiles, Kind ofSockets, int descriptor, size_t size, const char *function, Call call)
 {
-    if (armedProcess == 0)
+    if (armedProcess == 0 || descriptor == clockDescriptor)
         return call(size);
     const mode_t type = typeOf(descriptor);
     if (type != S_IFREG && type != S_IFSOCK)
@@ -103,6 +107,12 @@ ssize_t transfer(Kind ofFiles, Kind ofSockets, int descriptor, size_t size, cons
     if (action == Faults::Tear)
         ::syscall(SYS_kill, ::syscall(SYS_getpid), SIGKILL);
     return result;
+}
+
+bool isClockFile(const char *path)
+{
+    const char *const clockFile = ::getenv("FAKETIME_TIMESTAMP_FILE");
+    return clockFile && std::strcmp(path, clockFile) == 0;
 }
 
 mode_t modeArgument(int flags, va_list list)
@@ -160,6 +170,8 @@ bool hasSignalledAll()
     va_start(list, flags);                                                                                   \
     const mode_t mode = modeArgument(flags, list);                                                           \
     va_end(list);                                                                                            \
+    if (isClockFile(path))                                                                                   \
+        return clockDescriptor = next(&::name, #name)(__VA_ARGS__, flags, mode);                             \
     CAN_FAIL(Open, name, __VA_ARGS__, flags, mode)
 
 REPLACES_THE_C_LIBRARYS int open(const char *path, int flags, ...) {CAN_FAIL_TO_OPEN(open, path)}
@@ -214,6 +226,10 @@ REPLACES_THE_C_LIBRARYS ssize_t sendfile(int to, int from, off_t *offset, size_t
 REPLACES_THE_C_LIBRARYS int close(int descriptor)
 {
     static const auto original = next(&::close, "close");
+    if (descriptor == clockDescriptor) {
+        clockDescriptor = -1;
+        return original(descriptor);
+    }
     const int action = actionFor(Kind::Close, "close");
     const int result = original(descriptor);
     if (action <= 0)
