@@ -147,6 +147,7 @@ private Q_SLOTS:
     void reachesEachControlByTab()
     {
         openPageOfRow();
+        gallery().choose("requestMethod", QStringLiteral("POST")); // enables the body
         const QWidgetList reached = tabOrder(&gallery().window());
         const auto controls = page()->findChildren<QWidget *>();
         for (QWidget *const control : controls) {
