@@ -32,6 +32,7 @@ constexpr int widthInLines = 65;
 constexpr int heightInLines = 45;
 constexpr int sideInLines = 13;
 constexpr int titleBarHeight = 40;
+constexpr int ctrl = Qt::CTRL; // enumerations of different types cannot be added
 
 } // namespace
 
@@ -160,9 +161,9 @@ void MainWindow::addShortcuts()
         connect(new QShortcut(QKeySequence(key), this), &QShortcut::activated, this, action);
     };
     for (int page = 0; page < m_pages->count(); ++page)
-        add(Qt::CTRL + Qt::Key_1 + page, [this, page] { m_navigation->setCurrentRow(page); });
-    add(Qt::CTRL + Qt::Key_Return, [this] { pressButton("primary"); });
-    add(Qt::CTRL + Qt::Key_Enter, [this] { pressButton("primary"); });
+        add(ctrl + Qt::Key_1 + page, [this, page] { m_navigation->setCurrentRow(page); });
+    add(ctrl + Qt::Key_Return, [this] { pressButton("primary"); });
+    add(ctrl + Qt::Key_Enter, [this] { pressButton("primary"); });
     add(Qt::Key_Escape, [this] { pressButton("cancel"); });
 }
 
