@@ -12,6 +12,8 @@ namespace {
 constexpr int side = 20;
 constexpr int pixelsPerUnit = 2;
 constexpr double strokeWidth = 1.7;
+constexpr double cornerRadius = 4;
+constexpr QRgb iconColour = 0xff4153c9;
 
 using Strokes = QVector<QPolygonF>;
 
@@ -54,13 +56,17 @@ Strokes strokesOf(Glyph glyph)
     return {};
 }
 
-QPixmap draw(const Strokes &strokes, const QColor &colour)
+QPixmap draw(const Strokes &strokes, const QColor &colour, const QColor &background = Qt::transparent)
 {
     QPixmap pixmap(side * pixelsPerUnit, side * pixelsPerUnit);
     pixmap.setDevicePixelRatio(pixelsPerUnit);
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
     painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(background);
+    painter.drawRoundedRect(0, 0, side, side, cornerRadius, cornerRadius);
+    painter.setBrush(Qt::NoBrush);
     painter.setPen(QPen(colour, strokeWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     for (const QPolygonF &stroke : strokes)
         painter.drawPolyline(stroke);
@@ -75,4 +81,10 @@ QIcon glyphIcon(Glyph glyph)
     QIcon icon(draw(strokes, currentColours().quiet));
     icon.addPixmap(draw(strokes, currentColours().accent), QIcon::Selected);
     return icon;
+}
+
+QIcon applicationIcon()
+{
+    const Strokes letter {line({{6, 5}, {14, 5}, {6, 15}, {14, 15}})};
+    return QIcon(draw(letter, Qt::white, QColor(iconColour)));
 }

@@ -67,6 +67,7 @@ public:
     }
 
     QString text(const char *name) const { return find<QLabel>(name)->text(); }
+    QString tone(const char *name) const { return find(name)->property("tone").toString(); }
     QString document(const char *name) const { return find<QPlainTextEdit>(name)->toPlainText(); }
     bool isEnabled(const char *name) const { return find(name)->isEnabled(); }
 
@@ -90,6 +91,7 @@ public:
     {
         if (QWidget *const focus = QApplication::focusWidget())
             focus->clearFocus();
+        QCoreApplication::processEvents(); // a page has its layout after it was shown
         return m_window.grab().toImage().convertToFormat(QImage::Format_RGB32);
     }
 

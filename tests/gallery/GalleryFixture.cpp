@@ -4,6 +4,7 @@
 
 #include "Files.h"
 
+#include <QScreen>
 #include <QStyleFactory>
 
 namespace {
@@ -36,6 +37,7 @@ std::unique_ptr<QCoreApplication> GalleryFixture::createApplication(int &argc, c
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), 10));
     QApplication::setCursorFlashTime(0);
+    QCursor::setPos(QGuiApplication::primaryScreen()->geometry().bottomRight()); // not over a control
     return application;
 }
 

@@ -100,7 +100,8 @@ private Q_SLOTS:
         Resolver::release();
         QTRY_COMPARE_WITH_TIMEOUT(gallery.text("desktopTheme"), QStringLiteral("The desktop is light"),
                                   timeoutMs);
-        QTRY_COMPARE_WITH_TIMEOUT(gallery.text("location"), QStringLiteral("No service answered"), timeoutMs);
+        QTRY_COMPARE_WITH_TIMEOUT(gallery.text("location"), QStringLiteral("No service returned a location"),
+                                  timeoutMs);
         QTRY_COMPARE_WITH_TIMEOUT(gallery.text("network"), QStringLiteral("Names can be resolved"),
                                   timeoutMs);
         QVERIFY(gallery.text("downloadState").startsWith(QStringLiteral("Stopped")));

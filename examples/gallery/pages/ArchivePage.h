@@ -5,9 +5,10 @@
 #include "Page.h"
 
 class Pill;
+class QLabel;
 class QLineEdit;
 class QPushButton;
-class QTreeWidget;
+class Table;
 class Tick;
 struct Extraction;
 
@@ -23,12 +24,14 @@ public:
 private:
     void choose();
     void start();
-    void showExtraction(const Extraction &extraction);
+    void showEntries(const Extraction &extraction);
+    void showSummary(const Extraction &extraction);
 
     const QString m_directory;
     QLineEdit *m_archive;
     Tick *m_overwrite;
     QPushButton *m_extract;
     Pill *m_state;
-    QTreeWidget *m_entries;
+    QLabel *m_details;
+    Table *m_entries;
 };

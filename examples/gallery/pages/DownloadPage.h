@@ -8,11 +8,11 @@
 #include <ZyBase/http/DownloadManager.h>
 
 class Card;
-class QLabel;
+class ElidedLabel;
 class QLineEdit;
 class QProgressBar;
 class QPushButton;
-class QTreeWidget;
+class Table;
 
 /** Runs one download at a time and shows its progress. */
 class DownloadPage : public Page
@@ -20,34 +20,39 @@ class DownloadPage : public Page
     Q_OBJECT
 
 public:
-    /** @param address shown first; may be empty @param directory parent of the directory of downloads */
-    DownloadPage(const QString &address, const QString &directory, QWidget *parent = nullptr);
+    /** @param directory parent of the directory of downloads */
+    explicit DownloadPage(const QString &directory, QWidget *parent = nullptr);
 
+    void useServices(const DevelopmentServices &services) override;
     void stop() override;
 
 private:
     void fillProgressCard(Card *card);
-    void fillHistoryCard(Card *card);
     void start();
+    void begin(const QUrl &url);
     void showProgress(qint64 received, qint64 total, const QString &speed);
     void finish(bool isDone, const QString &path);
-    void showOutcome(Pill::Tone tone, const QString &outcome);
-    void showFileName(const QString &name);
+    void showFile(const QString &path);
+    void discard(const QString &path);
+    void explain(const QUrl &url);
+    void showOutcome(Pill::Tone tone, const QString &outcome, const QString &details, const QString &size);
     void setRunning(bool isRunning);
 
     const QString m_directory;
     ZyBase::DownloadManager m_download;
+    QUrl m_address; ///< of the last download
+    qint64 m_total = 0; ///< bytes of the last download
     bool m_isStopped = false;
-    QString m_fileName;
     QString m_path; ///< of the last downloaded file
     QLineEdit *m_url;
     QPushButton *m_start;
     QPushButton *m_stop;
     Pill *m_state;
-    QLabel *m_file;
+    ElidedLabel *m_file;
     QLabel *m_amount;
     QLabel *m_speed;
+    QLabel *m_details;
     QProgressBar *m_bar;
     QPushButton *m_reveal;
-    QTreeWidget *m_history;
+    Table *m_history;
 };

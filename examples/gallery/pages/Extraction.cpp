@@ -2,41 +2,38 @@
 
 #include "Extraction.h"
 
+#include "../Checks.h"
+
 #include <ZyBase/files/ZipManager.h>
 
 #include <QDir>
+#include <QFileInfo>
+
+#include <quazip.h>
+#include <quazipfileinfo.h>
 
 #include <algorithm>
 
 namespace {
 
-// The first words of the messages for extracted and skipped entries. All other messages are failures.
+// The first words of messages of ZipManager.
 const QString extracted = QStringLiteral("解压成功：");
 const QString skipped = QStringLiteral("文件已存在，跳过：");
+const QString unreadable = QStringLiteral("打开 ZIP 内文件失败：");
+const QString directoryFailed = QStringLiteral("创建目录失败：");
 
-thread_local QList<Extraction::Entry> *entriesOfThread = nullptr;
+thread_local QStringList *messagesOfThread = nullptr;
 QtMessageHandler previousHandler = nullptr;
 
-// Returns the rest of the message without the quotes that QDebug adds.
-QString valueAfter(const QString &text, const QString &message)
-{
-    QString value = message.mid(text.size()).trimmed();
-    if (value.startsWith(QLatin1Char('"')) && value.endsWith(QLatin1Char('"')))
-        value = value.mid(1, value.size() - 2);
-    return value;
-}
-
+//! [code]
 void handleMessage(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
-    if (!entriesOfThread)
-        return previousHandler(type, context, message);
-    if (message.startsWith(extracted))
-        entriesOfThread->append({valueAfter(extracted, message), Extraction::Extracted});
-    else if (message.startsWith(skipped))
-        entriesOfThread->append({valueAfter(skipped, message), Extraction::Skipped});
+    if (messagesOfThread)
+        messagesOfThread->append(message);
     else
-        entriesOfThread->append({message, Extraction::Failed});
+        previousHandler(type, context, message);
 }
+//! [code]
 
 // The handler stays installed. The previous one is stored before any message can be passed to it.
 bool install()
@@ -50,17 +47,50 @@ bool install()
 class MessageCollector
 {
 public:
-    explicit MessageCollector(QList<Extraction::Entry> *entries)
+    explicit MessageCollector(QStringList *messages)
     {
         static const bool isInstalled = install();
         Q_UNUSED(isInstalled)
-        entriesOfThread = entries;
+        messagesOfThread = messages;
     }
-    ~MessageCollector() { entriesOfThread = nullptr; }
+    ~MessageCollector() { messagesOfThread = nullptr; }
 
 private:
     Q_DISABLE_COPY(MessageCollector)
 };
+
+QList<QuaZipFileInfo64> entriesOf(const QString &archive)
+{
+    QuaZip zip(archive);
+    return zip.open(QuaZip::mdUnzip) ? zip.getFileInfoList64() : QList<QuaZipFileInfo64>();
+}
+
+QString problemOf(const QString &archive, const QString &directory)
+{
+    const QString archiveProblem = Checks::archiveProblem(archive);
+    if (!archiveProblem.isEmpty())
+        return archiveProblem;
+    const QString writeProblem = Checks::writeProblem(directory + QStringLiteral("/new"));
+    return writeProblem.isEmpty() ? Checks::tr("The archive is damaged.") : writeProblem;
+}
+
+// The library reports an incomplete file as extracted, so the sizes are compared.
+Extraction::Entry resultOf(const QuaZipFileInfo64 &entry, const QString &path, const QString &message)
+{
+    if (message.startsWith(skipped))
+        return {entry.name, Extraction::Skipped, QString(), message};
+    const qint64 missing = qint64(entry.uncompressedSize) - QFileInfo(path).size();
+    if (message.startsWith(extracted) && missing == 0)
+        return {entry.name, Extraction::Extracted, QString(), message};
+    QString cause = Checks::writeProblem(path, qMax<qint64>(1, missing));
+    if (message.isEmpty())
+        cause = Checks::tr("It was not reached.");
+    else if (message.startsWith(unreadable))
+        cause = Checks::tr("It is damaged, encrypted or compressed in an unknown way.");
+    else if (message.startsWith(extracted) && cause.isEmpty())
+        cause = Checks::tr("The file is incomplete.");
+    return {entry.name, Extraction::Failed, cause, message};
+}
 
 } // namespace
 
@@ -70,16 +100,29 @@ int Extraction::count(Result result) const
                              [result](const Entry &entry) { return entry.result == result; }));
 }
 
+//! [code]
+// There is one message for each file, in the order of the archive, and one for each directory that fails.
 Extraction extract(const QString &archive, const QString &directory, bool overwrite)
 {
     Extraction extraction;
+    QStringList messages;
     {
-        const MessageCollector collector(&extraction.entries);
+        const MessageCollector collector(&messages);
         extraction.isDone = ZyBase::ZipManager::QuaUnzipFile(archive, directory, overwrite);
     }
-    for (Extraction::Entry &entry : extraction.entries) {
-        if (entry.result != Extraction::Failed)
-            entry.name = QDir(directory).relativeFilePath(entry.name);
+    if (!extraction.isDone) {
+        extraction.cause = problemOf(archive, directory);
+        extraction.message = messages.join(QLatin1Char('\n'));
+    }
+    const auto entries = extraction.isDone ? entriesOf(archive) : QList<QuaZipFileInfo64>();
+    for (const QuaZipFileInfo64 &entry : entries) {
+        const QString message = messages.value(0);
+        const bool isFailedDirectory = message.startsWith(directoryFailed) && message.contains(entry.name);
+        if (entry.name.endsWith(QLatin1Char('/')) && !isFailedDirectory)
+            continue;
+        extraction.entries << resultOf(entry, QDir(directory).filePath(entry.name), message);
+        messages = messages.mid(1);
     }
     return extraction;
 }
+//! [code]

@@ -5,17 +5,21 @@
 #include <QList>
 #include <QString>
 
-/** The result of an extraction, read from the messages of ZipManager. */
+/** The result of an extraction, from the messages of ZipManager and from the sizes of the files. */
 struct Extraction
 {
     enum Result { Extracted, Skipped, Failed };
     struct Entry
     {
-        QString name; ///< relative to the directory; the message if the entry failed
+        QString name;
         Result result;
+        QString cause; ///< why the entry failed; empty if unknown
+        QString message; ///< of the library
     };
 
     bool isDone = false;
+    QString cause; ///< why it is not done
+    QString message; ///< of the library, if it is not done
     QList<Entry> entries;
 
     int count(Result result) const;

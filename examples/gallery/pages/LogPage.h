@@ -6,6 +6,7 @@
 
 #include <QFileSystemWatcher>
 
+class QHBoxLayout;
 class QLineEdit;
 class QPlainTextEdit;
 class QSyntaxHighlighter;
@@ -23,8 +24,8 @@ protected:
     void changeEvent(QEvent *event) override;
 
 private:
-    QWidget *createButtons();
-    void write(void (*level)(const char *));
+    void startLog(const QString &directory);
+    void addButtons(QHBoxLayout *row);
     void showFile();
 
     const QString m_path;

@@ -4,6 +4,7 @@
 
 #include "../Background.h"
 #include "../widgets/Card.h"
+#include "../widgets/ElidedLabel.h"
 #include "../widgets/controls.h"
 
 #include <ZyBase/files/CFileUtils.h>
@@ -20,13 +21,11 @@ using ZyBase::CSystemUtils;
 
 namespace {
 
-constexpr int subjectWidth = 96;
-
-void addFact(QGridLayout *facts, const QString &what, const QString &fact, const char *name)
+void addFact(QGridLayout *facts, const QString &what, QLabel *fact)
 {
     const int row = facts->rowCount();
     facts->addWidget(quiet(what), row, 0, Qt::AlignTop);
-    facts->addWidget(value(fact, name), row, 1);
+    facts->addWidget(fact, row, 1);
 }
 
 QGridLayout *addGrid(Card *card)
@@ -34,7 +33,6 @@ QGridLayout *addGrid(Card *card)
     auto *const grid = new QGridLayout;
     grid->setHorizontalSpacing(18);
     grid->setVerticalSpacing(10);
-    grid->setColumnMinimumWidth(0, subjectWidth);
     grid->setColumnStretch(1, 1);
     card->column()->addLayout(grid);
     return grid;
@@ -47,94 +45,93 @@ QString distributionFamily()
     return CSystemUtils::IsUOS() ? MachinePage::tr("UOS") : MachinePage::tr("neither Kylin nor UOS");
 }
 
-QString locationText()
+//! [code]
+// Each of these calls can block, so it runs in another thread. This one stores the identifier in
+// ~/.config/zybase-gallery/device.conf.
+QString identifier(const QString &)
+{
+    return CSystemUtils::GetPCID(QString(), QStringLiteral("zybase-gallery"));
+}
+
+QString location(const QString &)
 {
     QString country;
     QString location;
     double latitude = 0;
     double longitude = 0;
     if (!CNetworkUtils::GetIPInfo(country, location, latitude, longitude))
-        return MachinePage::tr("No service answered");
+        return MachinePage::tr("No service returned a location");
     return MachinePage::tr("%1 (%2, %3)").arg(location).arg(latitude).arg(longitude);
 }
+
+QString network(const QString &)
+{
+    return CNetworkUtils::IsNetWorkOnline() ? MachinePage::tr("Names can be resolved")
+                                            : MachinePage::tr("Names cannot be resolved");
+}
+
+QString pdfLauncher(const QString &application)
+{
+    return CAssocUtils::IsPdfLauncher(application) ? MachinePage::tr("Yes, it is the default")
+                                                   : MachinePage::tr("No, it is not the default");
+}
+//! [code]
 
 } // namespace
 
 MachinePage::MachinePage(QWidget *parent)
     : Page(tr("Machine"), tr("Fast calls run at once. Calls that may block run in the background."),
-           "ZyBase/platform/CSystemUtils.h", parent)
+           "ZyBase/platform/CSystemUtils.h", "MachinePage.cpp", parent)
     , m_application(
           field(QStringLiteral("org.example.reader.desktop"), tr("Desktop entry"), "pdfApplication"))
 {
-    QGridLayout *const facts = addGrid(addCard(tr("Facts")));
-    addFact(facts, tr("System"), CSystemUtils::GetSystemVersion(), "system");
-    addFact(facts, tr("Distribution"), tr("%1, %2").arg(CSystemUtils::GetLinuxOsInfo(), distributionFamily()),
-            "distribution");
-    addFact(facts, tr("Processor"), CSystemUtils::GetHardwareCpuArchitecture(), "processor");
-    addFact(facts, tr("Package"), CSystemUtils::GetBundleIdentifier(), "package");
-    addFact(facts, tr("Executable"), CFileUtils::GetApplicationFilePath(), "executable");
-    addFact(facts, tr("Resources"), CFileUtils::GetResDirPath(), "resources");
-    fillRequests(addGrid(addCard(tr("On request"))));
+    addFacts(addGrid(addCard(tr("Facts"))));
+    addRequests(addGrid(addCard(tr("On request"))));
     column()->addStretch(1);
 }
 
-void MachinePage::fillRequests(QGridLayout *requests)
+void MachinePage::addFacts(QGridLayout *facts)
 {
-    addRequest(requests, tr("Identifier"), "identifier", button(tr("Read"), "identify"),
-               &MachinePage::identify);
-    addRequest(requests, tr("Location"), "location", button(tr("Locate"), "locate"), &MachinePage::locate);
-    addRequest(requests, tr("Network"), "network", button(tr("Test"), "online"), &MachinePage::testNetwork);
+    addFact(facts, tr("System"), value(CSystemUtils::GetSystemVersion(), "system"));
+    addFact(facts, tr("Distribution"),
+            value(tr("%1, %2").arg(CSystemUtils::GetLinuxOsInfo(), distributionFamily()), "distribution"));
+    addFact(facts, tr("Processor"), value(CSystemUtils::GetHardwareCpuArchitecture(), "processor"));
+    addFact(facts, tr("Package"), value(CSystemUtils::GetBundleIdentifier(), "package"));
+    addFact(facts, tr("Executable"),
+            new ElidedLabel(CFileUtils::GetApplicationFilePath(), "value", "executable"));
+    addFact(facts, tr("Resources"), new ElidedLabel(CFileUtils::GetResDirPath(), "value", "resources"));
+}
+
+void MachinePage::addRequests(QGridLayout *requests)
+{
+    addRequest(requests, tr("Identifier"), "identifier", button(tr("&Read"), "identify"), &identifier);
+    addRequest(requests, tr("Location"), "location", button(tr("&Locate"), "locate"), &location);
+    addRequest(requests, tr("Network"), "network", button(tr("&Test"), "online"), &network);
     const int row = requests->rowCount();
-    requests->addWidget(quiet(tr("Application")), row, 0);
+    requests->addWidget(quiet(tr("&Application"), m_application), row, 0);
     requests->addWidget(m_application, row, 1, 1, 2);
-    addRequest(requests, tr("Opens PDF"), "pdf", button(tr("Check"), "checkPdf"), &MachinePage::checkPdf);
+    QPushButton *const check = button(tr("Chec&k"), "checkPdf");
+    addRequest(requests, tr("Opens PDF"), "pdf", check, &pdfLauncher);
+    connect(m_application, &QLineEdit::returnPressed, check, &QPushButton::click);
 }
 
 void MachinePage::addRequest(QGridLayout *requests, const QString &subject, const char *name,
-                             QPushButton *button, void (MachinePage::*request)(QLabel *, QPushButton *))
+                             QPushButton *button, Call call)
 {
     const int row = requests->rowCount();
     QLabel *const answer = value(QStringLiteral("–"), name);
     requests->addWidget(quiet(subject), row, 0);
     requests->addWidget(answer, row, 1);
     requests->addWidget(button, row, 2);
-    connect(button, &QPushButton::clicked, this,
-            [this, answer, button, request] { (this->*request)(answer, button); });
-}
-
-template <typename Work> void MachinePage::answer(QLabel *answer, QPushButton *button, Work work)
-{
-    answer->setText(tr("Checking …"));
-    button->setEnabled(false);
-    inBackground(this, work, [answer, button](const QString &text) {
-        answer->setText(text);
-        button->setEnabled(true);
-    });
-}
-
-// The identifier is stored in ~/.config/zybase-gallery/device.conf.
-void MachinePage::identify(QLabel *label, QPushButton *button)
-{
-    answer(label, button, [] { return CSystemUtils::GetPCID(QString(), QStringLiteral("zybase-gallery")); });
-}
-
-void MachinePage::checkPdf(QLabel *label, QPushButton *button)
-{
-    answer(label, button, [application = m_application->text()] {
-        return CAssocUtils::IsPdfLauncher(application) ? tr("Yes, it is the default")
-                                                       : tr("No, another application is");
-    });
-}
-
-void MachinePage::locate(QLabel *label, QPushButton *button)
-{
-    answer(label, button, &locationText);
-}
-
-void MachinePage::testNetwork(QLabel *label, QPushButton *button)
-{
-    answer(label, button, [] {
-        return CNetworkUtils::IsNetWorkOnline() ? tr("Names can be resolved")
-                                                : tr("Names cannot be resolved");
+    button->setAccessibleDescription(subject);
+    connect(button, &QPushButton::clicked, this, [this, answer, button, call] {
+        answer->setText(tr("Checking …"));
+        setAvailable(button, false);
+        inBackground(
+            this, [call, application = m_application->text()] { return call(application); },
+            [answer, button](const QString &text) {
+                answer->setText(text);
+                setAvailable(button, true);
+            });
     });
 }

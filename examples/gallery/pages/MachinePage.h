@@ -4,11 +4,8 @@
 
 #include "Page.h"
 
-class Card;
 class QGridLayout;
-class QLabel;
 class QLineEdit;
-class QPushButton;
 
 /** Information about the machine. Blocking calls run on request, in the background. */
 class MachinePage : public Page
@@ -19,16 +16,13 @@ public:
     explicit MachinePage(QWidget *parent = nullptr);
 
 private:
-    void fillRequests(QGridLayout *requests);
-    void addRequest(QGridLayout *requests, const QString &subject, const char *name, QPushButton *button,
-                    void (MachinePage::*request)(QLabel *answer, QPushButton *button));
-    void identify(QLabel *answer, QPushButton *button);
-    void checkPdf(QLabel *answer, QPushButton *button);
-    void locate(QLabel *answer, QPushButton *button);
-    void testNetwork(QLabel *answer, QPushButton *button);
+    /** A call that can block. It runs in the background and returns the text to show. */
+    using Call = QString (*)(const QString &application);
 
-    /** Calls @p work in the background and shows its result; the button is disabled meanwhile. */
-    template <typename Work> void answer(QLabel *answer, QPushButton *button, Work work);
+    void addFacts(QGridLayout *facts);
+    void addRequests(QGridLayout *requests);
+    void addRequest(QGridLayout *requests, const QString &subject, const char *name, QPushButton *button,
+                    Call call);
 
     QLineEdit *m_application;
 };

@@ -7,6 +7,7 @@
 #include <QImage>
 #include <QMap>
 
+class Card;
 class Pill;
 class QLabel;
 class QLineEdit;
@@ -21,8 +22,8 @@ public:
     explicit QrCodePage(QWidget *parent = nullptr);
 
 private:
-    QWidget *createChoices();
-    QWidget *createCodeCard();
+    void fillChoicesCard(Card *card);
+    void fillCodeCard(Card *card);
     void clearCodes();
     void showCode();
     void showState(bool hasCode);

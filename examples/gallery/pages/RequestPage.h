@@ -10,7 +10,6 @@
 
 class Card;
 class Choice;
-class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
 class QPushButton;
@@ -25,9 +24,9 @@ class RequestPage : public Page
     Q_OBJECT
 
 public:
-    /** @param address shown first; may be empty */
-    explicit RequestPage(const QString &address, QWidget *parent = nullptr);
+    explicit RequestPage(QWidget *parent = nullptr);
 
+    void useServices(const DevelopmentServices &services) override;
     void stop() override;
 
 private:
@@ -36,10 +35,15 @@ private:
     void chooseMethod();
     void send();
     void start(const QUrl &url, const QJsonObject &body);
+    void showAnswer(const QByteArray &answer, int status);
+    void showEnd(const QByteArray &answer);
+    void explain();
     void cancel();
-    void end(Pill::Tone tone, const QString &outcome, const QString &status, const QByteArray &body);
+    void end(Pill::Tone tone, const QString &outcome, const QString &details,
+             const QByteArray &body = QByteArray());
 
     QPointer<ZyBase::CHttpPostRequest> m_request; ///< the running one
+    int m_requests = 0; ///< number of requests so far
     QTimer m_cancelling;
     QLineEdit *m_url;
     Choice *m_method;

@@ -9,8 +9,8 @@ Card::Card(const QString &title, QWidget *parent)
     , m_column(new QVBoxLayout(this))
 {
     setObjectName(QStringLiteral("card"));
-    m_column->setContentsMargins(20, 16, 20, 18);
-    m_column->setSpacing(12);
+    m_column->setContentsMargins(18, 14, 18, 16);
+    m_column->setSpacing(10);
     if (!title.isEmpty())
         m_column->addWidget(heading(title));
 }
