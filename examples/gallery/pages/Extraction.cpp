@@ -67,7 +67,7 @@ QList<QuaZipFileInfo64> entriesOf(const QString &archive)
 
 QString problemOf(const QString &archive, const QString &directory)
 {
-    const QString archiveProblem = Checks::archiveProblem(archive);
+    QString archiveProblem = Checks::archiveProblem(archive);
     if (!archiveProblem.isEmpty())
         return archiveProblem;
     const QString writeProblem = Checks::writeProblem(directory + QStringLiteral("/new"));
