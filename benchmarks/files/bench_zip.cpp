@@ -45,7 +45,7 @@ QByteArray sample(int length)
 {
     QByteArray bytes;
     bytes.reserve(length + 32);
-    for (int i = 0; bytes.length() < length; ++i)
+    for (unsigned i = 0; bytes.length() < length; ++i)
         bytes += "line " + QByteArray::number(i * 2654435761U) + '\n';
     bytes.truncate(length);
     return bytes;
