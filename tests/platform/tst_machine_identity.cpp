@@ -5,6 +5,7 @@
 #include "EightThreads.h"
 #include "FakeClock.h"
 #include "Files.h"
+#include "FirstCalls.h"
 #include "HostProcess.h"
 #include "TemporaryHome.h"
 #include "Waiting.h"
@@ -16,9 +17,6 @@
 #include <QNetworkInterface>
 #include <QSet>
 #include <QTest>
-
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <atomic>
 #include <functional>
@@ -41,12 +39,12 @@ QString digest(const QByteArray &text)
     return QString::fromLatin1(QCryptographicHash::hash(text, QCryptographicHash::Md5).toHex());
 }
 
-constexpr const char *firstCallsArgument = "--first-calls";
 std::atomic<int> threadsBeforeTime {0}; // that have no better source
 
 // Makes the first calls of this process in eight threads, and returns true if all identifiers have a time.
 bool haveFirstCallsTimes()
 {
+    QDir(qEnvironmentVariable("XDG_CONFIG_HOME")).removeRecursively();
     QSet<QString> withoutTime;
     for (int number = 1; number <= 999; ++number)
         withoutTime << digest(QByteArray::number(number));
@@ -55,24 +53,6 @@ bool haveFirstCallsTimes()
         return pcid.size() == 32 && !withoutTime.contains(pcid) ? 1 : 0;
     });
     return correctCalls == 8;
-}
-
-// The first calls are made once in a process, so each attempt is a new process. Returns the exit code.
-int makeFirstCalls()
-{
-    constexpr int attempts = ZYBASE_SANITIZED ? 10 : 100;
-    for (int i = 0; i < attempts; ++i) {
-        const pid_t child = fork();
-        if (child == 0) {
-            QDir(qEnvironmentVariable("XDG_CONFIG_HOME")).removeRecursively();
-            _exit(haveFirstCallsTimes() ? EXIT_SUCCESS : EXIT_FAILURE);
-        }
-        int status = -1;
-        waitpid(child, &status, 0);
-        if (status != 0)
-            return EXIT_FAILURE;
-    }
-    return EXIT_SUCCESS;
 }
 
 QStringList toStrings(const QJsonValue &array)
@@ -415,7 +395,7 @@ int main(int argc, char **argv)
 {
     // There is no application object here, because it may load Qt's locale data before the first call.
     if (argc == 2 && qstrcmp(argv[1], firstCallsArgument) == 0)
-        return makeFirstCalls();
+        return makeFirstCalls(haveFirstCallsTimes);
     const QCoreApplication application(argc, argv);
     TestMachineIdentity test;
     return QTest::qExec(&test, argc, argv);
