@@ -2,10 +2,7 @@
 
 #include "ServicesLauncher.h"
 
-#include <ZyBase/files/CJsonReader.h>
-
 #include <QFile>
-#include <QSslCertificate>
 
 #include <csignal>
 #include <sys/prctl.h>
@@ -15,22 +12,12 @@ namespace {
 constexpr int searchIntervalMs = 50;
 constexpr int endLimitMs = 3000;
 
-QString value(const QJsonObject &object, const char *key)
-{
-    return object.value(QLatin1String(key)).toString();
-}
-
 } // namespace
 
 QString brokenDescription()
 {
     const QString path = qEnvironmentVariable("LOCAL_SERVICES");
-    if (path.isEmpty())
-        return QString();
-    const QJsonObject services = ZyBase::CJsonReader::ParseJsonFileToObject(path);
-    const bool isComplete = !value(services, "proxy").isEmpty()
-                            && !QSslCertificate::fromPath(value(services, "authority")).isEmpty();
-    return isComplete ? QString() : path;
+    return path.isEmpty() || describesServices(path) ? QString() : path;
 }
 
 ServicesLauncher::ServicesLauncher(const QString &folder, QObject *parent)

@@ -41,6 +41,8 @@ private Q_SLOTS:
         QTest::newRow("missing file") << QByteArray();
         QTest::newRow("file without JSON") << QByteArray("services");
         QTest::newRow("no proxy address") << QByteArray("{\"authority\": \"AUTHORITY\"}");
+        QTest::newRow("no port of the proxy")
+            << QByteArray("{\"proxy\": \"http://127.0.0.1\", \"authority\": \"AUTHORITY\"}");
         QTest::newRow("missing certificate file")
             << QByteArray("{\"proxy\": \"http://127.0.0.1:1\", \"authority\": \"/none\"}");
     }

@@ -11,6 +11,11 @@
 
 namespace {
 
+QString value(const QJsonObject &services, const char *key)
+{
+    return services.value(QLatin1String(key)).toString();
+}
+
 void trust(const QList<QSslCertificate> &authorities)
 {
     QSslConfiguration trusting = QSslConfiguration::defaultConfiguration();
@@ -26,19 +31,23 @@ void useProxy(const QUrl &url)
 
 } // namespace
 
+bool describesServices(const QString &path)
+{
+    const QJsonObject services = ZyBase::CJsonReader::ParseJsonFileToObject(path);
+    return QUrl(value(services, "proxy")).port() >= 0
+           && !QSslCertificate::fromPath(value(services, "authority")).isEmpty();
+}
+
 DevelopmentServices useDevelopmentServices()
 {
     const QString description = qEnvironmentVariable("LOCAL_SERVICES");
     if (description.isEmpty())
         return {};
-    const QJsonObject services = ZyBase::CJsonReader::ParseJsonFileToObject(description);
-    const auto value = [&services](const char *key) { return services.value(QLatin1String(key)).toString(); };
-    const QUrl proxy(value("proxy"));
-    const QList<QSslCertificate> authorities = QSslCertificate::fromPath(value("authority"));
-    if (proxy.port() < 0 || authorities.isEmpty())
+    if (!describesServices(description))
         qFatal("LOCAL_SERVICES is %s, which describes no running services", qUtf8Printable(description));
 
-    trust(authorities);
-    useProxy(proxy);
-    return {value("statistics"), value("downloads"), value("page")};
+    const QJsonObject services = ZyBase::CJsonReader::ParseJsonFileToObject(description);
+    trust(QSslCertificate::fromPath(value(services, "authority")));
+    useProxy(QUrl(value(services, "proxy")));
+    return {value(services, "statistics"), value(services, "downloads"), value(services, "page")};
 }

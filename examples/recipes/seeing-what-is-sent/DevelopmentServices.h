@@ -12,6 +12,9 @@ struct DevelopmentServices
     QString page; ///< the web page that shows what was sent
 };
 
+/** Returns true if the file describes running services. */
+bool describesServices(const QString &path);
+
 /**
  * Routes all requests of a development build to the services that the environment variable LOCAL_SERVICES
  * describes. Call it once, at the start of main().
