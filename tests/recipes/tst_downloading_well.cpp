@@ -155,7 +155,7 @@ private Q_SLOTS:
         const HttpServer server;
         RecipeProcess recipe(QStringLiteral("downloading-well"));
         QVERIFY(recipe.start({server.url(QStringLiteral("/never")).toString(), path()}));
-        QTRY_COMPARE(server.requests().size(), 1);
+        QTRY_COMPARE_WITH_TIMEOUT(server.requests().size(), 1, ChildProcess::timeoutMs);
         recipe.write(QStringLiteral("stop"));
         QCOMPARE(recipe.finish(), 1);
         QCOMPARE(recipe.lines().last(), QStringLiteral("Cancelled"));
