@@ -57,7 +57,7 @@ void WriterAppender::close()
 void WriterAppender::append(const LoggingEvent &event)
 {
     if (m_device)
-        write(layout()->format(event));
+        write(m_layout->format(event));
     else
         reportError(QStringLiteral("appender '%1' has no open file: the event is dropped").arg(name()));
 }
