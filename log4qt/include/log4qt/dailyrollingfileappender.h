@@ -70,6 +70,7 @@ private:
     void enterPeriod(qint64 wallTime);
     void rollOver(qint64 wallTime);
     qint64 wallTime(const QByteArray &zone);
+    qint64 wallTime(qint64 time, const QByteArray &zone);
 
     QString m_datePattern;
     std::unique_ptr<RollOverPeriod> m_period;
