@@ -13,6 +13,9 @@
 
 #include <benchmark/benchmark.h>
 
+#include <thread>
+#include <vector>
+
 #if defined(ZYBASE_HAVE_SPDLOG)
 #include <spdlog/sinks/basic_file_sink.h>
 #include <spdlog/spdlog.h>
@@ -64,6 +67,33 @@ void throughTheLibrary(benchmark::State &state)
     state.SetItemsProcessed(state.iterations());
 }
 
+constexpr int threadCount = 16;
+constexpr int linesPerThread = 500;
+
+// Writes the lines of all threads once.
+template <class Function> void logInThreads(benchmark::State &state, Function logLine)
+{
+    for (auto _ : state) {
+        std::vector<std::thread> threads;
+        for (int i = 0; i < threadCount; ++i) {
+            threads.emplace_back([&logLine] {
+                for (int line = 0; line < linesPerThread; ++line)
+                    logLine();
+            });
+        }
+        for (std::thread &thread : threads)
+            thread.join();
+    }
+    state.SetItemsProcessed(state.iterations() * threadCount * linesPerThread);
+}
+
+void inThreadsThroughTheLibrary(benchmark::State &state)
+{
+    LoggerObject::InitLogger("threads.log", directory().path().toUtf8().constData());
+    logInThreads(state, [] { LoggerObject::info(message); });
+    LoggerObject::ReleaseLogger();
+}
+
 void onLog4qtDirectly(benchmark::State &state)
 {
     Logger *const root = Logger::rootLogger();
@@ -77,20 +107,39 @@ void onLog4qtDirectly(benchmark::State &state)
 BENCHMARK(whileOff)->Name("off/LoggerObject");
 BENCHMARK(throughTheLibrary)->Name("line/LoggerObject");
 BENCHMARK(onLog4qtDirectly)->Name("line/log4qt");
+BENCHMARK(inThreadsThroughTheLibrary)
+    ->Name("16 threads/LoggerObject")
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 
 #if defined(ZYBASE_HAVE_SPDLOG)
-void withSpdlog(benchmark::State &state)
+// Returns a logger with the same line and one write for each.
+std::shared_ptr<spdlog::logger> createSpdlog()
 {
     const std::string file = directory().filePath(QStringLiteral("spdlog.log")).toStdString();
-    const auto logger = spdlog::basic_logger_mt("bench", file);
+    auto logger =
+        std::make_shared<spdlog::logger>("bench", std::make_shared<spdlog::sinks::basic_file_sink_mt>(file));
     logger->set_pattern("%Y-%m-%d %H:%M:%S.%e %-5l  - %v");
     logger->flush_on(spdlog::level::info);
+    return logger;
+}
+
+void withSpdlog(benchmark::State &state)
+{
+    const auto logger = createSpdlog();
     for (auto _ : state)
         logger->info(message);
-    spdlog::drop("bench");
     state.SetItemsProcessed(state.iterations());
 }
+
+void inThreadsWithSpdlog(benchmark::State &state)
+{
+    const auto logger = createSpdlog();
+    logInThreads(state, [&logger] { logger->info(message); });
+}
+
 BENCHMARK(withSpdlog)->Name("line/spdlog");
+BENCHMARK(inThreadsWithSpdlog)->Name("16 threads/spdlog")->Unit(benchmark::kMillisecond)->UseRealTime();
 #endif
 
 } // namespace
@@ -100,5 +149,7 @@ int main(int argc, char **argv)
     return runWithRatios(
         argc, argv,
         {{"a log line, compared with log4qt directly", "line/LoggerObject", "line/log4qt", 0},
-         {"a log line, compared with spdlog flushed at each line", "line/LoggerObject", "line/spdlog", 1.5}});
+         {"a log line, compared with spdlog flushed at each line", "line/LoggerObject", "line/spdlog", 1.15},
+         {"16 threads, compared with spdlog flushed at each line", "16 threads/LoggerObject",
+          "16 threads/spdlog", 0}});
 }
