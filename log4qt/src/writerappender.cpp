@@ -16,15 +16,14 @@ inline namespace zy {
 namespace {
 
 // Writes to an unbuffered file without the calls of QFile, which take longer than the encoding of a line.
-// Returns the number of written bytes; negative if there are none.
+// Returns the number of written bytes.
 qint64 writeUnbuffered(QFile *file, const QByteArray &bytes)
 {
     const qint64 written = qMax<qint64>(0, ::write(file->handle(), bytes.constData(), size_t(bytes.size())));
     if (written == bytes.size())
         return written;
-    // QFile writes the rest, or reports the error.
-    const qint64 rest = file->write(bytes.constData() + written, bytes.size() - written);
-    return rest < 0 && written > 0 ? written : written + rest;
+    // QFile writes the rest, or describes the error.
+    return written + qMax<qint64>(0, file->write(bytes.constData() + written, bytes.size() - written));
 }
 
 } // namespace
