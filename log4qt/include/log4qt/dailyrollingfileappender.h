@@ -17,7 +17,8 @@ class SecondWatch;
  *
  * The finished file is renamed: its name gets a suffix, for example ".2026-11". Periods are those of the
  * local wall clock. The first period is the one in which activateOptions() is called: a file that remains
- * from an earlier period is continued.
+ * from an earlier period is continued. The time stamp of an event decides in which period it is; an event of
+ * an earlier period is written to the current file.
  *
  * If a file with the new name of the finished file exists, it is replaced.
  *
