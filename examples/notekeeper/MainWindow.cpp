@@ -38,10 +38,12 @@ void setText(QListWidgetItem *note, const QString &text)
     note->setText(firstLine.isEmpty() ? MainWindow::tr("New note") : firstLine);
 }
 
+// Screen readers ignore the buddy of a list, so the control has the name, too.
 QWidget *labelled(const QString &text, QWidget *control)
 {
     auto *const label = new QLabel(text);
     label->setBuddy(control);
+    control->setAccessibleName(QString(text).remove(QLatin1Char('&')));
     auto *const area = new QWidget;
     auto *const layout = new QVBoxLayout(area);
     layout->addWidget(label);

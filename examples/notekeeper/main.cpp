@@ -4,6 +4,7 @@
 //
 //     notekeeper [--updates ADDRESS]    ADDRESS: of the description of the latest version
 
+#include "Log.h"
 #include "MainWindow.h"
 #include "Reports.h"
 
@@ -96,6 +97,7 @@ int runWindow(const QString &directory, const QUrl &updates, const QString &stat
     UsageReports reports(reportSettings(statistics)); // sends nothing without consent
     MainWindow window(directory, updates, &reports);
     window.showProblem(startLog());
+    qCInfo(notekeeper, "Version %s started", qUtf8Printable(QApplication::applicationVersion()));
     window.showProblem(tlsProblem());
     window.show();
     if (reports.hasChosen())
@@ -121,7 +123,8 @@ int runApplication(int &argc, char **argv)
     QLockFile lock(directory + QStringLiteral("/lock"));
     if (isOnlyProcess(&lock))
         return runWindow(directory, updates, services.statistics);
-    QMessageBox::information(nullptr, QString(), QCoreApplication::translate("main", "It runs already."));
+    QMessageBox::information(nullptr, QString(),
+                             QCoreApplication::translate("main", "Note Keeper is already running."));
     return EXIT_FAILURE;
 }
 
