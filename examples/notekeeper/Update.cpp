@@ -10,7 +10,7 @@ namespace {
 
 constexpr int md5Digits = 32;
 
-QString value(const QJsonObject &description, const char *key)
+QString entry(const QJsonObject &description, const char *key)
 {
     return description.value(QLatin1String(key)).toString();
 }
@@ -25,8 +25,8 @@ bool Update::isNewer() const
 Update readUpdate(const QByteArray &json, const QUrl &address)
 {
     const QJsonObject description = QJsonDocument::fromJson(json).object();
-    const Update update {QVersionNumber::fromString(value(description, "version")),
-                         address.resolved(QUrl(value(description, "url"))),
-                         value(description, "md5").toLatin1()};
+    const Update update {QVersionNumber::fromString(entry(description, "version")),
+                         address.resolved(QUrl(entry(description, "url"))),
+                         entry(description, "md5").toLatin1()};
     return update.md5.size() == md5Digits ? update : Update();
 }
