@@ -62,6 +62,7 @@ MainWindow::MainWindow(const QString &directory, const QUrl &updates, UsageRepor
     , m_editor(new QPlainTextEdit)
 {
     setWindowTitle(tr("Note Keeper"));
+    resize(80 * fontMetrics().averageCharWidth(), 24 * fontMetrics().lineSpacing());
     createMenus();
     createEditor();
     restore();

@@ -24,7 +24,7 @@ namespace {
 constexpr int statusOk = 200;
 
 // A process that was killed during a download leaves its directory.
-void deleteUnfinishedDownloads(QDir directory)
+void deleteUnfinishedDownloads(const QDir &directory)
 {
     for (const QString &name :
          directory.entryList({QStringLiteral(".download-*")}, QDir::Dirs | QDir::Hidden))
@@ -63,7 +63,8 @@ UpdateDialog::UpdateDialog(const QUrl &address, const QString &directory, UsageR
     setWindowTitle(tr("Update"));
     m_message->setTextFormat(Qt::PlainText);
     m_message->setWordWrap(true);
-    m_message->setMinimumWidth(40 * fontMetrics().averageCharWidth());
+    m_message->setAlignment(Qt::AlignTop);
+    m_message->setMinimumSize(50 * fontMetrics().averageCharWidth(), 3 * fontMetrics().lineSpacing());
     m_progress->setAccessibleName(tr("Progress of the download"));
     auto *const layout = new QVBoxLayout(this);
     layout->addWidget(m_message);
@@ -93,7 +94,9 @@ void UpdateDialog::showStep(const QString &message, QPushButton *button)
 {
     m_message->setText(message);
     for (QPushButton *const other : {m_checkButton, m_downloadButton, m_cancelButton, m_showButton})
-        other->setVisible(other == button);
+        other->hide();
+    if (button)
+        button->show();
     m_progress->setVisible(button == m_cancelButton);
     m_isBusy = !button || button == m_cancelButton;
 }

@@ -32,10 +32,8 @@
 
 #include <optional>
 
-using LocalServices::Connection;
 using LocalServices::FakeNetwork;
 using LocalServices::HttpServer;
-using LocalServices::RawServer;
 
 namespace {
 
