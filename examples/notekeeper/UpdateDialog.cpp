@@ -73,7 +73,9 @@ UpdateDialog::UpdateDialog(const QUrl &address, const QString &directory, UsageR
 
     connect(m_buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(m_request, &FollowedRequest::answered, this, &UpdateDialog::readDescription);
-    connect(m_request, &FollowedRequest::failed, this, &UpdateDialog::showCheckFailure);
+    connect(m_request, &FollowedRequest::failed, this, [this](const QString &reason) {
+        showCheckFailure(tlsProblem().isNull() ? reason : tlsProblem());
+    });
     connect(m_download, &SafeDownload::progressed, this, &UpdateDialog::showProgress);
     connect(m_download, &SafeDownload::finished, this, &UpdateDialog::extract);
     connect(m_download, &SafeDownload::failed, this, &UpdateDialog::endWithProblem);
@@ -112,9 +114,6 @@ void UpdateDialog::open()
 
 void UpdateDialog::requestDescription()
 {
-    const QString problem = tlsProblem();
-    if (!problem.isNull())
-        return showCheckFailure(problem);
     showStep(tr("Asking for the latest version …"), nullptr);
     m_request->get(m_address);
 }

@@ -97,8 +97,8 @@ int runWindow(const QString &directory, const QUrl &updates, const QString &stat
     UsageReports reports(reportSettings(statistics)); // sends nothing without consent
     MainWindow window(directory, updates, &reports);
     window.showProblem(startLog());
-    qCInfo(notekeeper, "Version %s started", qUtf8Printable(QApplication::applicationVersion()));
     window.showProblem(tlsProblem());
+    qCInfo(notekeeper, "Version %s started", qUtf8Printable(QApplication::applicationVersion()));
     window.show();
     if (reports.hasChosen())
         reportStart(&reports);

@@ -4,6 +4,7 @@
 #include "ChildProcess.h"
 #include "FakeTools.h"
 #include "Files.h"
+#include "LoadedLibrary.h"
 #include "TemporaryHome.h"
 #include "Utf8.h"
 #include "Waiting.h"
@@ -137,11 +138,15 @@ private:
         m_window->findChild<QMessageBox *>()->button(answer)->click();
     }
 
-    // Starts the program, which reads its settings in this home directory.
-    void start(ChildProcess *notekeeper) const
+    void useServices(ChildProcess *notekeeper) const
     {
         notekeeper->setEnvironment(utf8("LOCAL_SERVICES"),
                                    m_network.writeDescription(m_home->path(), m_addresses));
+    }
+
+    // Starts the program, which reads its settings in this home directory.
+    void start(ChildProcess *notekeeper) const
+    {
         QVERIFY(notekeeper->start());
         QTRY_VERIFY_WITH_TIMEOUT(readFile(logPath()).contains("started"), ChildProcess::timeoutMs);
     }
@@ -470,6 +475,7 @@ private Q_SLOTS:
         const HttpServer silent;
         m_addresses.statistics = silent.url(utf8("/never"));
         ChildProcess notekeeper({utf8(CLOSING_NOTEKEEPER)});
+        useServices(&notekeeper);
         start(&notekeeper);
         QTRY_COMPARE_WITH_TIMEOUT(silent.openConnections(), 1, longestWaitMs); // the report of the start
         QElapsedTimer timer;
@@ -487,12 +493,29 @@ private Q_SLOTS:
         for (const bool isFirstRun : {true, false}) {
             QCOMPARE(QSettings().contains(utf8("UsageReports/Allowed")), !isFirstRun);
             ChildProcess notekeeper({utf8(CLOSING_NOTEKEEPER)});
+            useServices(&notekeeper);
             start(&notekeeper);
             notekeeper.closeInput();
             QCOMPARE(notekeeper.finish(), 0);
             QCOMPARE(readFile(logPath()).count("Usage reports: forbidden"), 1);
         }
         QCOMPARE(m_network.requestLines().size() + arrivedReports(), before);
+    }
+
+    void logsThatTlsIsMissing()
+    {
+        qputenv("PATH", m_path); // for the tools of the sandbox
+        if (!Sandbox::isAvailable() || loadedLibrary("libssl.so").isNull())
+            QSKIP("no sandbox without OpenSSL can be created here");
+        QVERIFY(writeFile(path("nothing"), QByteArray()));
+        Sandbox sandbox;
+        sandbox.replace(loadedLibrary("libssl.so"), path("nothing"));
+        ChildProcess notekeeper({utf8(CLOSING_NOTEKEEPER)});
+        notekeeper.setSandbox(sandbox);
+        start(&notekeeper);
+        QVERIFY(readFile(logPath()).contains("Secure connections don't work on this machine."));
+        notekeeper.closeInput();
+        QCOMPARE(notekeeper.finish(), 0);
     }
 
     void rejectsSecondProcess()
