@@ -64,8 +64,6 @@ BENCHMARK(readWithQt)->Name("one read/QSettings");
 int main(int argc, char **argv)
 {
     return runWithRatios(argc, argv,
-                         {{"a stored identifier, relative to one read of QSettings",
-                           "stored identifier/GetPCID", "one read/QSettings", 0},
-                          {"the mark of a later run, relative to one read of QSettings",
-                           "later run/IsNewUser", "one read/QSettings", 0}});
+                         {{"stored identifier", "stored identifier/GetPCID", "one read/QSettings"},
+                          {"mark of a later run", "later run/IsNewUser", "one read/QSettings"}});
 }

@@ -2,6 +2,12 @@
 
 #include "ratios.h"
 
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QStandardPaths>
+
 #include <benchmark/benchmark.h>
 
 #include <unistd.h>
@@ -9,14 +15,21 @@
 #include <algorithm>
 #include <cstdio>
 #include <map>
+#include <optional>
 
 namespace {
 
 constexpr const char *repetitions = "--benchmark_repetitions=9";
 constexpr const char *interleaving = "--benchmark_enable_random_interleaving=true";
 
-// Prints the median of each benchmark and stores its fastest repetition, which other processes disturbed
-// least.
+using Seconds = std::vector<double>; // one value for each repetition
+
+double fastest(const Seconds &times)
+{
+    return *std::min_element(times.begin(), times.end());
+}
+
+// Prints the median of each benchmark and stores the times of all repetitions.
 class RatioReporter : public benchmark::ConsoleReporter
 {
 public:
@@ -29,8 +42,11 @@ public:
     {
         std::vector<Run> shown;
         for (const Run &run : runs) {
-            if (run.run_type == Run::RT_Iteration)
-                keepFastest(run);
+            if (run.real_accumulated_time <= 0)
+                shown.push_back(run); // the reason why it failed
+            else if (run.run_type == Run::RT_Iteration)
+                m_times[run.run_name.function_name].push_back(run.real_accumulated_time
+                                                              / double(run.iterations));
             else if (run.aggregate_name == "median")
                 shown.push_back(run);
         }
@@ -38,33 +54,88 @@ public:
             ConsoleReporter::ReportRuns(shown);
     }
 
-    void print(const Ratio &ratio) const
+    const Seconds &timesOf(const char *name) const
     {
-        const auto ours = m_fastest.find(ratio.ours);
-        const auto baseline = m_fastest.find(ratio.baseline);
-        if (ours == m_fastest.end() || baseline == m_fastest.end()) {
-            std::printf("%-64s not run\n", ratio.what);
-            return;
-        }
-        const double value = ours->second / baseline->second;
-        std::printf("%-64s %6.3f", ratio.what, value);
-        if (ratio.bound > 0)
-            std::printf("   at most %.2f: %s", ratio.bound, value <= ratio.bound ? "kept" : "MISSED");
-        std::printf("\n");
+        static const Seconds none;
+        const auto found = m_times.find(name);
+        return found == m_times.end() ? none : found->second;
     }
 
 private:
-    void keepFastest(const Run &run)
-    {
-        const double time = run.GetAdjustedRealTime();
-        const auto known = m_fastest.emplace(run.run_name.function_name, time).first;
-        known->second = std::min(known->second, time);
-    }
-
-    std::map<std::string, double> m_fastest;
+    std::map<std::string, Seconds> m_times;
 };
 
+struct Result
+{
+    double oursSeconds;
+    double baselineSeconds;
+    double ratio;
+    double lowQuartile;
+    double highQuartile;
+};
+
+std::optional<Result> compare(const Seconds &ours, const Seconds &baseline)
+{
+    if (ours.empty() || baseline.empty())
+        return {};
+    std::vector<double> ratios;
+    for (size_t i = 0; i < std::min(ours.size(), baseline.size()); ++i)
+        ratios.push_back(ours[i] / baseline[i]);
+    std::sort(ratios.begin(), ratios.end());
+    const size_t quarter = ratios.size() / 4;
+    return Result {fastest(ours), fastest(baseline), fastest(ours) / fastest(baseline), ratios[quarter],
+                   ratios[ratios.size() - 1 - quarter]};
+}
+
+QString ownerOf(const char *benchmark)
+{
+    return QString::fromUtf8(benchmark).section(QLatin1Char('/'), -1);
+}
+
+void print(const Ratio &ratio, const Result &result)
+{
+    const QString what =
+        QStringLiteral("%1, to %2").arg(QString::fromUtf8(ratio.operation), ownerOf(ratio.baseline));
+    std::printf("%-64s %6.3f  (%.3f to %.3f)", qUtf8Printable(what), result.ratio, result.lowQuartile,
+                result.highQuartile);
+    if (ratio.bound > 0)
+        std::printf("   at most %.2f: %s", ratio.bound, result.ratio <= ratio.bound ? "kept" : "MISSED");
+    std::printf("\n");
+}
+
+QByteArray toJson(const Ratio &ratio, const Result &result)
+{
+    const QJsonObject object {{QStringLiteral("operation"), QString::fromUtf8(ratio.operation)},
+                              {QStringLiteral("ours"), ownerOf(ratio.ours)},
+                              {QStringLiteral("baseline"), ownerOf(ratio.baseline)},
+                              {QStringLiteral("oursSeconds"), result.oursSeconds},
+                              {QStringLiteral("baselineSeconds"), result.baselineSeconds},
+                              {QStringLiteral("ratio"), result.ratio},
+                              {QStringLiteral("lowQuartile"), result.lowQuartile},
+                              {QStringLiteral("highQuartile"), result.highQuartile},
+                              {QStringLiteral("bound"), ratio.bound}};
+    return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
+}
+
 } // namespace
+
+void registerProgram(const std::string &name, const QString &program,
+                     const std::function<QStringList()> &arguments)
+{
+    if (QStandardPaths::findExecutable(program).isEmpty())
+        return;
+    const auto run = [program, arguments](benchmark::State &state) {
+        const QStringList list = arguments();
+        for (auto _ : state) {
+            QProcess process;
+            process.setStandardOutputFile(QProcess::nullDevice());
+            process.start(program, list);
+            if (!process.waitForFinished(-1) || process.exitCode() != 0)
+                state.SkipWithError("the program failed");
+        }
+    };
+    benchmark::RegisterBenchmark(name.c_str(), run)->Unit(benchmark::kMillisecond)->UseRealTime();
+}
 
 int runWithRatios(int argc, char **argv, const std::vector<Ratio> &ratios)
 {
@@ -81,8 +152,18 @@ int runWithRatios(int argc, char **argv, const std::vector<Ratio> &ratios)
 
     RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
-    std::printf("\nTime relative to the baseline, fastest repetitions\n");
-    for (const Ratio &ratio : ratios)
-        reporter.print(ratio);
+    QFile file(qEnvironmentVariable("ZYBASE_BENCHMARK_RESULTS"));
+    if (!file.fileName().isEmpty() && !file.open(QIODevice::Append))
+        return 1;
+    std::printf("\nTime relative to the baseline: fastest repetitions, and the middle half of all\n");
+    for (const Ratio &ratio : ratios) {
+        const std::optional<Result> result =
+            compare(reporter.timesOf(ratio.ours), reporter.timesOf(ratio.baseline));
+        if (!result)
+            continue; // deselected, or a program that is not installed
+        print(ratio, *result);
+        if (file.isOpen())
+            file.write(toJson(ratio, *result));
+    }
     return 0;
 }

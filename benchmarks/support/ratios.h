@@ -2,21 +2,36 @@
 
 #pragma once
 
+#include <QStringList>
+
+#include <functional>
 #include <string>
 #include <vector>
 
-/** Compares two benchmarks of one program that do the same work. */
+/**
+ * Compares two benchmarks that do the same work. A benchmark is named "operation/who does it". The first
+ * ratio of an operation compares the library with direct calls, the others compare it with other libraries
+ * and programs.
+ */
 struct Ratio
 {
-    const char *what; ///< what is compared, for the output
-    const char *ours; ///< name of the benchmark of the library
+    const char *operation; ///< what is measured, with its size
+    const char *ours; ///< name of the library's benchmark
     const char *baseline; ///< name of the benchmark that it is compared with
-    double bound; ///< the ratio should not be larger; 0 for no bound
+    double bound = 0; ///< the ratio should not be larger; 0 for no bound
 };
 
+/** Registers a run of a program as a benchmark, if the program is installed. */
+void registerProgram(const std::string &name, const QString &program,
+                     const std::function<QStringList()> &arguments);
+
 /**
- * Runs the registered benchmarks and prints the ratios of their fastest repetitions after the table of Google
- * Benchmark. The repetitions run in random order, so that the state of the machine affects all benchmarks.
+ * Runs the registered benchmarks and prints their ratios after the table of Google Benchmark. The repetitions
+ * run in random order, so that the state of the machine affects all benchmarks.
+ *
+ * The ratio is that of the fastest repetitions, which other processes disturbed least. The middle half of the
+ * ratios of the single repetitions is its spread. If the environment variable ZYBASE_BENCHMARK_RESULTS names
+ * a file, a line of JSON for each ratio is added to it.
  *
  * @return the exit code of the program
  */

@@ -100,7 +100,7 @@ QWidget *MainWindow::createSidebar()
     layout->setContentsMargins(14, 22, 14, 18);
     QLabel *const name = heading(tr("ZyBase"));
     QLabel *const motto = hint(tr("All services in one window"));
-    for (QLabel *const label : {name, motto, m_desktopTheme})
+    for (QLabel *const label : {name, motto})
         label->setContentsMargins(10, 0, 0, 0);
     layout->addWidget(name);
     layout->addWidget(motto);

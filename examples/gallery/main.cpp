@@ -39,6 +39,7 @@ int runGallery(int &argc, char **argv)
     const QString badDescription = brokenDescription();
     const DevelopmentServices services =
         badDescription.isEmpty() ? useDevelopmentServices() : DevelopmentServices();
+    QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("zybase-gallery"));
     QGuiApplication::setDesktopFileName(QStringLiteral("zybase-gallery"));

@@ -19,14 +19,15 @@ namespace {
 std::atomic<int> threadsBeforeDate {0}; // that have read the clock
 thread_local QString sentDay;
 
-// Makes the first reports of this process in eight threads. Returns true if all records have their date.
+// Makes the first reports of this process in eight threads. Returns true if all records have their date. The
+// reporters are not deleted, because their requests still run when the process ends.
 bool haveFirstRecordsDates()
 {
     return sumOfEightThreads([](int) {
-               CXdReport reporter;
-               reporter.InitData(QStringLiteral("http://127.0.0.1:1/"), QString(), QString(), QString(),
-                                 QString());
-               reporter.ReportXdData(QStringLiteral("install"), QStringLiteral("end"));
+               auto *const reporter = new CXdReport;
+               reporter->InitData(QStringLiteral("http://127.0.0.1:1/"), QString(), QString(), QString(),
+                                  QString());
+               reporter->ReportXdData(QStringLiteral("install"), QStringLiteral("end"));
                return sentDay == QLatin1String("2001-02-03 04:05:06") ? 1 : 0;
            })
            == 8;

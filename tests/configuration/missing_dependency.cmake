@@ -18,7 +18,7 @@ configure(${SOURCE_DIR} ${WORK_DIR}/log4qt -DZYBASE_LOG4QT=system -DCMAKE_DISABL
 expect_failure_with("Missing: log4qt 1.5 or later.")
 
 configure(${SOURCE_DIR} ${WORK_DIR}/benchmark -DZYBASE_BUILD_BENCHMARKS=ON -DCMAKE_DISABLE_FIND_PACKAGE_benchmark=ON)
-expect_failure_with("Missing: benchmark 1.5 or later. Install the Debian package libbenchmark-dev.")
+expect_failure_with("Missing: benchmark 1.6 or later. Install the Debian package libbenchmark-dev.")
 
 configure(${SOURCE_DIR} ${WORK_DIR}/doxygen -DZYBASE_BUILD_DOCS=ON -DCMAKE_DISABLE_FIND_PACKAGE_Doxygen=ON)
 expect_failure_with("Missing: Doxygen 1.9.4 or later. Install the Debian package doxygen.")

@@ -42,6 +42,7 @@ QrCodePage::QrCodePage(QWidget *parent)
     m_size->setObjectName(QStringLiteral("qrSize"));
     m_size->setRange(minSide / step, maxSide / step);
     m_size->setPageStep(1);
+    m_size->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding); // as high as the text field
     m_size->setValue(initialSide / step);
 
     fillChoicesCard(addCard());

@@ -4,14 +4,11 @@
 
 #include <QComboBox>
 
-/** A drop-down list whose arrow has the colours of the theme. */
+/** A drop-down list whose items follow the style sheet. */
 class Choice : public QComboBox
 {
     Q_OBJECT
 
 public:
     Choice(const QStringList &items, const char *name, QWidget *parent = nullptr);
-
-protected:
-    void paintEvent(QPaintEvent *event) override;
 };
