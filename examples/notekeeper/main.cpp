@@ -94,10 +94,11 @@ QString startLog()
 
 int runWindow(const QString &directory, const QUrl &updates, const QString &statistics)
 {
+    const QStringList problems {startLog(), tlsProblem()};
     UsageReports reports(reportSettings(statistics)); // sends nothing without consent
     MainWindow window(directory, updates, &reports);
-    window.showProblem(startLog());
-    window.showProblem(tlsProblem());
+    for (const QString &problem : problems)
+        window.showProblem(problem);
     qCInfo(notekeeper, "Version %s started", qUtf8Printable(QApplication::applicationVersion()));
     window.show();
     if (reports.hasChosen())
