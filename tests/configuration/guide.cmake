@@ -25,7 +25,7 @@ set(copy ${WORK_DIR}/tree)
 function(make_copy)
     file(REMOVE_RECURSE ${copy})
     file(COPY ${SOURCE_DIR}/docs/guide DESTINATION ${copy}/docs)
-    file(COPY ${SOURCE_DIR}/examples/recipes DESTINATION ${copy}/examples)
+    file(COPY ${SOURCE_DIR}/examples/notekeeper ${SOURCE_DIR}/examples/recipes DESTINATION ${copy}/examples)
 endfunction()
 
 # expect_problem(<file> <string> <replacement> <problem>): verifies that a copy with the replacement has
@@ -60,6 +60,8 @@ expect_problem(${page} "AtomicJson.h" "Json.h"
 expect_problem(docs/guide/watching-the-theme.md "AUTOMOC ON" "AUTOMOC OFF"
     "watching-the-theme.md: sets AUTOMOC")
 expect_problem(docs/guide/README.md "(${name}.md)" "()" "${name}: is not linked in README.md")
+expect_problem(docs/guide/putting-it-together.md "captureMessages();" "capture();"
+    "putting-it-together.md: shows code that is not in notekeeper")
 
 make_copy()
 file(REMOVE ${copy}/${page})

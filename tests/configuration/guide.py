@@ -47,17 +47,24 @@ def build_problems(text, recipe):
         yield 'sets AUTOMOC without need, or does not set it'
 
 
-def page_problems(page, recipe):
+def recipes_of(tree):
+    """Returns the directory of each page's code, by the name of the page."""
+    examples = tree / 'examples'
+    recipes = {path.name: path for path in (examples / 'recipes').iterdir() if path.is_dir()}
+    return {**recipes, 'putting-it-together': examples / 'notekeeper'}
+
+
+def page_problems(page, recipe, tree):
     """Returns what is wrong with one page."""
     text = page.read_text(encoding='utf-8')
     if not text.startswith('# '):
         yield 'has no title'
-    if f'(../../examples/recipes/{recipe.name})' not in text:
+    if f'(../../{recipe.relative_to(tree).as_posix()})' not in text:
         yield 'does not link its recipe'
     blocks = [block.splitlines() for block in blocks_of(text, 'cpp')]
     if not blocks:
         yield 'shows no C++'
-    sources = [path.read_text(encoding='utf-8').splitlines() for path in sorted(recipe.glob('*'))]
+    sources = [path.read_text(encoding='utf-8').splitlines() for path in sorted(recipe.glob('*.[ch]*'))]
     for block in blocks:
         if not any(is_in(block, source) for source in sources):
             yield f'shows code that is not in {recipe.name}:\n    ' + '\n    '.join(block)
@@ -69,7 +76,7 @@ def problems(tree):
     """Returns what is wrong with the guide."""
     guide = tree / 'docs' / 'guide'
     pages = {path.stem: path for path in guide.glob('*.md') if path.name != 'README.md'}
-    recipes = {path.name: path for path in (tree / 'examples' / 'recipes').iterdir() if path.is_dir()}
+    recipes = recipes_of(tree)
     links = set(re.findall(r'\(([^():/]+)\.md\)', (guide / 'README.md').read_text(encoding='utf-8')))
     for name in sorted(pages.keys() | recipes.keys() | links):
         if name not in pages:
@@ -79,7 +86,7 @@ def problems(tree):
         if name not in links:
             yield f'{name}: is not linked in README.md'
         if name in pages and name in recipes:
-            yield from (f'{name}.md: {problem}' for problem in page_problems(pages[name], recipes[name]))
+            yield from (f'{name}.md: {problem}' for problem in page_problems(pages[name], recipes[name], tree))
 
 
 found = list(problems(pathlib.Path(sys.argv[1])))

@@ -31,7 +31,7 @@ endfunction()
 
 execute_process(COMMAND pkg-config --exists quazip1-qt5 RESULT_VARIABLE no_quazip)
 file(GLOB pages ${SOURCE_DIR}/docs/guide/*.md)
-list(FILTER pages EXCLUDE REGEX "/README\\.md$")
+list(FILTER pages EXCLUDE REGEX "/(README|putting-it-together)\\.md$")
 foreach(page ${pages})
     get_filename_component(recipe ${page} NAME_WE)
     lines_for(cmake ${page} cmake_lines)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 
 #include "Files.h"
+#include "LoadedLibrary.h"
 #include "RecipeProcess.h"
 
 #include <localservices/HttpServer.h>
@@ -12,23 +13,6 @@
 
 using LocalServices::Authority;
 using LocalServices::HttpServer;
-
-namespace {
-
-// Returns the path of a library that is loaded in this process.
-QString pathOf(const char *library)
-{
-    const QStringList maps =
-        QString::fromUtf8(readFile(QStringLiteral("/proc/self/maps"))).split(QLatin1Char('\n'));
-    for (const QString &line : maps) {
-        QString path = line.mid(line.indexOf(QLatin1Char('/')));
-        if (QFileInfo(path).fileName().startsWith(QLatin1String(library)))
-            return path;
-    }
-    return QString();
-}
-
-} // namespace
 
 class TestTellingThatTlsIsMissing : public QObject
 {
@@ -80,10 +64,10 @@ private Q_SLOTS:
         const QString nothing = directory.filePath(QStringLiteral("nothing"));
         QVERIFY(writeFile(nothing, QByteArray()));
         // Any other library lacks the symbols that Qt resolves.
-        const QString instead = isOtherVersion ? pathOf("libz.so") : nothing;
+        const QString instead = isOtherVersion ? loadedLibrary("libz.so") : nothing;
         QVERIFY(QFileInfo::exists(instead));
         Sandbox sandbox;
-        sandbox.replace(pathOf("libssl.so"), instead);
+        sandbox.replace(loadedLibrary("libssl.so"), instead);
 
         RecipeProcess recipe(QStringLiteral("telling-that-tls-is-missing"));
         recipe.setSandbox(sandbox);

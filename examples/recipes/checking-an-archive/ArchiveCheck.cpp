@@ -2,8 +2,11 @@
 
 #include "ArchiveCheck.h"
 
+#include <ZyBase/files/ZipManager.h>
+
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTextCodec>
 
 #include <limits>
@@ -124,4 +127,21 @@ QString missingEntry(const QString &directory, const QString &zipPath, const QBy
             return entry.name;
     }
     return QString();
+}
+
+QString extractArchive(const QString &zipPath, const QString &directory)
+{
+    const QByteArray codec = archiveNameCodec(zipPath, "GBK");
+    const quint64 spaceBytes = spaceForArchive(QFileInfo(directory).absolutePath());
+    QString problem = archiveProblem(zipPath, spaceBytes, codec);
+    if (!problem.isNull())
+        return problem;
+    if (!QDir().mkdir(directory))
+        return QStringLiteral("The directory exists already or cannot be created.");
+
+    QuaZip::setDefaultFileNameCodec(codec.constData()); // for all archives of this process
+    if (!ZyBase::ZipManager::QuaUnzipFile(zipPath, directory, false))
+        return QStringLiteral("It could not be extracted.");
+    const QString missing = missingEntry(directory, zipPath, codec);
+    return missing.isNull() ? QString() : missing + QStringLiteral(": it was not extracted completely");
 }

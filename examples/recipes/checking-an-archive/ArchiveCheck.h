@@ -25,3 +25,14 @@ QByteArray archiveNameCodec(const QString &zipPath, const QByteArray &otherCodec
 
 /** Returns the first entry that is not in @p directory with its check sum; null if all are. */
 QString missingEntry(const QString &directory, const QString &zipPath, const QByteArray &codec);
+
+/**
+ * Checks an archive, extracts it to a new directory, and checks what was extracted.
+ *
+ * Blocks until the archive is extracted. Sets the codec of file names for all archives of this process, so
+ * extract one archive at a time.
+ *
+ * @param directory must not exist yet, and its parent directory must exist
+ * @return null if the whole archive is in the directory; otherwise what went wrong, as a message for the user
+ */
+QString extractArchive(const QString &zipPath, const QString &directory);

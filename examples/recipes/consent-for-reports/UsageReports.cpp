@@ -24,6 +24,7 @@ constexpr int stopTimesMs[] = {0, 50, 100, 200, 500};
 
 UsageReports::UsageReports(Settings settings)
     : m_settings(std::move(settings))
+    , m_hasChosen(QSettings().contains(QLatin1String(choiceKey)))
     , m_isAllowed(QSettings().value(QLatin1String(choiceKey), false).toBool())
 {
 }
@@ -35,6 +36,7 @@ bool UsageReports::isAllowed() const
 
 bool UsageReports::setAllowed(bool allowed)
 {
+    m_hasChosen = true;
     m_isAllowed = allowed;
     for (const int timeMs : stopTimesMs)
         QTimer::singleShot(timeMs, &m_context, [this] { stopUnlessAllowed(); });

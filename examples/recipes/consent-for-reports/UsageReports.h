@@ -27,6 +27,9 @@ public:
 
     explicit UsageReports(Settings settings);
 
+    /** Returns true if the user has chosen, also "no", now or in an earlier run. If not, ask once. */
+    bool hasChosen() const { return m_hasChosen; }
+
     /** Returns the user's choice, which QSettings stores; false until the user has chosen. */
     bool isAllowed() const;
 
@@ -48,6 +51,7 @@ private:
     bool prepare();
 
     const Settings m_settings;
+    bool m_hasChosen;
     bool m_isAllowed;
     bool m_isPrepared = false;
     QObject m_context; ///< its destruction cancels the timers
