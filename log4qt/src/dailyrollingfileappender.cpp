@@ -93,9 +93,9 @@ void DailyRollingFileAppender::activateOptions()
 
 void DailyRollingFileAppender::append(const LoggingEvent &event)
 {
-    const qint64 time = wallTime(event.timeStamp(), event.timeZone());
-    if (time > m_periodEnd)
-        rollOver(time);
+    const qint64 now = wallTime(event.timeZone());
+    if (now > m_periodEnd)
+        rollOver(now);
     FileAppender::append(event);
 }
 
@@ -118,14 +118,10 @@ void DailyRollingFileAppender::rollOver(qint64 wallTime)
 
 qint64 DailyRollingFileAppender::wallTime(const QByteArray &zone)
 {
-    return wallTime(QDateTime::currentMSecsSinceEpoch(), zone);
-}
-
-qint64 DailyRollingFileAppender::wallTime(qint64 time, const QByteArray &zone)
-{
-    if (m_watch->turned(time, zone))
-        m_wallOffset = QDateTime::fromMSecsSinceEpoch(time).offsetFromUtc() * msecsPerSecond;
-    return time + m_wallOffset;
+    const qint64 now = QDateTime::currentMSecsSinceEpoch();
+    if (m_watch->turned(now, zone))
+        m_wallOffset = QDateTime::fromMSecsSinceEpoch(now).offsetFromUtc() * msecsPerSecond;
+    return now + m_wallOffset;
 }
 
 } // namespace zy

@@ -54,11 +54,6 @@ LoggingEvent eventOf(const QString &message)
     return LoggingEvent(nullptr, Level(Level::INFO_INT), message);
 }
 
-LoggingEvent eventAt(const QDateTime &time, const QString &message)
-{
-    return LoggingEvent(nullptr, Level(Level::INFO_INT), message, time.toMSecsSinceEpoch());
-}
-
 } // namespace
 
 class TestLog4QtAppenders : public QObject
@@ -374,22 +369,6 @@ private Q_SLOTS:
         appender.activateOptions();
         QVERIFY(appender.isActive());
         QVERIFY(QFile::exists(path()));
-    }
-
-    void startsFileAtTimeOfEvent()
-    {
-        DailyRollingFileAppender appender;
-        prepare(&appender);
-        appender.setDatePattern(QStringLiteral("'.finished.'yyyy-MM"));
-        const QDateTime now = QDateTime::currentDateTime();
-        appender.activateOptions();
-        appender.doAppend(eventAt(now, QStringLiteral("this month")));
-        appender.doAppend(eventAt(now.addMonths(2), QStringLiteral("later")));
-        appender.doAppend(eventAt(now, QStringLiteral("of an earlier month")));
-        const QStringList finished = QDir(m_directory->path()).entryList({QStringLiteral("*.finished*")});
-        QCOMPARE(finished.size(), 1);
-        QCOMPARE(readFile(m_directory->filePath(finished.first())), QByteArray("this month\n"));
-        QCOMPARE(readFile(path()), QByteArray("later\nof an earlier month\n"));
     }
 
     void returnsDailyPatternByDefault()

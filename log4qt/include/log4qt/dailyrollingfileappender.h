@@ -17,8 +17,7 @@ class SecondWatch;
  *
  * The finished file is renamed: its name gets a suffix, for example ".2026-11". Periods are those of the
  * local wall clock. The first period is the one in which activateOptions() is called: a file that remains
- * from an earlier period is continued. The time stamp of an event decides in which period it is; an event of
- * an earlier period is written to the current file.
+ * from an earlier period is continued.
  *
  * If a file with the new name of the finished file exists, it is replaced.
  *
@@ -71,7 +70,6 @@ private:
     void enterPeriod(qint64 wallTime);
     void rollOver(qint64 wallTime);
     qint64 wallTime(const QByteArray &zone);
-    qint64 wallTime(qint64 time, const QByteArray &zone);
 
     QString m_datePattern;
     std::unique_ptr<RollOverPeriod> m_period;
