@@ -2,24 +2,24 @@
 
 #include "OutputCapture.h"
 
-#include <QNetworkAccessManager>
+#include <algorithm>
+#include <iterator>
 
 namespace {
 
-// Qt 5.15 may log these if a request is aborted at the moment in which it fails.
+// Qt 5.15 may log the first two if a request is aborted at the moment in which it fails, and the third if the
+// first requests of a process start in several threads at once.
 bool isLoggedByQt(const QString &message)
 {
-    return message.startsWith(QLatin1String("QNetworkReplyImplPrivate::error: Internal problem"))
-           || message == QLatin1String("QIODevice::read (QNetworkReplyHttpImpl): device not open");
+    const QLatin1String beginnings[] = {
+        QLatin1String("QNetworkReplyImplPrivate::error: Internal problem"),
+        QLatin1String("QIODevice::read (QNetworkReplyHttpImpl): device not open"),
+        QLatin1String("Type conversion already registered from type QSharedPointer<QNetworkSession>")};
+    return std::any_of(std::begin(beginnings), std::end(beginnings),
+                       [&message](QLatin1String beginning) { return message.startsWith(beginning); });
 }
 
 } // namespace
-
-OutputCapture::OutputCapture()
-{
-    // Qt 5.15 may print a line if the first managers of a process are created in several threads at once.
-    QNetworkAccessManager();
-}
 
 QStringList OutputCapture::lines()
 {

@@ -16,7 +16,7 @@
 class OutputCapture
 {
 public:
-    OutputCapture();
+    OutputCapture() = default;
 
     /** Returns the messages, followed by the lines of the standard error stream. */
     QStringList lines();
