@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 
 #include "LoggerObjectPrivate.h"
+#include "LoggerObject.h"
 
 #include <log4qt/dailyrollingfileappender.h>
 #include <log4qt/level.h>
@@ -118,3 +119,39 @@ void LoggerObjectPrivate::debug(const char *pszMessage)
     if (m_pRootLogger)
         write(m_pRootLogger, &Log4Qt::Logger::debug, pszMessage);
 }
+
+namespace ZyBase {
+
+// These functions are in this source, so that the compiler can inline what they call.
+
+void LoggerObject::InitLogger(const char *pszFileName, const char *pszBaseDir)
+{
+    LoggerObjectPrivate::getInstance()->InitLogger(pszFileName, pszBaseDir);
+}
+
+void LoggerObject::ReleaseLogger()
+{
+    LoggerObjectPrivate::getInstance()->ReleaseLogger();
+}
+
+void LoggerObject::error(const char *pszMessage)
+{
+    LoggerObjectPrivate::getInstance()->error(pszMessage);
+}
+
+void LoggerObject::warn(const char *pszMessage)
+{
+    LoggerObjectPrivate::getInstance()->warn(pszMessage);
+}
+
+void LoggerObject::info(const char *pszMessage)
+{
+    LoggerObjectPrivate::getInstance()->info(pszMessage);
+}
+
+void LoggerObject::debug(const char *pszMessage)
+{
+    LoggerObjectPrivate::getInstance()->debug(pszMessage);
+}
+
+} // namespace ZyBase

@@ -4,7 +4,8 @@
 
 #include "../platform/CSystemUtils.h"
 
-#include <QStringList>
+#include <QPair>
+#include <QVector>
 
 #include <algorithm>
 #include <limits>
@@ -20,27 +21,42 @@ int toInt32(double dValue)
     return static_cast<int>(qBound(double(Limits::min()), dValue, double(Limits::max())));
 }
 
-QString memberString(const QJsonValue &value)
+void appendValue(QString *pText, const QJsonValue &value)
 {
     if (value.isString())
-        return value.toString();
-    if (value.isDouble())
-        return QStringLiteral("%1").arg(toInt32(value.toDouble(0.0)), 0, 10, QLatin1Char(' '));
-    return QString();
+        *pText += value.toString();
+    else if (value.isDouble())
+        *pText += QString::number(toInt32(value.toDouble(0.0)));
+}
+
+using Member = QPair<QString, QJsonObject::const_iterator>;
+
+// The iterators find the values without a search for each key.
+QVector<Member> sortedMembers(const QJsonObject &jsonObject)
+{
+    QVector<Member> members;
+    members.reserve(jsonObject.size());
+    for (auto it = jsonObject.constBegin(); it != jsonObject.constEnd(); ++it)
+        members.append({it.key(), it});
+    std::sort(members.begin(), members.end(),
+              [](const Member &left, const Member &right) { return left.first < right.first; });
+    return members;
 }
 
 } // namespace
 
 QString CHttpPostRequest::SignObject(const QJsonObject &jsonObject, const QString &strSecret)
 {
-    QStringList keys = jsonObject.keys();
-    std::sort(keys.begin(), keys.end());
-
-    QStringList items;
-    items.reserve(keys.size());
-    for (const QString &strKey : qAsConst(keys))
-        items << strKey + QLatin1Char('=') + memberString(jsonObject.value(strKey));
-    return CSystemUtils::GetStringMd5(items.join(QLatin1Char('&')) + strSecret);
+    QString strText;
+    const QVector<Member> members = sortedMembers(jsonObject);
+    for (const Member &member : members) {
+        if (!strText.isEmpty())
+            strText += QLatin1Char('&');
+        strText += member.first;
+        strText += QLatin1Char('=');
+        appendValue(&strText, member.second.value());
+    }
+    return CSystemUtils::GetStringMd5(strText + strSecret);
 }
 
 } // namespace ZyBase

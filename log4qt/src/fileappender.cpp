@@ -72,7 +72,7 @@ void FileAppender::close()
 
 bool FileAppender::flushDevice()
 {
-    return m_file.flush();
+    return m_isUnbufferedFile || m_file.flush();
 }
 
 void FileAppender::append(const LoggingEvent &event)
@@ -100,6 +100,7 @@ bool FileAppender::openFile(bool append)
         return false;
     }
     setDevice(&m_file);
+    m_isUnbufferedFile = mode.testFlag(QIODevice::Unbuffered);
     return true;
 }
 

@@ -21,11 +21,11 @@ LoggingEvent::LoggingEvent(const Logger *logger, Level level, const QString &mes
     , m_logger(logger)
     , m_message(message)
     , m_ndc(NDC::peek())
-    , m_threadObjectName(QThread::currentThread()->objectName())
     , m_thread(QThread::currentThread())
     , m_timeStamp(timeStamp)
     , m_timeZone(qgetenv("TZ"))
 {
+    m_threadObjectName = m_thread->objectName();
 }
 
 QString LoggingEvent::threadName() const

@@ -5,14 +5,27 @@
 namespace Log4Qt {
 inline namespace zy {
 
+namespace {
+
+constexpr int millisecondsPerSecond = 1000;
+
+// An empty TZ is UTC; without TZ the time zone of the machine applies. Usually TZ is not set, and all null
+// arrays have the same address.
+bool areEqual(const QByteArray &zone, const QByteArray &other)
+{
+    return zone.constData() == other.constData() || (zone == other && zone.isNull() == other.isNull());
+}
+
+} // namespace
+
 bool SecondWatch::turned(qint64 timeStamp, const QByteArray &zone)
 {
-    const qint64 second = timeStamp / 1000 - (timeStamp % 1000 < 0 ? 1 : 0);
-    // An empty TZ is UTC; without TZ the time zone of the machine applies.
-    if (m_hasSecond && second == m_second && zone == m_zone && zone.isNull() == m_zone.isNull())
+    if (m_hasSecond && sinceSecond(timeStamp) < millisecondsPerSecond && areEqual(zone, m_zone))
         return false;
     m_hasSecond = true;
-    m_second = second;
+    const qint64 milliseconds = timeStamp % millisecondsPerSecond;
+    m_second =
+        quint64(timeStamp) - quint64(milliseconds < 0 ? milliseconds + millisecondsPerSecond : milliseconds);
     m_zone = zone;
     return true;
 }

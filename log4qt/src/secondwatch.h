@@ -26,9 +26,12 @@ public:
      */
     bool turned(qint64 timeStamp, const QByteArray &zone);
 
+    /** Returns the milliseconds from the start of the second of the last call of turned() to @p timeStamp. */
+    quint64 sinceSecond(qint64 timeStamp) const { return quint64(timeStamp) - m_second; }
+
 private:
     bool m_hasSecond = false;
-    qint64 m_second = 0;
+    quint64 m_second = 0; // Unsigned: differences do not overflow.
     QByteArray m_zone;
 };
 

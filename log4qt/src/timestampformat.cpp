@@ -35,12 +35,13 @@ qint64 millisecondsBetween(qint64 start, qint64 end)
     return end < start ? std::numeric_limits<qint64>::min() : std::numeric_limits<qint64>::max();
 }
 
-void appendMilliseconds(QString *text, qint64 timeStamp)
+// Replaces the three digits at the end of the string.
+void setMilliseconds(QString *text, int milliseconds)
 {
-    const qint64 remainder = timeStamp % 1000;
-    const qint64 milliseconds = remainder < 0 ? remainder + 1000 : remainder;
-    for (const qint64 divisor : {100, 10, 1})
-        *text += QLatin1Char(char('0' + milliseconds / divisor % 10));
+    QChar *const end = text->data() + text->size();
+    end[-1] = QLatin1Char(char('0' + milliseconds % 10));
+    end[-2] = QLatin1Char(char('0' + milliseconds / 10 % 10));
+    end[-3] = QLatin1Char(char('0' + milliseconds / 100));
 }
 
 } // namespace
@@ -48,14 +49,10 @@ void appendMilliseconds(QString *text, qint64 timeStamp)
 TimestampFormat::TimestampFormat(const QString &dateFormat)
     : m_isRelative(dateFormat == QLatin1String("RELATIVE"))
     , m_pattern(toPattern(dateFormat))
+    // If the milliseconds are only at the end, the rest of the string is the same for a whole second.
+    , m_endsInMilliseconds(m_pattern.endsWith(QLatin1String("zzz")) && m_pattern.count(QLatin1Char('z')) == 3
+                           && !m_pattern.contains(QLatin1Char('\'')))
 {
-    const QLatin1String milliseconds("zzz");
-    const QLatin1Char quote('\'');
-    // If the milliseconds are only at the end, the string before them is the same for a whole second.
-    m_endsInMilliseconds = m_pattern.endsWith(milliseconds) && m_pattern.count(QLatin1Char('z')) == 3
-                           && !m_pattern.contains(quote);
-    if (m_endsInMilliseconds)
-        m_pattern.chop(milliseconds.size());
 }
 
 void TimestampFormat::append(QString *text, const LoggingEvent &event)
@@ -65,13 +62,13 @@ void TimestampFormat::append(QString *text, const LoggingEvent &event)
         *text += QString::number(millisecondsBetween(LoggingEvent::startTime(), timeStamp));
         return;
     }
-    if (m_pattern.isEmpty() && !m_endsInMilliseconds)
+    if (m_pattern.isEmpty())
         return;
     if (m_watch.turned(timeStamp, event.timeZone()) || !m_endsInMilliseconds)
-        m_second = QDateTime::fromMSecsSinceEpoch(timeStamp).toString(m_pattern);
-    *text += m_second;
-    if (m_endsInMilliseconds)
-        appendMilliseconds(text, timeStamp);
+        m_time = QDateTime::fromMSecsSinceEpoch(timeStamp).toString(m_pattern);
+    else
+        setMilliseconds(&m_time, int(m_watch.sinceSecond(timeStamp)));
+    *text += m_time;
 }
 
 } // namespace zy

@@ -23,10 +23,10 @@ public:
 
 private:
     const bool m_isRelative;
-    QString m_pattern;
-    bool m_endsInMilliseconds = false;
+    const QString m_pattern;
+    const bool m_endsInMilliseconds;
     SecondWatch m_watch;
-    QString m_second;
+    QString m_time;
 };
 
 } // namespace zy

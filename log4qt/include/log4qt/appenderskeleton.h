@@ -91,6 +91,8 @@ protected:
     mutable std::recursive_mutex m_mutex;
 
 private:
+    friend class WriterAppender; // uses m_layout under the lock
+
     bool m_active = false;
     bool m_closed = false;
     bool m_appending = false;

@@ -56,6 +56,8 @@ protected:
     virtual bool flushDevice() = 0;
 
 private:
+    friend class FileAppender;
+
     void write(const QString &text);
     void writeLine(const QString &text);
 
@@ -63,7 +65,8 @@ private:
     QTextCodec *m_encoding = nullptr;
     QTextCodec *m_codec = nullptr;
     bool m_immediateFlush = true;
-    bool m_lineIsCut = false;
+    bool m_lineIsCut : 1;
+    bool m_isUnbufferedFile : 1; // in the same byte: classes of applications keep their layout
 };
 
 } // namespace zy
