@@ -64,7 +64,8 @@ void TimestampFormat::append(QString *text, const LoggingEvent &event)
     }
     if (m_pattern.isEmpty())
         return;
-    if (m_watch.turned(timeStamp, event.timeZone()) || !m_endsInMilliseconds)
+    // Qt has an empty string for some of the earliest times.
+    if (m_watch.turned(timeStamp, event.timeZone()) || !m_endsInMilliseconds || m_time.isEmpty())
         m_time = QDateTime::fromMSecsSinceEpoch(timeStamp).toString(m_pattern);
     else
         setMilliseconds(&m_time, int(m_watch.sinceSecond(timeStamp)));

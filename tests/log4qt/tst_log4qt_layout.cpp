@@ -155,6 +155,19 @@ private Q_SLOTS:
         QVERIFY(layout.format(eventOf(Limits::max())).startsWith(latest + QStringLiteral(" [")));
     }
 
+    void printsNoTimeIfQtHasNone()
+    {
+        setZone("America/New_York");
+        const qint64 earliest = std::numeric_limits<qint64>::min();
+        if (QDateTime::fromMSecsSinceEpoch(earliest).isValid())
+            QSKIP("Qt has a date for the earliest time in this time zone");
+        TTCCLayout layout;
+        layout.setDateFormat(TTCCLayout::ISO8601);
+        for (const qint64 time : {earliest, earliest + 1, earliest + 2}) // in one second
+            QVERIFY(layout.format(eventOf(time)).startsWith(QStringLiteral(" [main]")));
+        QVERIFY(layout.format(eventOf()).startsWith(QStringLiteral("2026-11-20 02:37:57.106 [main]")));
+    }
+
     void printsIso8601ForEmptyFormat()
     {
         TTCCLayout layout;
