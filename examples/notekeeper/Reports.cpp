@@ -19,6 +19,7 @@ UsageReports::Settings reportSettings(const QString &statistics)
 
 void reportStart(UsageReports *reports)
 {
+    reports->sendEvent(QStringLiteral("start"));
     reports->sendRecord(QStringLiteral("server_run"), QStringLiteral("start"));
 }
 

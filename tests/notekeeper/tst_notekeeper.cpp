@@ -401,14 +401,14 @@ private Q_SLOTS:
         open();
         answerConsent(QMessageBox::Yes);
         trigger("New");
-        QTRY_COMPARE_WITH_TIMEOUT(arrivedReports(), before + 2, longestWaitMs);
+        QTRY_COMPARE_WITH_TIMEOUT(arrivedReports(), before + 3, longestWaitMs);
         QCOMPARE(m_network.collector().events().last().problems, QStringList());
         QCOMPARE(m_network.statistics().records().last().problems, QStringList());
         QVERIFY(UsageReports(reportSettings(QString())).hasChosen());
 
         trigger("Send Usage Reports"); // withdraws the consent
         trigger("New");
-        QVERIFY(staysTrueFor(std::chrono::milliseconds(300), [&] { return arrivedReports() == before + 2; }));
+        QVERIFY(staysTrueFor(std::chrono::milliseconds(300), [&] { return arrivedReports() == before + 3; }));
     }
 
     // --- Desktop
