@@ -64,7 +64,7 @@ def comparison_table(rows):
 
 
 def growth_table(rows):
-    lines = [[row["growth"][0].upper() + row["growth"][1:], f"{row['size']:,} {row['unit']}", duration(row["seconds"]),
+    lines = [[row["growth"][0].upper() + row["growth"][1:], f"{row['unit']}: {row['size']:,}", duration(row["seconds"]),
               f"{row['mebibytes']:.1f} MiB"] for row in rows if "growth" in row]
     return table(["Operation", "Size", "Time", "More memory"], lines)
 
