@@ -2,6 +2,8 @@
 
 #include "Sweep.h"
 
+#include "FullSweep.h"
+
 #include <QDeadlineTimer>
 #include <QFile>
 #include <QJsonArray>
@@ -85,7 +87,7 @@ Sweep::Sweep(QList<Operation> operations, QList<Exclusion> exclusions)
 void Sweep::writeFigures()
 {
     QFile file(QString::fromLocal8Bit(qgetenv("ZYBASE_ALL_FAULTS")));
-    if (!isFull() || !file.open(QIODevice::Append))
+    if (!FullSweep::isOn() || !file.open(QIODevice::Append))
         return;
     for (auto outcome = m_outcomes.cbegin(); outcome != m_outcomes.cend(); ++outcome)
         file.write("faults\t" + QByteArray::number(outcome.value()) + '\n' + outcome.key().toUtf8() + '\t'
@@ -100,15 +102,11 @@ QString Sweep::reasonToSkip()
                : QStringLiteral("bubblewrap is not installed, or may not make a process namespace here");
 }
 
-bool Sweep::isFull()
-{
-    return qEnvironmentVariableIsSet("ZYBASE_ALL_FAULTS");
-}
-
 QString Sweep::reasonToExclude(const QString &row) const
 {
     for (const Exclusion &exclusion : m_exclusions) {
-        if (!(exclusion.isTestedInFull && isFull()) && row.contains(QRegularExpression(exclusion.pattern)))
+        if (!(exclusion.isTestedInFull && FullSweep::isOn())
+            && row.contains(QRegularExpression(exclusion.pattern)))
             return exclusion.reason;
     }
     return {};
@@ -125,11 +123,14 @@ void Sweep::addRows(const QList<Kind> &kinds) const
         for (const KindOfCall &call : kindsOfCalls()) {
             if (!kinds.contains(call.kind))
                 continue;
-            const QList<int> actions = isFull() ? call.actions : call.actions.mid(0, 1);
+            const QList<int> actions = FullSweep::isOn() ? call.actions : call.actions.mid(0, 1);
             for (const int action : actions) {
                 for (const bool lasts : {false, true}) {
                     for (const bool isFirstCall : {false, true}) {
-                        if ((lasts && !canLast(call.kind, action)) || (!isFull() && (lasts || isFirstCall)))
+                        if ((lasts && !canLast(call.kind, action))
+                            || (!FullSweep::isOn() && (lasts || isFirstCall)))
+                            continue;
+                        if (!FullSweep::takesNextRow())
                             continue;
                         const QString name =
                             QStringLiteral("%1, %2: %3%4%5")

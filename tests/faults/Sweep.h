@@ -70,8 +70,6 @@ public:
     /** Skips the test program if it cannot run here. */
     static QString reasonToSkip();
 
-    static bool isFull();
-
     /** Adds one row for each operation, kind of call and error. */
     void addRows(const QList<Faults::Kind> &kinds) const;
 
