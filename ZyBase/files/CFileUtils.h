@@ -393,8 +393,9 @@ public:
      * @param strFilePath the path
      * @return true if all of these hold; otherwise false:
      * - the path has at least three characters
-     * - one of its first three characters is a colon
-     * - the rest contains none of : * ? < > | and no double quotation mark, or it is not valid UTF-16
+     * - the path contains a colon
+     * - the path after its third character has none of : * ? < > | and no double quotation mark
+     *   (always true if that part is not valid UTF-16)
      *
      * @warning Ordinary Linux paths such as "/home/user/a.pdf" return false. Use this function only for
      * drive paths.

@@ -154,11 +154,11 @@ bool CNetworkUtils::IsNetWorkOnline()
     bool bOnline = false;
     QEventLoop loop;
     QHostInfo::lookupHost(QString::fromLatin1(pszProbeName),
-                          [&bOnline, pLoop = QPointer<QEventLoop>(&loop)](const QHostInfo &info) {
-                              if (!pLoop)
-                                  return;
-                              bOnline = info.error() == QHostInfo::NoError;
-                              pLoop->quit();
+                          [&bOnline, pGuard = QPointer<QEventLoop>(&loop)](const QHostInfo &info) {
+                              if (QEventLoop *pLoop = pGuard) {
+                                  bOnline = info.error() == QHostInfo::NoError;
+                                  pLoop->quit();
+                              }
                           });
     loop.exec();
     return bOnline;

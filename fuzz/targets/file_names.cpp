@@ -23,6 +23,11 @@ bool containsAnyOf(const QString &characters, const QString &name)
     return false;
 }
 
+bool isValidUtf16(const QString &string)
+{
+    return QString::fromUtf8(string.toUtf8()) == string;
+}
+
 void checkName(const QString &name)
 {
     const QString wrapped = CStringUtils::SplitString(name);
@@ -31,11 +36,11 @@ void checkName(const QString &name)
 
     const bool isNameValid = CFileUtils::CheckFileNameValid(name);
     const bool isPathValid = CFileUtils::CheckFilePathValid(name);
-    const bool isUtf16 = QString::fromUtf8(name.toUtf8()) == name;
-    if (!isUtf16) // the functions accept every name then
-        return;
-    FUZZ_VERIFY(isNameValid == !containsAnyOf(QStringLiteral("\\/:*?\"<>|"), name));
-    FUZZ_VERIFY(!isPathValid || name.leftRef(3).contains(QLatin1Char(':')));
+    // The functions accept every name that is not valid UTF-16. The third character can be half of a pair.
+    if (isValidUtf16(name))
+        FUZZ_VERIFY(isNameValid == !containsAnyOf(QStringLiteral("\\/:*?\"<>|"), name));
+    if (isValidUtf16(name.mid(3)))
+        FUZZ_VERIFY(!isPathValid || name.leftRef(3).contains(QLatin1Char(':')));
 }
 
 } // namespace

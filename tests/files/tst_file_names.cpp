@@ -114,6 +114,8 @@ private Q_SLOTS:
         const QString halfPair = QString(QChar(0xd800));
         QVERIFY(CFileUtils::CheckFileNameValid(halfPair + utf8("*")));
         QVERIFY(CFileUtils::CheckFilePathValid(utf8("C:\\") + halfPair + utf8("*")));
+        // The check starts at the fourth character, which is the second half of a pair.
+        QVERIFY(CFileUtils::CheckFilePathValid(utf8("ab\U0001F600:*")));
     }
 
     void formatsSizeWithUnit_data()
