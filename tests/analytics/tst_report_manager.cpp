@@ -214,6 +214,8 @@ private Q_SLOTS:
         manager()->SendGaReport(utf8("open"), utf8("say \"epub\"\n😀"), true);
         QCOMPARE(received(), QStringList {utf8("open_file/file/say \"epub\"\n😀")});
         QCOMPARE(manager()->GetGaData(utf8("open")), before);
+        manager()->SendGaReport(utf8("open"), utf8(" "), true);
+        QCOMPARE(received().last(), utf8("open_file/file/ "));
         manager()->SendGaReport(utf8("open"), QString(), true);
         QCOMPARE(received().last(), utf8("open_file/file/pdf"));
     }

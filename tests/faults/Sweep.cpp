@@ -128,9 +128,7 @@ void Sweep::addRows(const QList<Kind> &kinds) const
                 for (const bool lasts : {false, true}) {
                     for (const bool isFirstCall : {false, true}) {
                         if ((lasts && !canLast(call.kind, action))
-                            || (!FullSweep::isOn() && (lasts || isFirstCall)))
-                            continue;
-                        if (!FullSweep::takesNextRow())
+                            || (!FullSweep::isOn() && (lasts || isFirstCall)) || !FullSweep::takesNextRow())
                             continue;
                         const QString name =
                             QStringLiteral("%1, %2: %3%4%5")

@@ -171,12 +171,13 @@ private Q_SLOTS:
         QVERIFY(hasAccepted);
     }
 
+    // Qt needs a second of a processor for a megabyte of headers. These are smaller.
     void acceptsManyHeaders_data() { addForms(allForms); }
     void acceptsManyHeaders()
     {
         QFETCH(Form, form);
         QByteArray headers;
-        for (int i = 0; i < 1024; ++i)
+        for (int i = 0; i < 256; ++i)
             headers += "X-" + QByteArray::number(i) + ": " + QByteArray(1000, 'x') + "\r\n";
         const RawServer server(answerWith("HTTP/1.1 200 OK\r\n" + headers + "Content-Length: 4\r\n\r\nsome"));
         const Outcome outcome = carryOut(form, server.url());
@@ -187,7 +188,7 @@ private Q_SLOTS:
     void acceptsLongHeader()
     {
         QFETCH(Form, form);
-        const RawServer server(answerWith("HTTP/1.1 200 OK\r\nX: " + QByteArray(1024 * 1024, 'x')
+        const RawServer server(answerWith("HTTP/1.1 200 OK\r\nX: " + QByteArray(256 * 1024, 'x')
                                           + "\r\nContent-Length: 4\r\n\r\nsome"));
         QCOMPARE(carryOut(form, server.url()), result(form, "some", 200));
     }

@@ -4,6 +4,7 @@
 
 #include <ZyBase/files/ZipManager.h>
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -19,6 +20,11 @@
 #include <sys/statvfs.h>
 
 namespace {
+
+struct ArchiveCheck
+{
+    Q_DECLARE_TR_FUNCTIONS(ArchiveCheck) // tr() for translated messages
+};
 
 constexpr quint16 encryptedFlag = 0x0001;
 constexpr quint16 utf8Flag = 0x0800;
@@ -47,15 +53,15 @@ bool staysInside(const QString &name)
 QString entryProblem(const QuaZipFileInfo64 &entry, quint64 spaceBytes)
 {
     if (!staysInside(entry.name))
-        return QStringLiteral("it would be written outside the directory");
+        return ArchiveCheck::tr("it would be written outside the directory");
     if (isSymbolicLink(entry))
-        return QStringLiteral("it is a symbolic link");
+        return ArchiveCheck::tr("it is a symbolic link");
     if ((entry.flags & encryptedFlag) != 0)
-        return QStringLiteral("it is encrypted");
+        return ArchiveCheck::tr("it is encrypted");
     if (entry.uncompressedSize > maxEntryBytes)
-        return QStringLiteral("it is too large");
+        return ArchiveCheck::tr("it is too large");
     if (entry.uncompressedSize > spaceBytes)
-        return QStringLiteral("there is not enough space for it");
+        return ArchiveCheck::tr("there is not enough space for it");
     return QString();
 }
 
@@ -82,7 +88,7 @@ QString archiveProblem(const QString &zipPath, quint64 spaceBytes, const QByteAr
     QuaZip zip(zipPath);
     const auto entries = entriesOf(&zip, codec);
     if (!zip.isOpen())
-        return QStringLiteral("It is not an archive.");
+        return ArchiveCheck::tr("It is not an archive.");
     for (const QuaZipFileInfo64 &entry : entries) {
         const QString problem = entryProblem(entry, spaceBytes);
         if (!problem.isNull())
@@ -137,11 +143,13 @@ QString extractArchive(const QString &zipPath, const QString &directory)
     if (!problem.isNull())
         return problem;
     if (!QDir().mkdir(directory))
-        return QStringLiteral("The directory exists already or cannot be created.");
+        return ArchiveCheck::tr("The directory exists already or cannot be created.");
 
     QuaZip::setDefaultFileNameCodec(codec.constData()); // for all archives of this process
     if (!ZyBase::ZipManager::QuaUnzipFile(zipPath, directory, false))
-        return QStringLiteral("It could not be extracted.");
+        return ArchiveCheck::tr("It could not be extracted.");
     const QString missing = missingEntry(directory, zipPath, codec);
-    return missing.isNull() ? QString() : missing + QStringLiteral(": it was not extracted completely");
+    return missing.isNull()
+               ? QString()
+               : missing + QStringLiteral(": ") + ArchiveCheck::tr("it was not extracted completely");
 }

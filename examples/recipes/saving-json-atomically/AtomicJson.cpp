@@ -2,6 +2,7 @@
 
 #include "AtomicJson.h"
 
+#include <QCoreApplication>
 #include <QJsonDocument>
 #include <QSaveFile>
 
@@ -14,6 +15,7 @@ QString saveJsonAtomically(const QString &path, const QJsonObject &object)
         file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush() && file.commit();
     if (saved)
         return QString();
-    return file.error() == QFileDevice::NoError ? QStringLiteral("There is not enough space on the disk.")
-                                                : file.errorString();
+    if (file.error() != QFileDevice::NoError)
+        return file.errorString();
+    return QCoreApplication::translate("AtomicJson", "There is not enough space on the disk.");
 }

@@ -2,6 +2,7 @@
 
 #include "LogDirectory.h"
 
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
@@ -34,7 +35,8 @@ LogDirectory prepareLogDirectory(const QString &fileName, int keptMonths)
     const QString base = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
     const QDir folder(base + QStringLiteral("/log"));
     if (!folder.mkpath(QStringLiteral(".")))
-        return {QString(), QStringLiteral("The directory %1 can't be created.").arg(folder.path())};
+        return {QString(), QCoreApplication::translate("LogDirectory", "The directory %1 can't be created.")
+                               .arg(folder.path())};
     QFile::setPermissions(folder.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 
     renameEarlierMonth(folder.filePath(fileName));
