@@ -280,6 +280,19 @@ private Q_SLOTS:
                  QStringList {QStringLiteral("log4qt: appender 'name' has no layout: the event is dropped")});
     }
 
+    void dropsEventsBeforeActivation()
+    {
+        FileAppender appender;
+        prepare(&appender);
+        appender.setFile(path());
+        appender.setName(QStringLiteral("name"));
+        const ErrorStreamCapture errors;
+        appender.doAppend(eventOf(QStringLiteral("x")));
+        QVERIFY(!QFile::exists(path()));
+        QCOMPARE(errors.lines(),
+                 QStringList {QStringLiteral("log4qt: appender 'name' is not active: the event is dropped")});
+    }
+
     void writesHeaderAndFooterAsLines()
     {
         FileAppender appender;
