@@ -284,7 +284,6 @@ private Q_SLOTS:
     {
         FileAppender appender;
         prepare(&appender);
-        appender.setFile(path());
         appender.setName(QStringLiteral("name"));
         const ErrorStreamCapture errors;
         appender.doAppend(eventOf(QStringLiteral("x")));
