@@ -36,7 +36,8 @@ namespace ZyBase {
  * **Failures.** No function reports a failure or throws. If InitLogger() cannot open the file, log4qt writes
  * an error to the standard error stream, and one more for each line that is lost. If the file cannot be
  * opened at the start of a month, each message tries to open it again. An installed log4qt 1.5.1 crashes in
- * that case; the log4qt of this library does not.
+ * that case, and writes no line after the disk was full; the log4qt of this library does not crash, and
+ * continues.
  *
  * **Lifetime.** The log is on from InitLogger() to ReleaseLogger(). A line is in the file when the function
  * returns, so a crash of the application loses no line. If the process is killed during a call, the line of
