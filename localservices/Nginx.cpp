@@ -3,15 +3,14 @@
 #include "Nginx.h"
 
 #include <QDir>
+#include <QHostAddress>
 #include <QStandardPaths>
-#include <QTcpServer>
 #include <QTcpSocket>
 
 namespace LocalServices {
 
 namespace {
 
-constexpr int attempts = 5;
 constexpr int timeoutMs = 20000;
 
 // The search path of ordinary users may lack the directories of servers.
@@ -22,13 +21,6 @@ QString program()
         return found;
     return QStandardPaths::findExecutable(QStringLiteral("nginx"),
                                           {QStringLiteral("/usr/sbin"), QStringLiteral("/usr/local/sbin")});
-}
-
-quint16 freePort()
-{
-    QTcpServer server;
-    server.listen(QHostAddress::LocalHost);
-    return server.serverPort();
 }
 
 void write(const QString &path, const QByteArray &content)
@@ -52,9 +44,7 @@ Nginx::Nginx(const Certificate &certificate, const QString &protocols)
     QDir(m_directory.path()).mkdir(QStringLiteral("www"));
     write(m_directory.filePath(QStringLiteral("certificate")), certificate.certificate);
     write(m_directory.filePath(QStringLiteral("key")), certificate.privateKey);
-    // nginx cannot use any free port, and another program may take the port first.
-    for (int i = 0; i < attempts && !m_isRunning; ++i)
-        m_isRunning = start();
+    m_isRunning = start();
 }
 
 Nginx::~Nginx()
@@ -67,7 +57,7 @@ QUrl Nginx::url(const QString &path) const
 {
     const QString scheme =
         m_certificate.certificate.isEmpty() ? QStringLiteral("http") : QStringLiteral("https");
-    return QUrl(QStringLiteral("%1://127.0.0.1:%2%3").arg(scheme).arg(m_port).arg(path));
+    return QUrl(QStringLiteral("%1://127.0.0.1:%2%3").arg(scheme).arg(m_port.number()).arg(path));
 }
 
 QString Nginx::filePath(const QString &name) const
@@ -77,7 +67,6 @@ QString Nginx::filePath(const QString &name) const
 
 bool Nginx::start()
 {
-    m_port = freePort();
     const QString tls = m_certificate.certificate.isEmpty()
                             ? QString()
                             : QStringLiteral("ssl_certificate %1/certificate; ssl_certificate_key %1/key;"
@@ -93,7 +82,7 @@ bool Nginx::start()
                        "  server { listen 127.0.0.1:%2%3; root %1/www; %4 }\n"
                        "}\n")
             .arg(m_directory.path())
-            .arg(m_port)
+            .arg(m_port.number())
             .arg(tls.isEmpty() ? QString() : QStringLiteral(" ssl"), tls);
     const QString path = m_directory.filePath(QStringLiteral("configuration"));
     write(path, configuration.toUtf8());
@@ -107,7 +96,7 @@ bool Nginx::waitForConnection()
     constexpr int pauseMs = 10;
     for (int waited = 0; waited < timeoutMs; waited += pauseMs) {
         QTcpSocket socket;
-        socket.connectToHost(QHostAddress::LocalHost, m_port);
+        socket.connectToHost(QHostAddress::LocalHost, m_port.number());
         if (socket.waitForConnected(timeoutMs))
             return true;
         if (m_process.waitForFinished(pauseMs))

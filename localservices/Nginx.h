@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Certificates.h"
+#include "ReservedPort.h"
 
 #include <QProcess>
 #include <QTemporaryDir>
@@ -42,7 +43,7 @@ private:
     QTemporaryDir m_directory;
     const Certificate m_certificate;
     const QString m_protocols;
-    quint16 m_port = 0;
+    const ReservedPort m_port;
     QProcess m_process;
     bool m_isRunning = false;
 };

@@ -8,6 +8,7 @@
 
 #include <ZyBase/analytics/CGoogleAnalytics.h>
 #include <localservices/FakeNetwork.h>
+#include <localservices/ReservedPort.h>
 
 #include <QChildEvent>
 #include <QThread>

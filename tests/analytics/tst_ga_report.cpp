@@ -108,7 +108,8 @@ private Q_SLOTS:
 
     void deletesRequestsIfNetworkIsDown()
     {
-        useProxy(closedPortUrl().port());
+        const LocalServices::ReservedPort closedPort;
+        useProxy(closedPort.number());
         // A signal may be emitted before the reporter is connected to it, but not in every attempt.
         int left = 3;
         for (int attempt = 0; attempt < 5 && left > 0; ++attempt) {

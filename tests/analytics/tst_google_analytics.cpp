@@ -269,11 +269,11 @@ private Q_SLOTS:
     void failsIfServerIsDown()
     {
         QFETCH(bool, hasProxy);
-        if (hasProxy) {
-            routeEvents(closedPortUrl());
-        } else {
-            useProxy(closedPortUrl().port());
-        }
+        const LocalServices::ReservedPort closedPort;
+        if (hasProxy)
+            routeEvents(closedPort.url());
+        else
+            useProxy(closedPort.number());
         CGoogleAnalytics analytics;
         QVERIFY(!sendSync(analytics));
         QCOMPARE(send(Mode::Async), resultOf(""));

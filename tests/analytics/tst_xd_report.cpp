@@ -325,7 +325,8 @@ private Q_SLOTS:
     void deletesRequestIfServerIsDown()
     {
         Reporter reporter;
-        start(reporter, closedPortUrl());
+        const LocalServices::ReservedPort closedPort;
+        start(reporter, closedPort.url());
         QCOMPARE(reporter.running(), 1);
         QTRY_COMPARE_WITH_TIMEOUT(reporter.running(), 0, longestWaitMs);
     }

@@ -4,8 +4,6 @@
 
 #include <localservices/RawServer.h>
 
-#include <QTcpServer>
-
 /** Writes the same bytes to every client. */
 class RawAnswer : public LocalServices::RawServer
 {
@@ -51,11 +49,3 @@ public:
     {
     }
 };
-
-/** Returns the URL of a port on which no server listens. */
-inline QUrl closedPortUrl()
-{
-    QTcpServer server;
-    server.listen(QHostAddress::LocalHost);
-    return QUrl(QStringLiteral("http://127.0.0.1:%1/").arg(server.serverPort()));
-}

@@ -6,6 +6,7 @@
 #include "Waiting.h"
 
 #include <ZyBase/base/LoggerObjectPrivate.h>
+#include <localservices/ReservedPort.h>
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -166,7 +167,8 @@ void StopTest::emitsNothingDuringSynchronousCall()
     setServer(server.url());
     QByteArray data;
     QVERIFY(send(*watched, call, data));
-    setServer(closedPortUrl());
+    const LocalServices::ReservedPort closedPort;
+    setServer(closedPort.url());
     send(*watched, call, data);
     QVERIFY(staysTrueFor(10ms, [&] { return watched->outcomes().isEmpty(); }));
 }

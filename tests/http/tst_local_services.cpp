@@ -2,6 +2,7 @@
 
 #include <localservices/HttpServer.h>
 #include <localservices/RawServer.h>
+#include <localservices/ReservedPort.h>
 
 #include "ProcessFigures.h"
 
@@ -194,6 +195,20 @@ private Q_SLOTS:
         QVERIFY(answer.contains("Transfer-Encoding: chunked\r\n"));
         QVERIFY(!answer.contains("Content-Length"));
         QVERIFY(answer.endsWith("\r\n0\r\n\r\n"));
+    }
+
+    void reservesPortForServerThatNamesIt()
+    {
+        const LocalServices::ReservedPort port;
+        QTcpSocket refused;
+        refused.connectToHost(QHostAddress::LocalHost, port.number());
+        QVERIFY(!refused.waitForConnected());
+        QCOMPARE(refused.error(), QAbstractSocket::ConnectionRefusedError);
+        const LocalServices::Listener server([](LocalServices::Connection &) {}, {}, port.number());
+        QVERIFY(server.isListening());
+        QTcpSocket accepted;
+        accepted.connectToHost(QHostAddress::LocalHost, port.number());
+        QVERIFY(accepted.waitForConnected());
     }
 
     void repeatsContentAfterPrimeLength()
