@@ -53,6 +53,9 @@ public:
     /** Routes the hosts that report the public address, the country and the location. */
     void routePublicServices();
 
+    /** Holds later requests to the proxy back while the returned lock exists. */
+    std::unique_lock<std::mutex> pause() { return m_proxy.pause(); }
+
     const Authority &authority() const { return m_authority; }
     const GaCollector &collector() const { return m_collector; }
     const StatisticsBackend &statistics() const { return m_statistics; }

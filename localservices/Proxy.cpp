@@ -104,6 +104,7 @@ void Proxy::handle(Connection &client)
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_requestLines << QString::fromLatin1(received.left(received.indexOf("\r\n")));
     }
+    pause().unlock(); // waits until there is no pause
     const bool isTunnel = request->method == "CONNECT";
     const QString address = QString::fromLatin1(request->target);
     const QUrl target(isTunnel ? QLatin1String("//") + address : address);

@@ -48,6 +48,9 @@ public:
     /** Routes all other names to the port of @p server. */
     void routeAll(const QUrl &server) { route(QString(), server); }
 
+    /** Holds later requests back while the returned lock exists. Thread-safe. */
+    std::unique_lock<std::mutex> pause() { return std::unique_lock<std::mutex>(m_pause); }
+
     /** Returns the first lines of the requests so far, such as "CONNECT host:443 HTTP/1.1". Thread-safe. */
     QStringList requestLines() const;
 
@@ -62,6 +65,7 @@ private:
     int portFor(const QUrl &target) const;
 
     const Issue m_issue;
+    std::mutex m_pause; ///< locked by pause(), and for a moment before each request is passed on
     mutable std::mutex m_mutex;
     QMap<QString, int> m_ports; ///< guarded by m_mutex
     QStringList m_requestLines; ///< guarded by m_mutex

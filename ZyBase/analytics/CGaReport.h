@@ -22,7 +22,8 @@
  *
  * **Lifetime.** Background requests are children of the reporter and delete themselves. This needs a
  * running event loop in the reporter's thread. A request that ends before ReportGaData() has returned can
- * remain a child until the reporter is destroyed.
+ * remain a child until the reporter is destroyed. So limit each wait for the children to 11 seconds; no
+ * request takes longer.
  *
  * @warning Destroying the reporter while a request runs is undefined behaviour. Call StopReport(), run the
  * event loop until the reporter has no children, and then destroy it.

@@ -37,6 +37,16 @@ protected:
     /** Routes events to this server instead of the collector. */
     void routeEvents(const QUrl &url) { m_network->route(FakeNetwork::collectorHost, url); }
 
+    /**
+     * Calls @p start, which starts background events, and keeps them from ending before it returns: CGaReport
+     * never deletes an event that ends earlier.
+     */
+    template <class Start> void startEvents(Start start)
+    {
+        const std::unique_lock<std::mutex> pause = network().pause();
+        start();
+    }
+
     /** Makes this process use a proxy on this port of 127.0.0.1. */
     static void useProxy(int port);
 

@@ -41,9 +41,13 @@ private:
         return std::make_unique<CGaReport>(parent);
     }
 
-    static void report(CGaReport &reporter, bool sync)
+    void report(CGaReport &reporter, bool sync)
     {
-        reporter.ReportGaData(QStringLiteral("open"), QStringLiteral("file"), QStringLiteral("pdf"), sync);
+        const auto start = [&] {
+            reporter.ReportGaData(QStringLiteral("open"), QStringLiteral("file"), QStringLiteral("pdf"),
+                                  sync);
+        };
+        sync ? start() : startEvents(start);
     }
     QList<GaCollector::Event> received() { return network().collector().events(); }
     static void addModes()

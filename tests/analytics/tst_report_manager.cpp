@@ -59,6 +59,11 @@ private:
              "  \"event_label\": \"\"}]");
     }
 
+    void startEvent()
+    {
+        startEvents([] { manager()->SendGaReport(utf8("open"), QStringLiteral(""), false); });
+    }
+
     // Returns "name/category/label" of each received event.
     QStringList received()
     {
@@ -170,7 +175,10 @@ private Q_SLOTS:
     {
         QFETCH(bool, sync);
         loadTwoEvents();
-        manager()->SendGaReport(utf8("open"), QStringLiteral(""), sync);
+        if (sync)
+            manager()->SendGaReport(utf8("open"), QStringLiteral(""), true);
+        else
+            startEvent();
         QCOMPARE(runningEvents(), sync ? 0 : 1);
         if (sync)
             QCOMPARE(received().size(), 1);
@@ -420,14 +428,14 @@ private Q_SLOTS:
         loadTwoEvents();
         manager()->InitXdData(silent.url().toString(), {}, {}, {}, {});
         for (int i = 0; i < 3; ++i) {
-            manager()->SendGaReport(utf8("open"), QString(), false);
+            startEvent();
             manager()->SendXdReport(utf8("crash"), utf8("end"));
         }
         QTRY_COMPARE_WITH_TIMEOUT(silent.requests().size(), 6, longestWaitMs);
         manager()->StopGaReport();
         QTRY_COMPARE_WITH_TIMEOUT(runningEvents(), 0, beforeTimeLimitMs);
         QCOMPARE(runningRecords(), 3);
-        manager()->SendGaReport(utf8("open"), QString(), false);
+        startEvent();
         QTRY_COMPARE_WITH_TIMEOUT(silent.requests().size(), 7, longestWaitMs);
         manager()->StopXdReport();
         QTRY_COMPARE_WITH_TIMEOUT(runningRecords(), 0, beforeTimeLimitMs);
@@ -441,7 +449,7 @@ private Q_SLOTS:
         loadTwoEvents();
         CGaReportManager *const instance = manager();
         instance->InitXdData(silent.url().toString(), {}, {}, {}, {});
-        instance->SendGaReport(utf8("open"), QString(), false);
+        startEvent();
         instance->SendXdReport(utf8("crash"), utf8("end"));
         QTRY_COMPARE_WITH_TIMEOUT(silent.requests().size(), 2, longestWaitMs);
         CGaReportManager::ReleaseReport();
@@ -452,7 +460,7 @@ private Q_SLOTS:
         QCOMPARE(CGaReportManager::s_instance, instance);
         QVERIFY(!instance->GetGaData(utf8("open")).isEmpty());
         routeEvents(network().collector().url());
-        instance->SendGaReport(utf8("open"), QString(), false);
+        startEvent();
         QTRY_COMPARE_WITH_TIMEOUT(runningEvents(), 0, longestWaitMs);
         QCOMPARE(received(), QStringList {utf8("open_file/file/pdf")});
         instance->SendXdReport(utf8("crash"), utf8("end"));
@@ -475,7 +483,7 @@ private Q_SLOTS:
         manager()->StopGaReport();
         manager()->StopXdReport();
         loadTwoEvents();
-        manager()->SendGaReport(utf8("open"), QString(), false);
+        startEvent();
         QTRY_COMPARE_WITH_TIMEOUT(runningEvents(), 0, longestWaitMs);
         QCOMPARE(received().size(), 1);
     }

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 
+#include "Waiting.h"
+
 #include <localservices/HttpServer.h>
 #include <localservices/Proxy.h>
 
@@ -10,6 +12,8 @@
 #include <QSslConfiguration>
 #include <QSslError>
 #include <QTest>
+
+using namespace std::chrono_literals;
 
 using LocalServices::Authority;
 using LocalServices::HttpServer;
@@ -131,6 +135,19 @@ private Q_SLOTS:
         QVERIFY(waitFor(send(QUrl(QStringLiteral("http://third.example.org/echo")))));
         QCOMPARE(third.requests().size(), 1);
         QCOMPARE(second.requests().size(), 1);
+    }
+
+    void holdsRequestsBackDuringPause()
+    {
+        const int linesBefore = m_proxy.requestLines().size();
+        const int requestsBefore = m_server.requests().size();
+        std::unique_lock<std::mutex> pause = m_proxy.pause();
+        const Reply reply = send(fixedUrl(QStringLiteral("http"), QStringLiteral("/echo")));
+        QTRY_COMPARE_WITH_TIMEOUT(m_proxy.requestLines().size(), linesBefore + 1, timeoutMs);
+        QVERIFY(staysTrueFor(20ms, [&] { return m_server.requests().size() == requestsBefore; }));
+        pause.unlock();
+        QVERIFY(waitFor(reply));
+        QCOMPARE(reply->error(), QNetworkReply::NoError);
     }
 
     void rejectsNameWithoutRoute()
