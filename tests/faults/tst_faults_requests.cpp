@@ -104,7 +104,9 @@ private:
         operation.command = QStringLiteral("requests.report");
         operation.outcome = describeReport;
         operation.success = QStringLiteral("0 requests left");
-        operation.promised = QStringList {notStarted};
+        // A request that ends before the reporter has connected it is not deleted.
+        operation.promisedNext = QStringList {QStringLiteral("1 requests left")};
+        operation.promised = operation.promisedNext + QStringList {notStarted};
         return operation;
     }
     Operation record() const
@@ -112,6 +114,8 @@ private:
         Operation operation = report();
         operation.name = QStringLiteral("record");
         operation.command = QStringLiteral("requests.record");
+        operation.promisedNext.clear();
+        operation.promised = QStringList {notStarted};
         operation.arguments = {m_network->statistics().url().toString()};
         operation.setUp = [](FaultHost &) {};
         return operation;
