@@ -33,6 +33,9 @@ struct Operation
     /** Outcomes of the next call that the documentation allows, besides success. */
     QStringList promisedNext;
 
+    /** An outcome that is possible without a fault, but rare. A second call in a row must not have it. */
+    QString rare;
+
     /** Only the first call of these kinds fails. */
     QList<Faults::Kind> onlyFirst;
 
@@ -83,6 +86,7 @@ private:
     void startHost(const Operation &operation);
     void startWithoutFault(const Operation &operation);
     QString testFault(const Operation &operation, const Fault &fault, bool *isLast);
+    QString runWithoutFault(const Operation &operation);
     QString runAgain(const Operation &operation);
     QString whatIsLeft();
     void writeFigures();

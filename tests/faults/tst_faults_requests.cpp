@@ -105,8 +105,9 @@ private:
         operation.outcome = describeReport;
         operation.success = QStringLiteral("0 requests left");
         // A request that ends before the reporter has connected it is not deleted.
-        operation.promisedNext = QStringList {QStringLiteral("1 requests left")};
-        operation.promised = operation.promisedNext + QStringList {notStarted};
+        operation.rare = QStringLiteral("1 requests left");
+        operation.promisedNext = QStringList {operation.rare};
+        operation.promised = QStringList {operation.rare, notStarted};
         return operation;
     }
     Operation record() const
@@ -114,6 +115,7 @@ private:
         Operation operation = report();
         operation.name = QStringLiteral("record");
         operation.command = QStringLiteral("requests.record");
+        operation.rare.clear();
         operation.promisedNext.clear();
         operation.promised = QStringList {notStarted};
         operation.arguments = {m_network->statistics().url().toString()};
