@@ -46,7 +46,7 @@ private:
                     .toBool());
     }
     // The time zone of the machine is the file GMT-5, five hours east of UTC.
-    void startHostInTheEast(const QTemporaryDir &etc)
+    void startHostInTheEast(const QTemporaryDir &etc, const QDateTime &now, const QString &zone = QString())
     {
         const QString zoneFile = zoneFiles + QStringLiteral("GMT-5");
         if (!QFile::exists(zoneFile))
@@ -55,16 +55,19 @@ private:
             QSKIP("sandboxes are not available");
         QVERIFY(QFile::copy(zoneFile, etc.filePath(QStringLiteral("localtime"))));
         m_directory = std::make_unique<QTemporaryDir>();
-        m_clock = std::make_unique<FakeClock>(atUtc(2026, 11, 20, 12));
+        m_clock = std::make_unique<FakeClock>(now);
         m_host = std::make_unique<HostProcess>();
         m_clock->install(m_host.get());
-        m_host->setEnvironment(QStringLiteral("TZ"), QString());
+        m_host->setEnvironment(QStringLiteral("TZ"), zone);
         Sandbox sandbox;
         sandbox.replace(QStringLiteral("/etc"), etc.path());
         QVERIFY(m_host->start(sandbox));
         QVERIFY(m_host->call(QStringLiteral("log.init"), {QStringLiteral("app.log"), m_directory->path()})
                     .toBool());
-        info(QStringLiteral("east"));
+    }
+    void setZone(const QJsonValue &zone)
+    {
+        m_host->call(QStringLiteral("process.setVariable"), {QStringLiteral("TZ"), zone});
     }
 
     // The line for November that cannot be renamed.
@@ -298,9 +301,6 @@ private Q_SLOTS:
     void writesNewZoneAfterChangeOfTz()
     {
         startHost(atUtc(2026, 11, 20, 12), utc);
-        const auto setZone = [this](const QJsonValue &zone) {
-            m_host->call(QStringLiteral("process.setVariable"), {QStringLiteral("TZ"), zone});
-        };
         info(QStringLiteral("UTC"));
         setZone(QStringLiteral("JST-9"));
         info(QStringLiteral("Japan"));
@@ -318,19 +318,32 @@ private Q_SLOTS:
     {
         startHost(atUtc(2026, 11, 30, 23, 30), utc);
         info(QStringLiteral("november"));
-        m_host->call(QStringLiteral("process.setVariable"), {QStringLiteral("TZ"), QStringLiteral("JST-9")});
+        setZone(QStringLiteral("JST-9"));
         info(QStringLiteral("december"));
         QCOMPARE(lines(QStringLiteral("app.log.2026-11")),
                  QStringList {QStringLiteral("2026-11-30 23:30:00.000 INFO   - november")});
         QCOMPARE(lines(), QStringList {QStringLiteral("2026-12-01 08:30:00.000 INFO   - december")});
     }
 
+    void renamesFileIfTzIsRemovedBeforeFirstLine()
+    {
+        const QTemporaryDir etc;
+        startHostInTheEast(etc, atUtc(2026, 11, 30, 23, 30), utc);
+        if (QTest::currentTestFailed() || !m_host)
+            return;
+        setZone(QJsonValue());
+        info(QStringLiteral("december"));
+        QCOMPARE(files(), QStringList({QStringLiteral("app.log"), QStringLiteral("app.log.2026-11")}));
+        QCOMPARE(lines(), QStringList {QStringLiteral("2026-12-01 04:30:00.000 INFO   - december")});
+    }
+
     void writesNewZoneAfterChangeOfZoneFile()
     {
         const QTemporaryDir etc;
-        startHostInTheEast(etc);
+        startHostInTheEast(etc, atUtc(2026, 11, 20, 12));
         if (QTest::currentTestFailed() || !m_host)
             return;
+        info(QStringLiteral("east"));
         // Package managers replace the file in this way.
         const QString fresh = etc.filePath(QStringLiteral("localtime.new"));
         QVERIFY(QFile::copy(zoneFiles + QStringLiteral("GMT-9"), fresh));
@@ -349,12 +362,13 @@ private Q_SLOTS:
     void distinguishesEmptyTzFromMissingTz()
     {
         const QTemporaryDir etc;
-        startHostInTheEast(etc);
+        startHostInTheEast(etc, atUtc(2026, 11, 20, 12));
         if (QTest::currentTestFailed() || !m_host)
             return;
-        m_host->call(QStringLiteral("process.setVariable"), {QStringLiteral("TZ"), QString::fromLatin1("")});
+        info(QStringLiteral("east"));
+        setZone(QString::fromLatin1(""));
         info(QStringLiteral("UTC"));
-        m_host->call(QStringLiteral("process.setVariable"), {QStringLiteral("TZ"), QJsonValue()});
+        setZone(QJsonValue());
         info(QStringLiteral("east again"));
         QCOMPARE(lines(), QStringList({QStringLiteral("2026-11-20 17:00:00.000 INFO   - east"),
                                        QStringLiteral("2026-11-20 12:00:00.000 INFO   - UTC"),
