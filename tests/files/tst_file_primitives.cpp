@@ -2,13 +2,15 @@
 
 #include <ZyBase/files/CFileUtils.h>
 
+#include "FaultHost.h"
 #include "Files.h"
 #include "FilesTest.h"
-#include "HostProcess.h"
 
 #include <QDir>
+#include <QRegularExpression>
 #include <QStorageInfo>
 
+#include <cerrno>
 #include <sys/inotify.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -704,6 +706,23 @@ private Q_SLOTS:
         QVERIFY(isProbe(beside.events(), utf8("folder\\temp_0.")));
         QCOMPARE(inside.events(), QStringList());
         QCOMPARE(messages().size(), 0);
+    }
+
+    void createsNamedProbeIfFileSystemRequiresNames()
+    {
+        FaultHost host(false);
+        QVERIFY(host.start());
+        const DirectoryWatch watch(directoryPath());
+        const FaultHost::Outcome outcome =
+            host.run({Faults::Kind::Open, 1, EOPNOTSUPP}, utf8("files.isFolderWritable"),
+                     {directoryPath() + utf8("/")}, ChildProcess::timeoutMs);
+        QVERIFY(!outcome.failed.isEmpty());
+        QCOMPARE(outcome.answer, QJsonValue(true));
+        const QStringList events = watch.events();
+        QCOMPARE(events.size(), 2);
+        QVERIFY2(QRegularExpression(utf8("^\\+\\\\temp_0\\.[A-Za-z]{6}$")).match(events.at(0)).hasMatch(),
+                 qPrintable(events.at(0)));
+        QCOMPARE(events.at(1), utf8("-") + events.at(0).mid(1));
     }
 
     void checksParentDirectoryWithoutTrailingSlash()

@@ -69,6 +69,11 @@ QJsonValue saveJson(const QJsonArray &arguments)
     return true;
 }
 
+QJsonValue isFolderWritable(const QJsonArray &arguments)
+{
+    return CFileUtils::isFolderWritable(arguments.at(0).toString());
+}
+
 QJsonValue leftSpace(const QJsonArray &arguments)
 {
     return double(CFileUtils::getLeftSpace(arguments.at(0).toString()));
@@ -88,6 +93,7 @@ Commands fileCommands()
             {QStringLiteral("files.bigFileMd5"), bigFileMd5},
             {QStringLiteral("files.copy"), copy},
             {QStringLiteral("files.formatOpenTime"), formatOpenTime},
+            {QStringLiteral("files.isFolderWritable"), isFolderWritable},
             {QStringLiteral("files.leftSpace"), leftSpace},
             {QStringLiteral("files.readFileData"), readFileData},
             {QStringLiteral("files.readJson"), readJson},
