@@ -193,10 +193,15 @@ QString Sweep::runWithoutFault(const Operation &operation)
     return result.hasEnded ? operation.outcome(result.answer) : QStringLiteral("no return");
 }
 
+bool Sweep::isExpected(const Operation &operation, const QString &outcome)
+{
+    return outcome == operation.success || outcome == operation.rare;
+}
+
 QString Sweep::runAgain(const Operation &operation)
 {
     const QString outcome = runWithoutFault(operation);
-    return outcome == operation.success || operation.promisedNext.contains(outcome)
+    return isExpected(operation, outcome) || operation.promisedNext.contains(outcome)
                ? QString()
                : QStringLiteral("the next call: ") + outcome;
 }
@@ -218,7 +223,7 @@ QString Sweep::testFault(const Operation &operation, const Fault &fault, bool *i
     if (*isLast)
         return outcome == operation.success ? QString() : QStringLiteral("without a fault: ") + outcome;
     ++m_outcomes[operation.name + QLatin1String(": ") + outcome];
-    if (outcome != operation.success && !operation.promised.contains(outcome))
+    if (!isExpected(operation, outcome) && !operation.promised.contains(outcome))
         return result.failed + QLatin1String(": ") + outcome;
     QString wrong = runAgain(operation);
     if (wrong.isEmpty())

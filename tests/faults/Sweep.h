@@ -33,7 +33,7 @@ struct Operation
     /** Outcomes of the next call that the documentation allows, besides success. */
     QStringList promisedNext;
 
-    /** An outcome that is possible without a fault, but rare. A second call in a row must not have it. */
+    /** An outcome that each call can have, but rarely. Without a fault, no second call in a row has it. */
     QString rare;
 
     /** Only the first call of these kinds fails. */
@@ -87,6 +87,7 @@ private:
     void startWithoutFault(const Operation &operation);
     QString testFault(const Operation &operation, const Fault &fault, bool *isLast);
     QString runWithoutFault(const Operation &operation);
+    static bool isExpected(const Operation &operation, const QString &outcome);
     QString runAgain(const Operation &operation);
     QString whatIsLeft();
     void writeFigures();

@@ -106,8 +106,7 @@ private:
         operation.success = QStringLiteral("0 requests left");
         // A request that ends before the reporter has connected it is not deleted.
         operation.rare = QStringLiteral("1 requests left");
-        operation.promisedNext = QStringList {operation.rare};
-        operation.promised = QStringList {operation.rare, notStarted};
+        operation.promised = QStringList {notStarted};
         return operation;
     }
     Operation record() const
@@ -116,8 +115,6 @@ private:
         operation.name = QStringLiteral("record");
         operation.command = QStringLiteral("requests.record");
         operation.rare.clear();
-        operation.promisedNext.clear();
-        operation.promised = QStringList {notStarted};
         operation.arguments = {m_network->statistics().url().toString()};
         operation.setUp = [](FaultHost &) {};
         return operation;
