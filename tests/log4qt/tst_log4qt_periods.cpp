@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: LGPL-2.1-or-later
 
 #include "rolloverperiod.h"
+#include "secondwatch.h"
 
 #include <log4qt/dailyrollingfileappender.h>
 
@@ -9,6 +10,7 @@
 
 using Log4Qt::DailyRollingFileAppender;
 using Log4Qt::RollOverPeriod;
+using Log4Qt::SecondWatch;
 
 namespace {
 
@@ -129,6 +131,21 @@ private Q_SLOTS:
     {
         QFETCH(QString, pattern);
         QVERIFY(!RollOverPeriod(pattern).isValid());
+    }
+
+    void turnsWithSecondAndZone()
+    {
+        SecondWatch watch;
+        QVERIFY(watch.turned(5500, "UTC0"));
+        QVERIFY(!watch.turned(5000, "UTC0"));
+        QVERIFY(!watch.turned(5999, "UTC0"));
+        QVERIFY(watch.turned(6000, "UTC0"));
+        QVERIFY(watch.turned(5999, "UTC0"));
+        QVERIFY(watch.turned(5999, "JST-9"));
+        QVERIFY(watch.turned(5999, QByteArray("")));
+        QVERIFY(watch.turned(5999, QByteArray()));
+        QVERIFY(!watch.turned(5999, QByteArray()));
+        QCOMPARE(watch.sinceSecond(5999), quint64(999));
     }
 };
 
